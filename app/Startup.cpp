@@ -1,0 +1,82 @@
+#include "Startup.h"
+
+#include "DataFolder.h"
+#include "Dialogs.h"
+#include "TForm1.h"
+#include "storage/ModuleSQL.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QLocale>
+#include <QTextStream>
+#include <QTimer>
+
+namespace {
+
+QTextStream &err() {
+    static QTextStream s(stderr);
+    return s;
+}
+
+// --prepare-data DIR: creates the folder tree and every database with its tables, then exits.
+int prepareData(const QString &folder) {
+    const QString problem = DataFolder::ensureTree(folder);
+    if (!problem.isEmpty()) {
+        err() << problem << Qt::endl;
+        return 1;
+    }
+    TModuleSQL module(folder);
+    int failures = 0;
+    for (Db db : kAllDatabases) {
+        if (!module.database(db).isOpen()) {
+            err() << module.failure(db) << Qt::endl;
+            ++failures;
+        }
+    }
+    return failures == 0 ? 0 : 1;
+}
+
+} // namespace
+
+int virnMain(int argc, char **argv) {
+    if (argc >= 3 && qstrcmp(argv[1], "--prepare-data") == 0) {
+        // No window: works on machines without a display.
+        QCoreApplication core(argc, argv);
+        return prepareData(QString::fromLocal8Bit(argv[2]));
+    }
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Вирн-Смета"));
+    QApplication::setOrganizationName(QStringLiteral("Вирн"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Вирн-Смета"));
+    QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
+
+    QStringList args = app.arguments().mid(1);
+    QString screenshot;
+    if (int i = args.indexOf(QStringLiteral("--screenshot")); i >= 0 && i + 1 < args.size()) {
+        screenshot = args.at(i + 1);
+        args.remove(i, 2);
+    }
+
+    TForm1 window(args);
+    dialogs().setParentWidget(&window);
+    if (!window.startupError().isEmpty()) {
+        dialogs().tell(Captions::error, window.startupError(), Dialogs::Icon::Error);
+        err() << window.startupError() << Qt::endl;
+        return 1;
+    }
+    TModuleSQL module(window.dataFolder());
+    window.attachModule(&module);
+    window.show();
+    window.FormShow();
+
+    if (!screenshot.isEmpty()) {
+        // Draw the window once, save the picture and leave without questions.
+        QTimer::singleShot(300, &window, [&window, screenshot] {
+            const bool ok = window.grab().save(screenshot);
+            err() << (ok ? "screenshot: " : "screenshot failed: ") << screenshot << Qt::endl;
+            window.DisableSave();
+            QApplication::exit(ok ? 0 : 1);
+        });
+    }
+    return app.exec();
+}

@@ -1,0 +1,157 @@
+#pragma once
+// The main window: the estimate editor with the rate grid beside it. The window is split over
+// several files by subsystem (TForm1_<area>.cpp); each area keeps its members in its own block below.
+
+#include "MainSettings.h"
+
+#include <QMainWindow>
+#include <QPointer>
+#include <QStringList>
+#include <memory>
+
+class QAction;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QMenu;
+class QSplitter;
+class QTabWidget;
+class QTableView;
+class QToolBar;
+class CrewGrid;
+class EstimateGrid;
+class SettingsStore;
+class TModuleSQL;
+
+class TForm1 : public QMainWindow {
+    Q_OBJECT
+public:
+    // FormCreate: decides the data folder and builds the window; touches no database.
+    explicit TForm1(const QStringList &arguments, QWidget *parent = nullptr);
+    ~TForm1() override;
+
+    // The data module is created after the window and handed over here.
+    void attachModule(TModuleSQL *module);
+    // FormShow: applies the settings, opens the databases, opens the start document.
+    void FormShow();
+    // FormCloseQuery: the unsaved-changes question; writes the settings. False keeps the window open.
+    bool FormCloseQuery();
+
+    // Program state.
+    QString dataFolder() const { return m_dataFolder; }
+    QString startupError() const { return m_startupError; }
+    QString currentFile() const { return m_fileName; }
+    int currentRow() const { return m_currentRow; }
+    void setCurrentRow(int gridRow) { m_currentRow = gridRow; }
+    QString priceTableName() const { return m_priceTable; }
+    void setPriceTableName(const QString &name) { m_priceTable = name; }
+    TModuleSQL &module() const { return *m_module; }
+    SettingsStore *settingsStore() const { return m_settingsStore.get(); }
+    MainSettings &settings() { return m_settings; }
+    EstimateGrid *gridDoc() const { return m_gridDoc; }
+    CrewGrid *gridBrig() const { return m_gridBrig; }
+
+    // The changed flag is the Save button's enabled state.
+    bool isChanged() const;
+    void EnableSave();
+    void DisableSave();
+
+    // Components (objectName = the member's name).
+    QTableView *StringGridDoc = nullptr;
+    QTableView *StringGridBrig = nullptr;
+    QTabWidget *PageControlDoc = nullptr; // "Новый документ", "Для бригады", later windows
+    QWidget *TabSheet1 = nullptr;
+    QWidget *TabSheetBrig = nullptr;
+    QSplitter *SplitterMain = nullptr;
+    QWidget *PanelRas = nullptr;    // left: the rate grid and its navigation
+    QWidget *PanelHeader = nullptr; // above the estimate: customer, object, contractor, number, date
+    QWidget *PanelKoef = nullptr;   // coefficient lines of the estimate
+    QWidget *PanelTotals = nullptr;
+    QLineEdit *Edit6 = nullptr; // works total
+    QLineEdit *Edit4 = nullptr; // materials total
+    QLineEdit *Edit5 = nullptr; // grand total
+    QComboBox *EditValuta = nullptr;
+    QToolBar *ToolBarMain = nullptr;
+    QToolBar *ToolBarDoc = nullptr;
+    QMenu *MenuFile = nullptr;
+    QMenu *MenuEdit = nullptr;
+    QMenu *MenuDocument = nullptr;
+    QMenu *MenuOptions = nullptr;
+    QMenu *MenuHelp = nullptr;
+    QMenu *MLastDoc = nullptr;
+    QMenu *PopupMenuDoc = nullptr; // the estimate grid's pop-up menu
+    QAction *spdNew = nullptr;
+    QAction *spdOpen = nullptr;
+    QAction *spdSave = nullptr;
+    QAction *MSaveFile = nullptr; // objectName "МSaveFile"
+    QAction *spdSaveKak = nullptr;
+    QAction *spdServerSave = nullptr;
+    QAction *MExit = nullptr;
+    QAction *CheckBoxAutosave = nullptr;
+    QAction *CheckBoxLoadLastDoc = nullptr;
+
+    // ----- document file (TForm1_file.cpp)
+    void CreateNewDoc(bool draft = false);
+    bool spdSaveClick();
+    bool spdSaveKakClick();
+    bool OpenMyFile(const QString &fileName);
+    void setCurrentFile(const QString &fileName);
+    bool isDraft() const { return m_draft; }
+    void setDraft(bool draft) { m_draft = draft; }
+    // The parameters stored in table parametrs with the document.
+    QList<QPair<QString, QString>> documentParameters() const;
+
+    // ----- estimate editor (TForm1_edit.cpp)
+
+    // ----- price base (TForm1_price.cpp)
+
+    // ----- estimate header: customer, object, contractor (TForm1_header.cpp)
+
+    // ----- office output (TForm1_output.cpp)
+
+    // A checkable option whose objectName is its settings key; its state follows the settings.
+    QAction *addOption(QMenu *menu, const QString &key, const QString &caption);
+
+signals:
+    // Every edit: the changed flag was set (the autosave timer starts on it).
+    void saveEnabled();
+    // The customer/object register changed: header combos reload.
+    void customersChanged();
+    // A document was loaded or created: windows that show its parts reload.
+    void documentLoaded();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void buildActions();
+    void buildMenus();
+    void buildCentral();
+    void setupGrids();
+    void applySettings();
+    void collectSettings();
+    void reportDatabaseFailure(const QString &text);
+    void setupFile();
+    void setupEditor();
+    void setupPrice();
+    void setupHeader();
+    void setupOutput();
+
+    QString m_dataFolder;
+    QString m_dataFolderCopy;
+    QString m_startupDocument;
+    QString m_startupError;
+    QString m_fileName;
+    QString m_xlsName;
+    QString m_openDir;
+    QString m_saveDir;
+    QString m_priceTable = QStringLiteral("price1");
+    int m_currentRow = 2;
+    bool m_draft = false;
+    bool m_closing = false;
+    TModuleSQL *m_module = nullptr;
+    std::unique_ptr<SettingsStore> m_settingsStore;
+    MainSettings m_settings;
+    EstimateGrid *m_gridDoc = nullptr;
+    CrewGrid *m_gridBrig = nullptr;
+};

@@ -1,0 +1,93 @@
+#include "WidgetDialogs.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace {
+
+QMessageBox::Icon boxIcon(Dialogs::Icon icon) {
+    switch (icon) {
+    case Dialogs::Icon::Information: return QMessageBox::Information;
+    case Dialogs::Icon::Warning: return QMessageBox::Warning;
+    case Dialogs::Icon::Error: return QMessageBox::Critical;
+    case Dialogs::Icon::Question: return QMessageBox::Question;
+    }
+    return QMessageBox::NoIcon;
+}
+
+} // namespace
+
+Dialogs::Answer WidgetDialogs::ask(const QString &caption, const QString &text, Buttons buttons, Icon icon) {
+    QMessageBox box(boxIcon(icon), caption, text, QMessageBox::NoButton, m_parent);
+    QPushButton *yes = nullptr, *no = nullptr, *cancel = nullptr, *ok = nullptr;
+    switch (buttons) {
+    case Buttons::Ok: ok = box.addButton(QStringLiteral("ОК"), QMessageBox::AcceptRole); break;
+    case Buttons::YesNoCancel:
+        cancel = box.addButton(QStringLiteral("Отмена"), QMessageBox::RejectRole);
+        [[fallthrough]];
+    case Buttons::YesNo:
+        yes = box.addButton(QStringLiteral("Да"), QMessageBox::YesRole);
+        no = box.addButton(QStringLiteral("Нет"), QMessageBox::NoRole);
+        break;
+    }
+    if (yes)
+        box.setDefaultButton(yes);
+    if (cancel)
+        box.setEscapeButton(cancel);
+    else if (no)
+        box.setEscapeButton(no);
+    box.exec();
+    QAbstractButton *clicked = box.clickedButton();
+    if (clicked && clicked == yes)
+        return Answer::Yes;
+    if (clicked && clicked == no)
+        return Answer::No;
+    if (clicked && clicked == ok)
+        return Answer::Ok;
+    return buttons == Buttons::YesNo ? Answer::No : Answer::Cancel;
+}
+
+void WidgetDialogs::tell(const QString &caption, const QString &text, Icon icon) {
+    QMessageBox box(boxIcon(icon), caption, text, QMessageBox::NoButton, m_parent);
+    box.addButton(QStringLiteral("ОК"), QMessageBox::AcceptRole);
+    box.exec();
+}
+
+bool WidgetDialogs::input(const QString &caption, const QString &prompt, QString *value) {
+    QInputDialog dlg(m_parent);
+    dlg.setWindowTitle(caption);
+    dlg.setLabelText(prompt);
+    dlg.setTextValue(value ? *value : QString());
+    dlg.setOkButtonText(QStringLiteral("ОК"));
+    dlg.setCancelButtonText(QStringLiteral("Отмена"));
+    if (dlg.exec() != QDialog::Accepted)
+        return false;
+    if (value)
+        *value = dlg.textValue();
+    return true;
+}
+
+QString WidgetDialogs::openFile(const QString &caption, const QString &folder, const QString &filter) {
+    return QFileDialog::getOpenFileName(m_parent, caption, folder, filter);
+}
+
+QString WidgetDialogs::saveFile(const QString &caption, const QString &folder, const QString &fileName,
+                                const QString &filter, const QString &defaultSuffix) {
+    QFileDialog dlg(m_parent, caption, folder, filter);
+    dlg.setAcceptMode(QFileDialog::AcceptSave);
+    dlg.setFileMode(QFileDialog::AnyFile);
+    dlg.setDefaultSuffix(defaultSuffix);
+    dlg.setOption(QFileDialog::DontConfirmOverwrite, false);
+    if (!fileName.isEmpty())
+        dlg.selectFile(QDir(folder).filePath(fileName));
+    if (dlg.exec() != QDialog::Accepted || dlg.selectedFiles().isEmpty())
+        return {};
+    return dlg.selectedFiles().first();
+}
+
+QString WidgetDialogs::chooseFolder(const QString &caption, const QString &folder) {
+    return QFileDialog::getExistingDirectory(m_parent, caption, folder);
+}

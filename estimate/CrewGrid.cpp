@@ -1,0 +1,143 @@
+#include "CrewGrid.h"
+
+CrewGrid::CrewGrid(QObject *parent) : QAbstractTableModel(parent) { m_rows.push_back(emptyRow()); }
+
+QStringList CrewGrid::emptyRow() {
+    QStringList r;
+    for (int c = 0; c < CrewCol::Count; ++c)
+        r << QString();
+    return r;
+}
+
+void CrewGrid::setGridRowCount(int count) {
+    const int wanted = std::max(count, kFixedRows + 1) - kFixedRows;
+    const int have = static_cast<int>(m_rows.size());
+    if (wanted > have) {
+        beginInsertRows({}, have, wanted - 1);
+        m_rows.resize(static_cast<size_t>(wanted), emptyRow());
+        endInsertRows();
+    } else if (wanted < have) {
+        beginRemoveRows({}, wanted, have - 1);
+        m_rows.resize(static_cast<size_t>(wanted));
+        endRemoveRows();
+    }
+}
+
+QString CrewGrid::cell(int gridRow, int col) const {
+    const int m = gridRow - kFixedRows;
+    if (m < 0 || m >= static_cast<int>(m_rows.size()) || col < 0 || col >= CrewCol::Count)
+        return {};
+    return m_rows[static_cast<size_t>(m)].at(col);
+}
+
+void CrewGrid::setCell(int gridRow, int col, const QString &text) {
+    const int m = gridRow - kFixedRows;
+    if (m < 0 || col < 0 || col >= CrewCol::Count)
+        return;
+    if (m >= static_cast<int>(m_rows.size()))
+        setGridRowCount(gridRow + 1);
+    QString &target = m_rows[static_cast<size_t>(m)][col];
+    if (target == text)
+        return;
+    target = text;
+    emit dataChanged(index(m, col), index(m, col));
+}
+
+void CrewGrid::insertGridRows(int gridRow, int count) {
+    if (count <= 0)
+        return;
+    const int m = std::clamp(gridRow - kFixedRows, 0, static_cast<int>(m_rows.size()));
+    beginInsertRows({}, m, m + count - 1);
+    m_rows.insert(m_rows.begin() + m, static_cast<size_t>(count), emptyRow());
+    endInsertRows();
+}
+
+void CrewGrid::removeGridRows(int gridRow, int count) {
+    const int m = gridRow - kFixedRows;
+    if (m < 0 || m >= static_cast<int>(m_rows.size()) || count <= 0)
+        return;
+    count = std::min(count, static_cast<int>(m_rows.size()) - m);
+    beginRemoveRows({}, m, m + count - 1);
+    m_rows.erase(m_rows.begin() + m, m_rows.begin() + m + count);
+    endRemoveRows();
+    if (m_rows.empty()) {
+        beginInsertRows({}, 0, 0);
+        m_rows.push_back(emptyRow());
+        endInsertRows();
+    }
+}
+
+void CrewGrid::moveGridRow(int from, int to) {
+    const int mf = from - kFixedRows, mt = to - kFixedRows, n = static_cast<int>(m_rows.size());
+    if (mf < 0 || mt < 0 || mf >= n || mt >= n || mf == mt)
+        return;
+    beginMoveRows({}, mf, mf, {}, mt > mf ? mt + 1 : mt);
+    QStringList moving = std::move(m_rows[static_cast<size_t>(mf)]);
+    m_rows.erase(m_rows.begin() + mf);
+    m_rows.insert(m_rows.begin() + mt, std::move(moving));
+    endMoveRows();
+}
+
+void CrewGrid::setAllRows(std::vector<QStringList> rows) {
+    beginResetModel();
+    m_rows.clear();
+    for (QStringList &r : rows) {
+        while (r.size() < CrewCol::Count)
+            r << QString();
+        m_rows.push_back(std::move(r));
+    }
+    if (m_rows.empty())
+        m_rows.push_back(emptyRow());
+    endResetModel();
+}
+
+QString CrewGrid::headerText(int col) {
+    static const QStringList h = {"№",     "№ рас.", "Наименование работ", "Ед. изм.",   "Кол-во",      "Цена",
+                                  "Сумма", "idRas",  "k",                  "Цена (зак.)", "Сумма (зак.)"};
+    return col >= 0 && col < h.size() ? h.at(col) : QString();
+}
+
+int CrewGrid::rowCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+}
+
+int CrewGrid::columnCount(const QModelIndex &parent) const { return parent.isValid() ? 0 : CrewCol::Count; }
+
+QVariant CrewGrid::data(const QModelIndex &index, int role) const {
+    if (!index.isValid())
+        return {};
+    if (role == Qt::DisplayRole || role == Qt::EditRole)
+        return cell(index.row() + kFixedRows, index.column());
+    if (role == Qt::TextAlignmentRole && index.column() >= CrewCol::Qty && index.column() != CrewCol::IdRas)
+        return int(Qt::AlignRight | Qt::AlignVCenter);
+    return {};
+}
+
+bool CrewGrid::setData(const QModelIndex &index, const QVariant &value, int role) {
+    if (!index.isValid() || role != Qt::EditRole || !(flags(index) & Qt::ItemIsEditable))
+        return false;
+    const int gridRow = index.row() + kFixedRows;
+    const QString oldText = cell(gridRow, index.column());
+    const QString newText = value.toString();
+    if (oldText == newText)
+        return true;
+    setCell(gridRow, index.column(), newText);
+    emit cellEdited(gridRow, index.column(), oldText, newText);
+    return true;
+}
+
+Qt::ItemFlags CrewGrid::flags(const QModelIndex &index) const {
+    if (!index.isValid())
+        return Qt::NoItemFlags;
+    Qt::ItemFlags f = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+    // Only the crew coefficient is typed in; every other cell follows the estimate.
+    if (index.column() == CrewCol::Koef)
+        f |= Qt::ItemIsEditable;
+    return f;
+}
+
+QVariant CrewGrid::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (role != Qt::DisplayRole)
+        return {};
+    return orientation == Qt::Horizontal ? headerText(section) : QVariant(QString::number(section + kFixedRows));
+}

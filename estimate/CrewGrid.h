@@ -1,0 +1,58 @@
+#pragma once
+// The crew sheet StringGridBrig: one fixed header row, data from row 1; crew row r belongs to
+// estimate row r + 1. The Qt model shows data rows only (Qt row r is grid row r + 1).
+
+#include <QAbstractTableModel>
+#include <QStringList>
+#include <vector>
+
+namespace CrewCol {
+enum : int {
+    Num = 0,
+    Ras = 1,
+    Name = 2,
+    Unit = 3,
+    Qty = 4,
+    Price = 5,         // crew price
+    Sum = 6,           // crew amount
+    IdRas = 7,         // hidden
+    Koef = 8,          // "k": the row's crew coefficient (smeta.KoefBrig)
+    CustomerPrice = 9, // "Цена (зак.)"
+    CustomerSum = 10,  // "Сумма (зак.)"
+    Count = 11
+};
+}
+
+class CrewGrid : public QAbstractTableModel {
+    Q_OBJECT
+public:
+    static constexpr int kFixedRows = 1;
+
+    explicit CrewGrid(QObject *parent = nullptr);
+
+    int gridRowCount() const { return kFixedRows + static_cast<int>(m_rows.size()); }
+    void setGridRowCount(int count); // at least 2 (one data row)
+    QString cell(int gridRow, int col) const;
+    void setCell(int gridRow, int col, const QString &text);
+    void insertGridRows(int gridRow, int count);
+    void removeGridRows(int gridRow, int count);
+    void moveGridRow(int from, int to);
+    void setAllRows(std::vector<QStringList> rows);
+
+    static QString headerText(int col);
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    bool setData(const QModelIndex &index, const QVariant &value, int role) override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+
+signals:
+    // The user typed into a cell (only the coefficient column is editable).
+    void cellEdited(int gridRow, int col, const QString &oldText, const QString &newText);
+
+private:
+    static QStringList emptyRow();
+    std::vector<QStringList> m_rows;
+};

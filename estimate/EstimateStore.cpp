@@ -1,0 +1,263 @@
+#include "EstimateStore.h"
+
+#include "CrewGrid.h"
+#include "EstimateGrid.h"
+#include "storage/ModuleSQL.h"
+#include "storage/TextValues.h"
+
+#include <QDate>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QVariant>
+
+namespace EstimateStore {
+
+namespace {
+
+bool fail(const QSqlQuery &q, QString *error) {
+    if (error)
+        *error = q.lastError().text();
+    return false;
+}
+
+QString field(const QSqlQuery &q, const QSqlRecord &rec, const char *name) {
+    const int i = rec.indexOf(QLatin1String(name));
+    return i < 0 ? QString() : q.value(i).toString();
+}
+
+} // namespace
+
+bool readSmeta(QSqlDatabase db, EstimateGrid &grid, CrewGrid &crew, QString *error) {
+    QSqlQuery q(db);
+    q.setForwardOnly(true);
+    if (!q.exec(QStringLiteral("SELECT * FROM smeta WHERE 1")))
+        return fail(q, error);
+    const QSqlRecord rec = q.record();
+    std::vector<QStringList> rows;
+    std::vector<QStringList> crewRows;
+    while (q.next()) {
+        QStringList cells;
+        for (int c = 0; c < EstimateCol::Count; ++c)
+            cells << QString();
+        cells[EstimateCol::Num] = field(q, rec, "numpos");
+        cells[EstimateCol::Ras] = field(q, rec, "edras");
+        cells[EstimateCol::Name] = field(q, rec, "nameras");
+        cells[EstimateCol::Unit] = field(q, rec, "edizm");
+        cells[EstimateCol::Qty] = field(q, rec, "kolvo");
+        cells[EstimateCol::Price] = field(q, rec, "price");
+        cells[EstimateCol::Sum] = field(q, rec, "summa");
+        cells[EstimateCol::IdRas] = field(q, rec, "idRas");
+        const QString idwork = field(q, rec, "idwork");
+        // Older documents have no work ids: the record key stands in.
+        cells[EstimateCol::IdDoc] = idwork.isEmpty() ? field(q, rec, "_id") : idwork;
+        cells[EstimateCol::NamePrice] = field(q, rec, "NamePrice");
+        cells[EstimateCol::Kind] = field(q, rec, "section");
+        const QString machine = field(q, rec, "machine");
+        const QString mat = field(q, rec, "mat");
+        const QString total = field(q, rec, "total");
+        cells[EstimateCol::Machine] = machine;
+        cells[EstimateCol::Material] = mat;
+        cells[EstimateCol::Total] = total;
+        // The labour part is the price unless a positive unit total says what is left of it.
+        cells[EstimateCol::Labour] = cells[EstimateCol::Price];
+        auto totalValue = TextValues::parseAmount(total);
+        if (totalValue && *totalValue > 0) {
+            const double labour =
+                *totalValue - TextValues::parseAmount(mat).value_or(0) - TextValues::parseAmount(machine).value_or(0);
+            cells[EstimateCol::Labour] = TextValues::formatMoney(labour);
+        }
+        cells[EstimateCol::Itogo] = cells[EstimateCol::Sum];
+        rows.push_back(cells);
+
+        QStringList crewCells;
+        for (int c = 0; c < CrewCol::Count; ++c)
+            crewCells << QString();
+        crewCells[CrewCol::Koef] = field(q, rec, "KoefBrig");
+        crewRows.push_back(crewCells);
+    }
+    grid.setAllRows(std::move(rows));
+    crew.setAllRows(std::move(crewRows));
+
+    QSqlQuery ks2(db);
+    if (!ks2.exec(QStringLiteral("SELECT * FROM ks2 WHERE 1")))
+        return fail(ks2, error);
+    if (!ks2.next())
+        writeDefaultActSettings(db);
+    return true;
+}
+
+bool writeSmeta(QSqlDatabase db, EstimateGrid &grid, const CrewGrid &crew, const Parameters &params, QString *error) {
+    // Work ids stay with their rows; new rows get the next free one.
+    long long nextId = 0;
+    for (int r = EstimateGrid::kFixedRows; r < grid.gridRowCount(); ++r)
+        nextId = std::max(nextId, grid.cell(r, EstimateCol::IdDoc).toLongLong());
+    for (int r = EstimateGrid::kFixedRows; r < grid.gridRowCount(); ++r)
+        if (grid.cell(r, EstimateCol::IdDoc).trimmed().isEmpty())
+            grid.setCell(r, EstimateCol::IdDoc, QString::number(++nextId));
+
+    if (!db.transaction()) {
+        if (error)
+            *error = db.lastError().text();
+        return false;
+    }
+    QSqlQuery q(db);
+    if (!q.exec(QStringLiteral("DELETE FROM smeta"))) {
+        db.rollback();
+        return fail(q, error);
+    }
+    q.prepare(QStringLiteral("INSERT INTO smeta (numpos, edras, nameras, edizm, kolvo, price, summa, idRas, NamePrice, "
+                             "KoefBrig, section, machine, mat, total, laboriousness, idwork) "
+                             "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+    for (int r = EstimateGrid::kFixedRows; r < grid.gridRowCount(); ++r) {
+        using namespace EstimateCol;
+        for (int c : {Num, Ras, Name, Unit, Qty, Price, Sum, IdRas, NamePrice})
+            q.addBindValue(grid.cell(r, c));
+        q.addBindValue(crew.cell(r - 1, CrewCol::Koef));
+        for (int c : {Kind, Machine, Material, Total})
+            q.addBindValue(grid.cell(r, c));
+        q.addBindValue(QString()); // labour intensity is not kept in the grid
+        q.addBindValue(grid.cell(r, IdDoc));
+        if (!q.exec()) {
+            db.rollback();
+            return fail(q, error);
+        }
+    }
+    if (!params.isEmpty() && !writeParameters(db, params, error)) {
+        db.rollback();
+        return false;
+    }
+    if (!db.commit()) {
+        if (error)
+            *error = db.lastError().text();
+        db.rollback();
+        return false;
+    }
+    return true;
+}
+
+QMap<QString, QString> readParameters(QSqlDatabase db) {
+    QMap<QString, QString> out;
+    QSqlQuery q(db);
+    if (q.exec(QStringLiteral("SELECT name, value FROM parametrs WHERE 1")))
+        while (q.next())
+            out.insert(q.value(0).toString(), q.value(1).toString());
+    return out;
+}
+
+bool writeParameters(QSqlDatabase db, const Parameters &params, QString *error) {
+    QSqlQuery del(db), ins(db);
+    del.prepare(QStringLiteral("DELETE FROM parametrs WHERE name=?"));
+    ins.prepare(QStringLiteral("INSERT INTO parametrs (name, value) VALUES (?, ?)"));
+    for (const auto &p : params) {
+        del.addBindValue(p.first);
+        if (!del.exec())
+            return fail(del, error);
+        ins.addBindValue(p.first);
+        ins.addBindValue(p.second);
+        if (!ins.exec())
+            return fail(ins, error);
+    }
+    return true;
+}
+
+Parameters defaultActSettings() {
+    const QString today = TextValues::shortDate(QDate::currentDate());
+    return {{"ComboBoxZakaz", ""},     {"ZEditAddress", ""},
+            {"ZEditPhone", ""},        {"ZEditFax", ""},
+            {"ComboBoxPodryad", ""},   {"PEditAddress", ""},
+            {"PEditPhone", ""},        {"PEditFax", ""},
+            {"ComboBoxTypeWork", "Наименование стройки"},
+            {"EditNameWork", ""},      {"AddressWork", ""},
+            {"ComboBoxObject", ""},    {"EditNumDoc", ""},
+            {"DateEditContract", today}, {"EditSumSmet", ""},
+            {"SummaWord", ""},         {"EditSdal", ""},
+            {"EditDolSdal", "Прораб"}, {"EditPrinal", ""},
+            {"EditDolPrinal", "Представитель"},
+            {"EditNumKv", ""},         {"DateEditPeriodS", today},
+            {"DateEditPeriodPo", today}, {"RadioButton1", "0"}};
+}
+
+bool writeDefaultActSettings(QSqlDatabase db) {
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("INSERT INTO ks2 (name, value) VALUES (?, ?)"));
+    for (const auto &p : defaultActSettings()) {
+        q.addBindValue(p.first);
+        q.addBindValue(p.second);
+        if (!q.exec())
+            return false;
+    }
+    return true;
+}
+
+bool writeDefaultKoefLines(QSqlDatabase db) {
+    // type: "work" applies to works, "mat" to materials, "all" to both; checked "-1" on, "0" off.
+    struct Line {
+        const char *title, *value, *type, *action, *numOrProc, *comment;
+    };
+    static const Line lines[] = {
+        {"Коэффициент удорожания", "1", "all", "inc", "num", ""},
+        {"Накладные расходы, %", "0", "all", "inc", "proc", ""},
+        {"Скидка на работы, %", "0", "work", "dec", "proc", ""},
+        {"Скидка на материалы, %", "0", "mat", "dec", "proc", ""},
+        {"НДС, %", "20", "all", "inc", "proc", "RadioButton"},
+    };
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("INSERT INTO koef (rows, checked, title, value, type, actionn, NumOrProc, EditComment) "
+                             "VALUES (?, ?, ?, ?, ?, ?, ?, ?)"));
+    int row = 0;
+    for (const Line &l : lines) {
+        q.addBindValue(QString::number(row++));
+        q.addBindValue(QStringLiteral("0"));
+        q.addBindValue(QString::fromUtf8(l.title));
+        q.addBindValue(QString::fromUtf8(l.value));
+        q.addBindValue(QString::fromUtf8(l.type));
+        q.addBindValue(QString::fromUtf8(l.action));
+        q.addBindValue(QString::fromUtf8(l.numOrProc));
+        q.addBindValue(QString::fromUtf8(l.comment));
+        if (!q.exec())
+            return false;
+    }
+    return true;
+}
+
+bool createNewDoc(TModuleSQL &module, EstimateGrid &grid, CrewGrid &crew, QString *error) {
+    grid.clear();
+    crew.setAllRows({});
+
+    {
+        QSqlDatabase smeta = module.database(Db::Smeta);
+        if (!smeta.isOpen()) {
+            if (error)
+                *error = module.failure(Db::Smeta);
+            return false;
+        }
+        QSqlQuery q(smeta);
+        for (const char *s : {"DROP TABLE IF EXISTS materials;", "DROP TABLE IF EXISTS koef;", "DROP TABLE IF EXISTS ks2;",
+                              "DROP TABLE IF EXISTS mydoc;", "DROP TABLE IF EXISTS cashstorage;",
+                              "DROP TABLE IF EXISTS Account;", "VACUUM;"})
+            if (!q.exec(QString::fromUtf8(s)))
+                return fail(q, error);
+    }
+    QSqlDatabase smeta = module.reconnect(Db::Smeta);
+    if (!smeta.isOpen()) {
+        if (error)
+            *error = module.failure(Db::Smeta);
+        return false;
+    }
+    writeDefaultActSettings(smeta);
+    writeDefaultKoefLines(smeta);
+
+    QSqlDatabase actions = module.database(Db::ReturnAction);
+    if (actions.isOpen()) {
+        QSqlQuery q(actions);
+        for (const char *s : {"DROP TABLE IF EXISTS ReturnAction;", "DROP TABLE IF EXISTS PopupMenuEdit;", "VACUUM;"})
+            if (!q.exec(QString::fromUtf8(s)))
+                return fail(q, error);
+        if (!TModuleSQL::createTables(actions, Db::ReturnAction, error))
+            return false;
+    }
+    return true;
+}
+
+} // namespace EstimateStore

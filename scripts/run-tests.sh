@@ -1,0 +1,24 @@
+#!/usr/bin/env bash
+# Starts the services the tests need (each scripts/services/*.sh, on 127.0.0.1 only, in a throw-away
+# folder), runs every test with CTest, and stops the services whatever the outcome.
+set -uo pipefail
+build=${1:-build}
+top=$(cd "$(dirname "$0")/.." && pwd)
+scratch=$(mktemp -d /tmp/virn-test.XXXXXX)
+started=()
+stop_all() {
+  for s in "${started[@]}"; do "$s" stop "$scratch" >/dev/null 2>&1 || true; done
+  rm -rf "$scratch"
+}
+trap stop_all EXIT
+shopt -s nullglob
+for s in "$top"/scripts/services/*.sh; do
+  if env_lines=$("$s" start "$scratch"); then
+    started+=("$s")
+    eval "$env_lines"
+  else
+    echo "service $(basename "$s") failed to start; its tests will report why" >&2
+  fi
+done
+export VIRN_TEST_SCRATCH="$scratch"
+cd "$top/$build" && ctest --output-on-failure -j 2 --timeout 600

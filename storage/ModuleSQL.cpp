@@ -1,0 +1,108 @@
+#include "ModuleSQL.h"
+
+#include <QAtomicInt>
+#include <QDir>
+#include <QFileInfo>
+#include <QSqlError>
+#include <QSqlQuery>
+
+namespace {
+QAtomicInt g_instances;
+}
+
+TModuleSQL::TModuleSQL(const QString &dataFolder, QObject *parent)
+    : QObject(parent), m_dataFolder(QDir::cleanPath(dataFolder)),
+      m_instanceTag(QString::number(g_instances.fetchAndAddRelaxed(1))) {
+    setObjectName(QStringLiteral("ModuleSQL"));
+    for (Db db : kAllDatabases)
+        m_paths.insert(db, QDir(m_dataFolder).filePath(relativePath(db)));
+}
+
+TModuleSQL::~TModuleSQL() { closeAll(); }
+
+QString TModuleSQL::filePath(Db db) const { return m_paths.value(db); }
+
+QString TModuleSQL::connectionName(Db db) const { return connectionComponent(db) + QLatin1Char('#') + m_instanceTag; }
+
+bool TModuleSQL::isOpen(Db db) const {
+    return QSqlDatabase::contains(connectionName(db)) && QSqlDatabase::database(connectionName(db), false).isOpen();
+}
+
+bool TModuleSQL::createTables(QSqlDatabase &database, Db db, QString *error) {
+    QSqlQuery q(database);
+    for (const QString &statement : createStatements(db)) {
+        if (!q.exec(statement)) {
+            if (error)
+                *error = q.lastError().text();
+            return false;
+        }
+    }
+    return true;
+}
+
+QSqlDatabase TModuleSQL::database(Db db) {
+    const QString name = connectionName(db);
+    if (QSqlDatabase::contains(name)) {
+        QSqlDatabase existing = QSqlDatabase::database(name, false);
+        if (existing.isOpen())
+            return existing;
+    }
+    QSqlDatabase con = QSqlDatabase::contains(name) ? QSqlDatabase::database(name, false)
+                                                    : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+    const QString path = filePath(db);
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    con.setDatabaseName(path);
+    QString reason;
+    if (!con.open()) {
+        reason = con.lastError().text();
+    } else {
+        QSqlQuery probe(con);
+        // A file that is not SQLite opens fine and fails on its first read.
+        if (!probe.exec(QStringLiteral("PRAGMA schema_version")) || !probe.next())
+            reason = probe.lastError().text();
+        else
+            createTables(con, db, &reason); // leaves the reason on failure
+    }
+    if (!reason.isEmpty()) {
+        con.close();
+        if (!m_failures.contains(db)) {
+            QString text = QStringLiteral("Не удалось открыть базу данных «%1»: %2. Эта часть программы "
+                                          "недоступна, остальное работает.")
+                               .arg(QDir::toNativeSeparators(path), reason.trimmed());
+            m_failures.insert(db, text);
+            if (m_onFailure)
+                m_onFailure(db, text);
+        }
+        return con;
+    }
+    m_failures.remove(db);
+    return con;
+}
+
+void TModuleSQL::close(Db db) {
+    const QString name = connectionName(db);
+    if (QSqlDatabase::contains(name)) {
+        {
+            QSqlDatabase con = QSqlDatabase::database(name, false);
+            con.close();
+        }
+        QSqlDatabase::removeDatabase(name);
+    }
+}
+
+void TModuleSQL::closeAll() {
+    for (Db db : kAllDatabases)
+        close(db);
+}
+
+QSqlDatabase TModuleSQL::reconnect(Db db) {
+    close(db);
+    m_failures.remove(db);
+    return database(db);
+}
+
+void TModuleSQL::setFilePath(Db db, const QString &path) {
+    close(db);
+    m_failures.remove(db);
+    m_paths.insert(db, path);
+}
