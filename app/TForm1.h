@@ -5,7 +5,9 @@
 #include "MainSettings.h"
 
 #include <QMainWindow>
+#include <QMap>
 #include <QPointer>
+#include <QSqlDatabase>
 #include <QStringList>
 #include <memory>
 
@@ -106,6 +108,11 @@ public:
     // ----- price base (TForm1_price.cpp)
 
     // ----- estimate header: customer, object, contractor (TForm1_header.cpp)
+    // The header's values as document parameters, and back when a document is loaded.
+    QList<QPair<QString, QString>> headerParameters() const;
+    void applyHeaderParameters(const QMap<QString, QString> &params);
+    // Writes the copies of the customer, object and requisites into the working database.
+    void writeHeaderCopies(QSqlDatabase db) const;
 
     // ----- office output (TForm1_output.cpp)
 

@@ -56,9 +56,7 @@ void TForm1::setCurrentFile(const QString &fileName) {
     PageControlDoc->setTabText(PageControlDoc->indexOf(TabSheet1), fi.fileName());
 }
 
-QList<QPair<QString, QString>> TForm1::documentParameters() const {
-    return {{DocParam::currency, QString::number(EditValuta->currentIndex())}};
-}
+QList<QPair<QString, QString>> TForm1::documentParameters() const { return headerParameters(); }
 
 void TForm1::CreateNewDoc(bool draft) {
     m_draft = draft;
@@ -84,6 +82,7 @@ bool TForm1::spdSaveClick() {
                        Dialogs::Icon::Error);
         return false;
     }
+    writeHeaderCopies(db);
     error = SqliteSnapshot::saveTo(db, m_fileName);
     if (!error.isEmpty()) {
         dialogs().tell(Captions::error, error, Dialogs::Icon::Error);
@@ -135,11 +134,7 @@ bool TForm1::OpenMyFile(const QString &fileName) {
                        Dialogs::Icon::Error);
         return false;
     }
-    const auto params = EstimateStore::readParameters(db);
-    bool ok = false;
-    const int currency = params.value(DocParam::currency).toInt(&ok);
-    if (ok && currency >= 0 && currency < EditValuta->count())
-        EditValuta->setCurrentIndex(currency);
+    applyHeaderParameters(EstimateStore::readParameters(db));
     m_currentRow = EstimateGrid::kFixedRows;
     m_openDir = m_saveDir = QFileInfo(fileName).absolutePath();
     setCurrentFile(fileName);
