@@ -25,6 +25,9 @@ int prepareData(const QString &folder) {
         err() << problem << Qt::endl;
         return 1;
     }
+    // A prepared folder becomes the program's folder, so that a document opened from the file
+    // manager finds its data there.
+    DataFolder::storeFolder(QDir(folder).absolutePath());
     TModuleSQL module(folder);
     int failures = 0;
     for (Db db : kAllDatabases) {
