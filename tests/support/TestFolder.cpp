@@ -2,6 +2,8 @@
 
 #include <QApplication>
 #include <QLocale>
+#include <QSettings>
+#include <QTemporaryDir>
 
 namespace {
 QString scratchRoot() {
@@ -25,5 +27,8 @@ void ensureApplication() {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     new QApplication(argc, argv);
+    // Per-user program settings of tests go to a private folder, never the developer's own.
+    static QTemporaryDir userSettings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, userSettings.path());
     QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
 }
