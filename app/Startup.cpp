@@ -74,6 +74,7 @@ int virnMain(int argc, char **argv) {
 
     if (!screenshot.isEmpty()) {
         // Draw the window once, save the picture and leave without questions.
+        window.resize(1600, 1000);
         QTimer::singleShot(300, &window, [&window, screenshot] {
             const bool ok = window.grab().save(screenshot);
             err() << (ok ? "screenshot: " : "screenshot failed: ") << screenshot << Qt::endl;

@@ -223,6 +223,11 @@ void TForm1::setupGrids() {
     StringGridDoc->setColumnWidth(EstimateCol::Num, 40);
     StringGridDoc->setColumnWidth(EstimateCol::Ras, 65);
     StringGridDoc->setColumnWidth(EstimateCol::Name, 380);
+    StringGridDoc->setColumnWidth(EstimateCol::Unit, 70);
+    for (int c : {EstimateCol::Qty, EstimateCol::Price, EstimateCol::Material, EstimateCol::Labour, EstimateCol::Total})
+        StringGridDoc->setColumnWidth(c, 80);
+    StringGridDoc->setColumnWidth(EstimateCol::Sum, 100);
+    StringGridDoc->setColumnWidth(EstimateCol::Itogo, 100);
     for (int c = EstimateCol::IdRas; c <= EstimateCol::Machine; ++c)
         StringGridDoc->setColumnHidden(c, true);
 
