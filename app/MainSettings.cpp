@@ -15,6 +15,8 @@ const QVector<MainSettingKey> &MainSettings::keys() {
         {"Contractor", "Contractor", ""},
         // Document saving.
         {"Param", "AutosaveTime", "180000"},
+        {"Param", "AutosaveKeepDays", "30"},
+        {"Param", "AutosaveMaxCopies", "50"},
         {"Param", "CheckBoxAutosave", "1"},
         {"Param", "CheckBoxAutosaveServer", "0"},
         {"Param", "CheckBoxLoadLastDoc", "0"},

@@ -24,6 +24,8 @@ class CrewGrid;
 class EstimateGrid;
 class SettingsStore;
 class TModuleSQL;
+class Autosave;
+class DocumentLock;
 
 class TForm1 : public QMainWindow {
     Q_OBJECT
@@ -94,14 +96,47 @@ public:
 
     // ----- document file (TForm1_file.cpp)
     void CreateNewDoc(bool draft = false);
+    // Save: false when the user cancelled the file dialog or the file could not be written (the
+    // document then stays changed).
     bool spdSaveClick();
     bool spdSaveKakClick();
+    // Opens a document file; false leaves the open document, its grid and its changed flag as they were.
     bool OpenMyFile(const QString &fileName);
     void setCurrentFile(const QString &fileName);
     bool isDraft() const { return m_draft; }
     void setDraft(bool draft) { m_draft = draft; }
     // The parameters stored in table parametrs with the document.
     QList<QPair<QString, QString>> documentParameters() const;
+    // The default name of the spreadsheet export: the document's name with ".xls".
+    QString xlsFileName() const { return m_xlsName; }
+    QString openDialogFolder() const { return m_openDir; }
+    QString saveDialogFolder() const { return m_saveDir; }
+    void spdNewDdaftClick();
+    void spdOpenDdaftClick();
+    void MLastDocFileOpenClick(const QString &fileName);
+    // LastDoc: puts the current file at the top of the recent list and rebuilds MLastDoc.
+    void LastDoc();
+    // Fills MLastDoc from the recent list, newest first (each item's data holds the path).
+    void LastDocMenu();
+    // Opens the newest recent document when it exists (CheckBoxLoadLastDoc at start).
+    bool OpenLastDoc();
+    // "Сохранить файл?" when the document changed. False when the user cancelled or the save failed.
+    bool askSaveChanges();
+    // TimerAutosave fired: the grid goes into the working database, the copy is made off this thread.
+    void TimerAutosaveTimer();
+    Autosave *autosave() const { return m_autosave; }
+    QAction *spdNewDdaft = nullptr;
+    QAction *spdOpenDdaft = nullptr;
+    QAction *CheckBossDir = nullptr;
+    QAction *CheckBoxDraft = nullptr;
+
+private:
+    bool writeWorkingDatabase(QString *error);
+    Autosave *m_autosave = nullptr;
+    std::shared_ptr<DocumentLock> m_lock;
+    QString m_autosaveReported; // the last autosave failure shown (each cause is told once)
+
+public:
 
     // ----- estimate editor (TForm1_edit.cpp)
 

@@ -56,16 +56,11 @@ void TForm1::FormShow() {
     // Open the working database now: it is created and completed with its tables on first use.
     m_module->database(Db::Smeta);
 
-    if (!m_startupDocument.isEmpty()) {
+    LastDocMenu();
+    if (!m_startupDocument.isEmpty())
         OpenMyFile(m_startupDocument);
-    } else if (m_settings.flag(QStringLiteral("CheckBoxLoadLastDoc"))) {
-        // The newest recent document, if it still exists.
-        if (MLastDoc && !MLastDoc->actions().isEmpty()) {
-            const QString last = MLastDoc->actions().first()->text();
-            if (QFileInfo::exists(last))
-                OpenMyFile(last);
-        }
-    }
+    else if (m_settings.flag(QStringLiteral("CheckBoxLoadLastDoc")))
+        OpenLastDoc(); // the newest recent document, if it still exists
     if (m_fileName.isEmpty())
         CreateNewDoc();
     DisableSave();

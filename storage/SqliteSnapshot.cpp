@@ -1,13 +1,14 @@
 #include "SqliteSnapshot.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSqlDriver>
 #include <QVariant>
-#include <QTemporaryFile>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <sqlite3.h>
@@ -17,46 +18,117 @@ namespace SqliteSnapshot {
 
 namespace {
 
+// A temporary file older than this is left from a killed process, not from a copy in progress.
+constexpr qint64 kStaleTempSeconds = 600;
+// How long a copy waits for a writer of the source to finish.
+constexpr int kBusyRetries = 500;
+constexpr int kBusySleepMs = 20;
+
 QString named(const QString &path, const QString &why) {
-    return QStringLiteral("Не удалось сохранить файл «%1»: %2").arg(QDir::toNativeSeparators(path), why);
+    return QStringLiteral("Не удалось сохранить файл «%1»: %2.").arg(QDir::toNativeSeparators(path), why);
 }
 
-bool syncPath(const QString &path) {
-    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY);
-    if (fd < 0)
-        return false;
-    const bool ok = ::fsync(fd) == 0;
+// SQLite's result code in Russian; an input/output error carries the system's own reason.
+QString sqliteText(sqlite3 *db, int rc) {
+    switch (rc & 0xff) {
+    case SQLITE_FULL:
+        return QStringLiteral("на диске нет свободного места");
+    case SQLITE_IOERR: {
+        const int sys = db ? sqlite3_system_errno(db) : 0;
+        return sys ? errnoText(sys) : QStringLiteral("ошибка записи на диск");
+    }
+    case SQLITE_READONLY:
+        return QStringLiteral("файл или папка доступны только для чтения");
+    case SQLITE_CANTOPEN: {
+        const int sys = db ? sqlite3_system_errno(db) : 0;
+        return sys ? errnoText(sys) : QStringLiteral("файл не открывается");
+    }
+    case SQLITE_NOTADB:
+        return QStringLiteral("файл не является базой данных");
+    case SQLITE_CORRUPT:
+        return QStringLiteral("файл повреждён");
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+        return QStringLiteral("база данных занята другим процессом");
+    case SQLITE_NOMEM:
+        return QStringLiteral("не хватает памяти");
+    case SQLITE_PERM:
+        return QStringLiteral("нет прав доступа");
+    default:
+        break;
+    }
+    if (db)
+        return QString::fromUtf8(sqlite3_errmsg(db));
+    return QString::fromUtf8(sqlite3_errstr(rc));
+}
+
+QString canonicalTarget(const QString &targetPath) {
+    const QFileInfo fi(targetPath);
+    // Saving over a link writes the file it points to, not a new file in place of the link.
+    if (fi.isSymLink() && fi.exists())
+        return fi.canonicalFilePath();
+    return fi.absoluteFilePath();
+}
+
+// Removes hidden temporary files of earlier copies to the same target that a killed process left.
+void removeStaleTemps(const QString &targetPath) {
+    const QFileInfo fi(targetPath);
+    QDir dir(fi.absolutePath());
+    const QString prefix = QStringLiteral(".") + fi.fileName() + QStringLiteral(".");
+    const QDateTime limit = QDateTime::currentDateTime().addSecs(-kStaleTempSeconds);
+    const auto entries =
+        dir.entryInfoList({prefix + QStringLiteral("*")}, QDir::Files | QDir::Hidden | QDir::System);
+    for (const QFileInfo &e : entries)
+        if (e.fileName().startsWith(prefix) && e.lastModified() < limit)
+            QFile::remove(e.absoluteFilePath());
+}
+
+QString makeTemp(const QString &targetPath, QString *error) {
+    removeStaleTemps(targetPath);
+    QByteArray pattern = QFile::encodeName(tempPrefix(targetPath) + QStringLiteral("XXXXXX"));
+    const int fd = ::mkstemp(pattern.data());
+    if (fd < 0) {
+        *error = named(targetPath, errnoText(errno));
+        return {};
+    }
     ::close(fd);
-    return ok;
+    return QFile::decodeName(pattern);
 }
 
-// Backs up `from` into a fresh database file at `tempPath`.
+// Backs up `from` into the empty file at `tempPath`.
 QString backup(sqlite3 *from, const QString &tempPath) {
     sqlite3 *to = nullptr;
-    if (sqlite3_open_v2(QFile::encodeName(tempPath).constData(), &to, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
-                        nullptr) != SQLITE_OK) {
-        QString why = to ? QString::fromUtf8(sqlite3_errmsg(to)) : QStringLiteral("нет памяти");
+    int rc = sqlite3_open_v2(QFile::encodeName(tempPath).constData(), &to, SQLITE_OPEN_READWRITE, nullptr);
+    if (rc != SQLITE_OK) {
+        const QString why = sqliteText(to, rc);
         sqlite3_close(to);
         return why;
     }
+    // The whole file is flushed once at the end; a failure before that throws the file away.
+    sqlite3_exec(to, "PRAGMA synchronous=OFF;", nullptr, nullptr, nullptr);
     QString why;
     sqlite3_backup *b = sqlite3_backup_init(to, "main", from, "main");
     if (!b) {
-        why = QString::fromUtf8(sqlite3_errmsg(to));
+        why = sqliteText(to, sqlite3_errcode(to));
     } else {
-        int rc;
+        int retries = 0;
         do {
             rc = sqlite3_backup_step(b, -1);
-            if (rc == SQLITE_BUSY || rc == SQLITE_LOCKED)
-                sqlite3_sleep(20);
+            if (rc == SQLITE_BUSY || rc == SQLITE_LOCKED) {
+                if (++retries > kBusyRetries)
+                    break;
+                sqlite3_sleep(kBusySleepMs);
+            }
         } while (rc == SQLITE_OK || rc == SQLITE_BUSY || rc == SQLITE_LOCKED);
         sqlite3_backup_finish(b);
         if (rc != SQLITE_DONE)
-            why = QString::fromUtf8(sqlite3_errstr(rc));
+            why = sqliteText(to, rc);
     }
     if (why.isEmpty()) {
         // A document file is a plain rollback-journal database, whatever the source used.
-        sqlite3_exec(to, "PRAGMA journal_mode=DELETE;", nullptr, nullptr, nullptr);
+        rc = sqlite3_exec(to, "PRAGMA journal_mode=DELETE;", nullptr, nullptr, nullptr);
+        if (rc != SQLITE_OK)
+            why = sqliteText(to, rc);
     }
     if (sqlite3_close(to) != SQLITE_OK && why.isEmpty())
         why = QStringLiteral("файл не закрылся");
@@ -65,54 +137,124 @@ QString backup(sqlite3 *from, const QString &tempPath) {
 
 QString finish(const QString &tempPath, const QString &targetPath) {
     QString why = check(tempPath);
-    if (why.isEmpty() && !syncPath(tempPath))
-        why = QStringLiteral("не удалось записать данные на диск");
-    if (why.isEmpty() && ::rename(QFile::encodeName(tempPath).constData(),
-                                  QFile::encodeName(targetPath).constData()) != 0)
-        why = QString::fromLocal8Bit(strerror(errno));
+    if (why.isEmpty()) {
+        // The new file keeps the rights of the one it replaces; a new one gets the usual rights.
+        const QFileDevice::Permissions perms =
+            QFileInfo::exists(targetPath)
+                ? QFile::permissions(targetPath)
+                : (QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadUser |
+                   QFileDevice::WriteUser | QFileDevice::ReadGroup | QFileDevice::ReadOther);
+        QFile::setPermissions(tempPath, perms);
+        if (!syncPath(tempPath))
+            why = QStringLiteral("не удалось записать данные на диск");
+    }
+    if (why.isEmpty())
+        why = replaceFile(tempPath, targetPath);
     if (!why.isEmpty()) {
         QFile::remove(tempPath);
+        QFile::remove(tempPath + QStringLiteral("-journal"));
         return named(targetPath, why);
     }
-    syncPath(QFileInfo(targetPath).absolutePath());
     return {};
 }
 
-QString tempBeside(const QString &targetPath, QString *error) {
-    QTemporaryFile t(QFileInfo(targetPath).absolutePath() + QStringLiteral("/.") + QFileInfo(targetPath).fileName() +
-                     QStringLiteral(".XXXXXX"));
-    t.setAutoRemove(false);
-    if (!t.open()) {
-        *error = named(targetPath, t.errorString());
-        return {};
+QString copyFrom(sqlite3 *from, const QString &targetPath) {
+    const QString target = canonicalTarget(targetPath);
+    if (!QFileInfo(QFileInfo(target).absolutePath()).isDir())
+        return named(target, QStringLiteral("папка «%1» не существует")
+                                 .arg(QDir::toNativeSeparators(QFileInfo(target).absolutePath())));
+    QString error;
+    const QString temp = makeTemp(target, &error);
+    if (temp.isEmpty())
+        return error;
+    const QString why = backup(from, temp);
+    if (!why.isEmpty()) {
+        QFile::remove(temp);
+        QFile::remove(temp + QStringLiteral("-journal"));
+        return named(target, why);
     }
-    const QString name = t.fileName();
-    t.close();
-    return name;
+    return finish(temp, target);
 }
 
 } // namespace
 
+QString errnoText(int error) {
+    switch (error) {
+    case ENOSPC:
+    case EDQUOT:
+        return QStringLiteral("на диске нет свободного места");
+    case EFBIG:
+        return QStringLiteral("файл слишком велик для этого диска");
+    case EACCES:
+    case EPERM:
+        return QStringLiteral("нет прав на запись в эту папку");
+    case EROFS:
+        return QStringLiteral("диск доступен только для чтения");
+    case ENOENT:
+        return QStringLiteral("папка или файл не существует");
+    case ENOTDIR:
+        return QStringLiteral("путь не ведёт к папке");
+    case EISDIR:
+        return QStringLiteral("на этом месте находится папка");
+    case ENAMETOOLONG:
+        return QStringLiteral("слишком длинное имя файла");
+    case EIO:
+        return QStringLiteral("ошибка ввода-вывода диска");
+    case EXDEV:
+        return QStringLiteral("файл и временная копия оказались на разных дисках");
+    default:
+        return QString::fromLocal8Bit(std::strerror(error));
+    }
+}
+
+QString tempPrefix(const QString &targetPath) {
+    const QFileInfo fi(targetPath);
+    return fi.absolutePath() + QStringLiteral("/.") + fi.fileName() + QStringLiteral(".");
+}
+
+bool syncPath(const QString &path) {
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    const bool ok = ::fsync(fd) == 0;
+    ::close(fd);
+    return ok;
+}
+
+QString replaceFile(const QString &from, const QString &to) {
+    if (::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0)
+        return errnoText(errno);
+    // The rename itself is durable only once the folder is flushed.
+    syncPath(QFileInfo(to).absolutePath());
+    return {};
+}
+
 QString check(const QString &path) {
     sqlite3 *db = nullptr;
-    if (sqlite3_open_v2(QFile::encodeName(path).constData(), &db, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK) {
-        QString why = db ? QString::fromUtf8(sqlite3_errmsg(db)) : QStringLiteral("нет памяти");
+    int rc = sqlite3_open_v2(QFile::encodeName(path).constData(), &db, SQLITE_OPEN_READONLY, nullptr);
+    if (rc != SQLITE_OK) {
+        const QString why = sqliteText(db, rc);
         sqlite3_close(db);
         return why;
     }
+    // A file from elsewhere is read as untrusted: no functions from its schema, every cell's size
+    // checked, no writes to the schema.
+    sqlite3_db_config(db, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_exec(db, "PRAGMA trusted_schema=OFF; PRAGMA cell_size_check=ON;", nullptr, nullptr, nullptr);
     QString why;
     sqlite3_stmt *st = nullptr;
-    if (sqlite3_prepare_v2(db, "PRAGMA quick_check", -1, &st, nullptr) != SQLITE_OK) {
-        why = QString::fromUtf8(sqlite3_errmsg(db));
+    rc = sqlite3_prepare_v2(db, "PRAGMA quick_check", -1, &st, nullptr);
+    if (rc != SQLITE_OK) {
+        why = sqliteText(db, rc);
     } else {
-        const int rc = sqlite3_step(st);
-        if (rc != SQLITE_ROW)
-            why = QString::fromUtf8(sqlite3_errmsg(db));
-        else {
-            const QString result = QString::fromUtf8(reinterpret_cast<const char *>(sqlite3_column_text(st, 0)));
+        rc = sqlite3_step(st);
+        if (rc != SQLITE_ROW) {
+            why = sqliteText(db, rc);
+        } else {
+            const auto *text = reinterpret_cast<const char *>(sqlite3_column_text(st, 0));
+            const QString result = QString::fromUtf8(text ? text : "");
             if (result != QLatin1String("ok"))
-                why = result;
+                why = QStringLiteral("файл повреждён (%1)").arg(result.left(200));
         }
         sqlite3_finalize(st);
     }
@@ -121,45 +263,29 @@ QString check(const QString &path) {
 }
 
 QString saveTo(QSqlDatabase source, const QString &targetPath) {
-    QVariant h = source.driver() ? source.driver()->handle() : QVariant();
+    QVariant h = source.isOpen() && source.driver() ? source.driver()->handle() : QVariant();
     sqlite3 *from = nullptr;
     if (h.isValid() && qstrcmp(h.typeName(), "sqlite3*") == 0)
         from = *static_cast<sqlite3 *const *>(h.data());
     if (!from)
         return named(targetPath, QStringLiteral("рабочая база не открыта"));
-    QString error;
-    const QString temp = tempBeside(targetPath, &error);
-    if (temp.isEmpty())
-        return error;
-    const QString why = backup(from, temp);
-    if (!why.isEmpty()) {
-        QFile::remove(temp);
-        return named(targetPath, why);
-    }
-    return finish(temp, targetPath);
+    return copyFrom(from, targetPath);
 }
 
 QString copyFile(const QString &sourcePath, const QString &targetPath) {
     sqlite3 *from = nullptr;
-    if (sqlite3_open_v2(QFile::encodeName(sourcePath).constData(), &from, SQLITE_OPEN_READONLY, nullptr) !=
-        SQLITE_OK) {
-        QString why = from ? QString::fromUtf8(sqlite3_errmsg(from)) : QStringLiteral("нет памяти");
+    const int rc =
+        sqlite3_open_v2(QFile::encodeName(sourcePath).constData(), &from, SQLITE_OPEN_READONLY, nullptr);
+    if (rc != SQLITE_OK) {
+        const QString why = sqliteText(from, rc);
         sqlite3_close(from);
-        return named(targetPath, why);
+        return QStringLiteral("Не удалось прочитать файл «%1»: %2.")
+            .arg(QDir::toNativeSeparators(sourcePath), why);
     }
-    QString error;
-    const QString temp = tempBeside(targetPath, &error);
-    if (temp.isEmpty()) {
-        sqlite3_close(from);
-        return error;
-    }
-    const QString why = backup(from, temp);
+    sqlite3_busy_timeout(from, kBusyRetries * kBusySleepMs);
+    const QString why = copyFrom(from, targetPath);
     sqlite3_close(from);
-    if (!why.isEmpty()) {
-        QFile::remove(temp);
-        return named(targetPath, why);
-    }
-    return finish(temp, targetPath);
+    return why;
 }
 
 } // namespace SqliteSnapshot

@@ -1,0 +1,64 @@
+#pragma once
+// Entering a saved estimate in the register of documents (mydoc.db, tables documents and drafts) and
+// the link back from the document: its one-row table mydoc (iddoc = the register row, note "doc" or
+// "draft"). Also the customer/object counter NumDoc of the people database.
+
+#include <QDate>
+#include <QSqlDatabase>
+#include <QString>
+
+namespace Registration {
+
+inline const QString kDoc = QStringLiteral("doc");
+inline const QString kDraft = QStringLiteral("draft");
+
+// What the register keeps of a saved estimate (names as shown; they are stored with backticks).
+struct Entry {
+    QDate date;
+    QString name;     // display name
+    QString fileName; // full path of the document file
+    QString client;
+    QString object;
+    QString summat; // materials
+    QString sumrab; // works
+    QString allsum; // grand total
+    bool draft = false;
+};
+
+struct Result {
+    bool ok = false;
+    bool inserted = false; // a new register row (and mydoc row) was made by prepare
+    QString table;         // "documents" or "drafts"
+    qlonglong id = 0;      // the register row
+    QString error;
+};
+
+// The link of the working database: its mydoc note ("doc", "draft" or empty when unregistered).
+QString note(QSqlDatabase document);
+
+// Registration on save, in two steps around the writing of the file. prepare, before the file is
+// written: a document without a mydoc row gets its register row (drafts or documents by the draft
+// flag) and the mydoc row that links to it, so that the file carries the link; a registered one only
+// reads its link. complete, after the file was written: the register row of an already registered
+// document is updated. When the file could not be written, undo takes back what prepare inserted,
+// so that the register never names a file that was not written.
+Result prepare(QSqlDatabase document, QSqlDatabase mydoc, const Entry &entry);
+Result complete(QSqlDatabase mydoc, Result prepared, const Entry &entry);
+void undo(QSqlDatabase document, QSqlDatabase mydoc, const Result &prepared);
+// Both steps at once (the file is written by the caller afterwards).
+Result registerOnSave(QSqlDatabase document, QSqlDatabase mydoc, const Entry &entry);
+
+// The draft flag after opening a file: its mydoc note decides; an unregistered file is a draft when
+// it lies in the drafts folder.
+bool draftAfterOpen(const QString &note, bool inDraftsFolder);
+
+// Amount text in the register's "0,00" form (empty or unreadable text counts as 0).
+QString money(const QString &text);
+
+// NumDoc bookkeeping: one record per customer and object (blanks normalised). A new pair is inserted
+// with the estimate's number (1 when it has none); an existing pair only rises to a higher number.
+// Nothing is done without both a customer and an object. False with the reason on failure.
+bool countEstimate(QSqlDatabase people, const QString &customer, const QString &object, const QString &number,
+                   QString *error = nullptr);
+
+} // namespace Registration
