@@ -1,0 +1,76 @@
+#pragma once
+// Rows of a price list as the rate grid shows them, the row kinds that the rate numbers encode, the
+// renumbering rule and the section index (tree and combo) built from a list.
+
+#include <QString>
+#include <QStringList>
+#include <array>
+#include <vector>
+
+// Columns of the rate grid StringGridRas.
+namespace PriceCol {
+enum : int {
+    Ras = 0,   // "№ рас." edras
+    Name = 1,  // "Наименование работ" nameras
+    Unit = 2,  // "Ед. изм." edizm
+    Price = 3, // "Цена" in the chosen currency
+    Rec = 4,   // "rec"
+    Koef = 5,  // "koef" crew coefficient (price list 1)
+    Id = 6,    // "id / Сумма"
+    Link = 7,  // "Для бриг." crew price
+    Store = 8, // "id склад"
+    Check = 9, // "checkbox"
+    Count = 10,
+    TextCount = 9 // columns held as text; the tick box is a flag
+};
+}
+
+// One row of the rate grid: nine text cells and the tick.
+struct RateRow {
+    std::array<QString, PriceCol::TextCount> cells;
+    bool checked = false;
+
+    const QString &operator[](int col) const { return cells[static_cast<size_t>(col)]; }
+    QString &operator[](int col) { return cells[static_cast<size_t>(col)]; }
+    bool isBlank() const;
+};
+
+enum class PriceRowKind { Section, Subsection, Rate };
+
+// Section title: no "-" in the number; subsection title: a "-" and the unit "пв" in any letter case;
+// everything else is a rate.
+PriceRowKind priceRowKind(const QString &edras, const QString &edizm);
+inline PriceRowKind priceRowKind(const RateRow &row) {
+    return priceRowKind(row[PriceCol::Ras], row[PriceCol::Unit]);
+}
+// The subsection unit, compared after lower-casing (and trimming for renumbering).
+bool isSubsectionUnit(const QString &edizm);
+
+// PereschetNomeraRascenok: numbers sections S, subsections S-P and rates S-N or S-P-N in row order;
+// rows with an empty name keep their number.
+void renumberRates(std::vector<RateRow> &rows);
+
+// Currency index of EditValuta (0..4) -> price column of the local tables.
+QString currencyColumn(int index);
+QStringList currencyCaptions();
+
+// The section tree ListBox1 and the combo ComboBox2, built on every full read.
+struct SubsectionEntry {
+    QString number; // "S-P"
+    QString text;   // number, a blank, the title
+};
+struct SectionEntry {
+    QString number; // "S"
+    QString text;
+    std::vector<SubsectionEntry> subsections;
+};
+using SectionIndex = std::vector<SectionEntry>;
+// First entry of both the tree and the combo.
+inline const QString kAllSections = QStringLiteral("   Все");
+
+// Adds a row to the index the way a full read does: a section opens a node, a subsection becomes a
+// child of the most recent section.
+void addToSectionIndex(SectionIndex &index, const RateRow &row);
+
+// The section part S and subsection part P of a number "S-P..." (empty when absent).
+QString sectionOfNumber(const QString &number);

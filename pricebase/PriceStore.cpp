@@ -1,0 +1,214 @@
+#include "PriceStore.h"
+
+#include "storage/Catalogue.h"
+#include "storage/TextValues.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QVariant>
+
+namespace PriceStore {
+
+namespace {
+
+bool fail(QString *error, const QString &text) {
+    if (error)
+        *error = text;
+    return false;
+}
+
+bool failQuery(QString *error, const QSqlQuery &q) {
+    return fail(error, q.lastError().text());
+}
+
+bool knownTable(const QString &table) {
+    return tableNames(Db::Price).contains(table) && table.startsWith("price");
+}
+
+} // namespace
+
+QString createStatement(const QString &table) {
+    const QStringList names = tableNames(Db::Price);
+    const int i = names.indexOf(table);
+    return i < 0 ? QString() : createStatements(Db::Price).at(i);
+}
+
+QString badPriceMessage(const QString &number, const QString &name, const QString &priceText) {
+    return QStringLiteral("Цена расценки %1 «%2» не является числом: «%3». Операция остановлена.")
+        .arg(number, name, priceText);
+}
+
+bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData &out, QString *error) {
+    out.rows.clear();
+    out.sections.clear();
+    if (!knownTable(table))
+        return fail(error, QStringLiteral("Неизвестная таблица расценок «%1»").arg(table));
+    const bool list1 = table == QLatin1String("price1");
+    const QString sql = QStringLiteral("SELECT id, edras, nameras, edizm,") + currencyColumn(currency) +
+                        QStringLiteral(", rec, link, mat") + (list1 ? QStringLiteral(",koef") : QString()) +
+                        QStringLiteral(" FROM ") + table + QStringLiteral(" WHERE 1");
+    QSqlQuery q(db);
+    q.setForwardOnly(true);
+    if (!q.exec(sql))
+        return failQuery(error, q);
+    while (q.next()) {
+        RateRow row;
+        row[PriceCol::Id] = q.value(0).toString();
+        row[PriceCol::Ras] = q.value(1).toString();
+        row[PriceCol::Name] = q.value(2).toString();
+        row[PriceCol::Unit] = q.value(3).toString();
+        row[PriceCol::Rec] = q.value(5).toString();
+        if (list1)
+            row[PriceCol::Koef] = q.value(8).toString();
+        // Titles carry no price and no crew price; a section title shows no unit either.
+        const PriceRowKind kind = priceRowKind(row);
+        if (kind == PriceRowKind::Rate) {
+            row[PriceCol::Price] = q.value(4).toString();
+            row[PriceCol::Link] = q.value(6).toString();
+        } else if (kind == PriceRowKind::Section) {
+            row[PriceCol::Unit].clear();
+        }
+        addToSectionIndex(out.sections, row);
+        out.rows.push_back(std::move(row));
+    }
+    return true;
+}
+
+bool writeList(QSqlDatabase db, const QString &table, int currency, const std::vector<RateRow> &rows,
+               QString *error) {
+    if (!knownTable(table))
+        return fail(error, QStringLiteral("Неизвестная таблица расценок «%1»").arg(table));
+    const bool list1 = table == QLatin1String("price1");
+    if (!db.transaction())
+        return fail(error, db.lastError().text());
+    QSqlQuery q(db);
+    auto rollback = [&](const QSqlQuery &failed) {
+        const QString reason = failed.lastError().text();
+        db.rollback();
+        return fail(error, reason);
+    };
+    if (!q.exec(QStringLiteral("DROP TABLE ") + table + QStringLiteral(";")))
+        return rollback(q);
+    if (!q.exec(createStatement(table)))
+        return rollback(q);
+    const QString sql = QStringLiteral("INSERT INTO ") + table + QStringLiteral(" (edras,nameras,edizm,") +
+                        currencyColumn(currency) + QStringLiteral(",rec") +
+                        (list1 ? QStringLiteral(",koef,link) values (?,?,?,?,?,?,?)")
+                               : QStringLiteral(") values (?,?,?,?,?)"));
+    if (!q.prepare(sql))
+        return rollback(q);
+    for (const RateRow &row : rows) {
+        // A row left empty in edit mode carries nothing worth keeping.
+        if (row.isBlank())
+            continue;
+        for (int c : {PriceCol::Ras, PriceCol::Name, PriceCol::Unit, PriceCol::Price, PriceCol::Rec})
+            q.addBindValue(row[c]);
+        if (list1) {
+            q.addBindValue(row[PriceCol::Koef]);
+            q.addBindValue(row[PriceCol::Link]);
+        }
+        if (!q.exec())
+            return rollback(q);
+    }
+    q.finish();
+    if (!db.commit())
+        return fail(error, db.lastError().text());
+    QSqlQuery vacuum(db);
+    vacuum.exec(QStringLiteral("VACUUM;")); // only compacts the file; the data is already committed
+    return true;
+}
+
+bool updateCrewPrices(QSqlDatabase db, int currency, const QString &koefText, QString *error,
+                      int *statements) {
+    if (statements)
+        *statements = 0;
+    const auto koef = TextValues::parseAmount(koefText);
+    if (!koef)
+        return fail(error,
+                    QStringLiteral("Коэффициент расчёта для бригады «%1» не является числом.").arg(koefText));
+    struct Update {
+        QString column, value, keyColumn, key;
+    };
+    std::vector<Update> updates;
+    QString problem;
+    {
+        QSqlQuery q(db);
+        q.setForwardOnly(true);
+        if (!q.exec(QStringLiteral("SELECT * FROM price1 WHERE 1")))
+            return failQuery(error, q);
+        const QSqlRecord rec = q.record();
+        const int iId = rec.indexOf("id"), iRas = rec.indexOf("edras"), iName = rec.indexOf("nameras"),
+                  iUnit = rec.indexOf("edizm"), iPrice = rec.indexOf(currencyColumn(currency)),
+                  iRec = rec.indexOf("rec"), iLink = rec.indexOf("link"), iKoef = rec.indexOf("koef");
+        while (q.next()) {
+            const QString price = q.value(iPrice).toString();
+            if (price.isEmpty() || q.value(iUnit).toString().toLower() == QStringLiteral("пв"))
+                continue;
+            const QString recText = q.value(iRec).toString();
+            const QString keyColumn = recText.isEmpty() ? QStringLiteral("id") : QStringLiteral("rec");
+            const QString key = recText.isEmpty() ? q.value(iId).toString() : recText;
+            if (q.value(iKoef).toString().isEmpty())
+                updates.push_back({QStringLiteral("koef"), koefText, keyColumn, key});
+            if (q.value(iLink).toString().isEmpty()) {
+                const auto value = TextValues::parsePrice(price);
+                if (!value) {
+                    problem = badPriceMessage(q.value(iRas).toString(), q.value(iName).toString(), price);
+                    break;
+                }
+                updates.push_back(
+                    {QStringLiteral("link"), TextValues::formatMoney(*value * *koef), keyColumn, key});
+            }
+        }
+    }
+    if (!updates.empty()) {
+        if (!db.transaction())
+            return fail(error, db.lastError().text());
+        QSqlQuery u(db);
+        for (const Update &up : updates) {
+            u.prepare(QStringLiteral("UPDATE price1 SET ") + up.column + QStringLiteral("=? WHERE ") +
+                      up.keyColumn + QStringLiteral("=?;"));
+            u.addBindValue(up.value);
+            u.addBindValue(up.key);
+            if (!u.exec()) {
+                const QString reason = u.lastError().text();
+                db.rollback();
+                return fail(error, reason);
+            }
+        }
+        if (!db.commit())
+            return fail(error, db.lastError().text());
+        if (statements)
+            *statements = static_cast<int>(updates.size());
+    }
+    if (!problem.isEmpty())
+        return fail(error, problem);
+    return true;
+}
+
+bool findRateByName(QSqlDatabase db, const QString &table, int currency, const QString &name, RateRow &out,
+                    QString *error) {
+    if (!knownTable(table))
+        return fail(error, QStringLiteral("Неизвестная таблица расценок «%1»").arg(table));
+    QSqlQuery q(db);
+    q.setForwardOnly(true);
+    q.prepare(QStringLiteral("SELECT * FROM ") + table + QStringLiteral(" WHERE nameras=?"));
+    q.addBindValue(name);
+    if (!q.exec())
+        return failQuery(error, q);
+    if (!q.next())
+        return false;
+    const QSqlRecord rec = q.record();
+    out = RateRow();
+    out[PriceCol::Id] = q.value(rec.indexOf("id")).toString();
+    out[PriceCol::Ras] = q.value(rec.indexOf("edras")).toString();
+    out[PriceCol::Name] = q.value(rec.indexOf("nameras")).toString();
+    out[PriceCol::Unit] = q.value(rec.indexOf("edizm")).toString();
+    out[PriceCol::Price] = q.value(rec.indexOf(currencyColumn(currency))).toString();
+    out[PriceCol::Rec] = q.value(rec.indexOf("rec")).toString();
+    out[PriceCol::Koef] = q.value(rec.indexOf("koef")).toString();
+    out[PriceCol::Link] = q.value(rec.indexOf("link")).toString();
+    return true;
+}
+
+} // namespace PriceStore

@@ -1,0 +1,47 @@
+#pragma once
+// The local price lists of price.db: reading a list into rate rows with its section index, writing
+// the rate grid back, the crew price of price list 1, and the look-up of a rate by name.
+
+#include "PriceRows.h"
+
+#include <QSqlDatabase>
+#include <QString>
+#include <vector>
+
+struct PriceListData {
+    std::vector<RateRow> rows;
+    SectionIndex sections;
+};
+
+namespace PriceStore {
+
+// ReadSqlRAS: "SELECT id, edras, nameras, edizm, <currency>, rec, link, mat[, koef] FROM <table> WHERE 1"
+// (koef for price1 only). The crew price `link` is always kept so that a write does not lose it.
+bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData &out,
+              QString *error = nullptr);
+
+// WriteSqlPrice: in one transaction, drops and recreates the table and inserts every row that holds
+// anything (edras, nameras, edizm, the current currency's price, rec, and for price1 koef and link),
+// then "VACUUM;". The other currency columns are empty afterwards: a list is kept in one currency at a
+// time.
+bool writeList(QSqlDatabase db, const QString &table, int currency, const std::vector<RateRow> &rows,
+               QString *error = nullptr);
+
+// UpdateSqlPriceBrig: for every rate of price1 with a price in the current currency, an empty koef
+// gets the coefficient text and an empty link gets price x coefficient. A price that is not a number
+// stops the run there: what was gathered before it is written and *error names the rate and its text.
+// *statements gets the number of updates written.
+bool updateCrewPrices(QSqlDatabase db, int currency, const QString &koefText, QString *error = nullptr,
+                      int *statements = nullptr);
+
+// The first rate whose nameras equals `name` exactly; false when there is none (or on error).
+bool findRateByName(QSqlDatabase db, const QString &table, int currency, const QString &name, RateRow &out,
+                    QString *error = nullptr);
+
+// "CREATE TABLE IF NOT EXISTS" of a local rates table (price1, price2, brigade).
+QString createStatement(const QString &table);
+
+// The message of a price text that is not a number.
+QString badPriceMessage(const QString &number, const QString &name, const QString &priceText);
+
+} // namespace PriceStore

@@ -1,0 +1,210 @@
+#include "Resources.h"
+
+#include "estimate/EstimateGrid.h"
+#include "storage/TextValues.h"
+
+#include <QHash>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QVariant>
+
+namespace RateResources {
+
+namespace {
+
+bool fail(QString *error, const QString &text) {
+    if (error)
+        *error = text;
+    return false;
+}
+
+double number(const QString &text) {
+    return TextValues::parsePrice(text).value_or(0.0);
+}
+
+// The material of that name in the estimate: found, and its price text.
+bool findMaterial(QSqlDatabase smeta, const QString &name, QString *price, QString *error) {
+    QSqlQuery q(smeta);
+    q.prepare(QStringLiteral("SELECT * FROM materials WHERE namemat=?"));
+    q.addBindValue(name);
+    if (!q.exec())
+        return fail(error, q.lastError().text());
+    if (!q.next())
+        return false;
+    if (price)
+        *price = q.value(q.record().indexOf("price")).toString();
+    return true;
+}
+
+} // namespace
+
+bool isResourcesTable(const QString &table) {
+    return table == QLatin1String("resurs1") || table == QLatin1String("resurs2") ||
+           table == QLatin1String("resurs_s");
+}
+
+bool read(QSqlDatabase price, const QString &table, const QString &rec, std::vector<Resource> &out,
+          QString *error) {
+    out.clear();
+    if (!isResourcesTable(table))
+        return fail(error, QStringLiteral("Неизвестная таблица ресурсов «%1»").arg(table));
+    QSqlQuery q(price);
+    q.setForwardOnly(true);
+    q.prepare(QStringLiteral("SELECT * FROM ") + table + QStringLiteral(" WHERE ras=?"));
+    q.addBindValue(rec);
+    if (!q.exec())
+        return fail(error, q.lastError().text());
+    const QSqlRecord r = q.record();
+    const int iName = r.indexOf("name"), iUnit = r.indexOf("edizm"), iCena = r.indexOf("cena"),
+              iNorma = r.indexOf("norma");
+    while (q.next())
+        out.push_back({q.value(iName).toString(), q.value(iUnit).toString(), q.value(iCena).toString(),
+                       q.value(iNorma).toString()});
+    return true;
+}
+
+bool addToEstimate(QSqlDatabase price, QSqlDatabase smeta, EstimateGrid &grid, int gridRow,
+                   bool *materialsChanged, QString *error) {
+    if (materialsChanged)
+        *materialsChanged = false;
+    const QString rec = grid.cell(gridRow, EstimateCol::IdRas);
+    const QString table = grid.cell(gridRow, EstimateCol::NamePrice);
+    if (rec.isEmpty() || table.isEmpty())
+        return true;
+    std::vector<Resource> resources;
+    if (!read(price, table, rec, resources, error))
+        return false;
+    if (resources.empty())
+        return true;
+    if (resources.front().name.isEmpty()) {
+        // The rate carries a plain money amount instead of materials.
+        const double money = number(resources.front().cena);
+        grid.setCell(gridRow, EstimateCol::Material, TextValues::formatMoney(money));
+        const double total = number(grid.cell(gridRow, EstimateCol::Machine)) + money +
+                             number(grid.cell(gridRow, EstimateCol::Labour));
+        grid.setCell(gridRow, EstimateCol::Total, TextValues::formatMoney(total));
+        return true;
+    }
+    if (!smeta.transaction())
+        return fail(error, smeta.lastError().text());
+    bool wrote = false;
+    for (const Resource &r : resources) {
+        if (r.name.isEmpty())
+            continue;
+        QString problem;
+        if (findMaterial(smeta, r.name, nullptr, &problem))
+            continue;
+        if (!problem.isEmpty()) {
+            smeta.rollback();
+            return fail(error, problem);
+        }
+        QSqlQuery ins(smeta);
+        ins.prepare(QStringLiteral("INSERT INTO materials (namemat, edizm, price) values(?,?,?);"));
+        ins.addBindValue(r.name);
+        ins.addBindValue(r.edizm);
+        ins.addBindValue(r.cena);
+        if (!ins.exec()) {
+            const QString reason = ins.lastError().text();
+            smeta.rollback();
+            return fail(error, reason);
+        }
+        wrote = true;
+    }
+    if (!smeta.commit())
+        return fail(error, smeta.lastError().text());
+    if (materialsChanged)
+        *materialsChanged = wrote;
+    return true;
+}
+
+bool searchAndWriteResurse(QSqlDatabase price, QSqlDatabase smeta, const EstimateGrid &grid,
+                           const QString &rec, const QString &table, bool *materialsChanged, QString *error) {
+    if (materialsChanged)
+        *materialsChanged = false;
+    if (rec.isEmpty() || !isResourcesTable(table))
+        return true;
+    std::vector<Resource> own;
+    if (!read(price, table, rec, own, error))
+        return false;
+    // The resources of each rate of the estimate, read once.
+    QHash<QString, std::vector<Resource>> byRate;
+    struct Use {
+        double quantity;
+        const std::vector<Resource> *resources;
+    };
+    std::vector<Use> uses;
+    for (int r = EstimateGrid::kFixedRows; r < grid.gridRowCount(); ++r) {
+        const QString qtyText = grid.cell(r, EstimateCol::Qty);
+        const QString rowRec = grid.cell(r, EstimateCol::IdRas);
+        if (qtyText.isEmpty() || rowRec.isEmpty() || grid.cell(r, EstimateCol::NamePrice).isEmpty())
+            continue;
+        const auto qty = TextValues::parseAmount(qtyText);
+        if (!qty)
+            continue; // a quantity that is not a number counts for nothing (the grid marks it)
+        auto it = byRate.find(rowRec);
+        if (it == byRate.end()) {
+            std::vector<Resource> list;
+            if (!read(price, table, rowRec, list, error))
+                return false;
+            it = byRate.insert(rowRec, std::move(list));
+        }
+        uses.push_back({*qty, &it.value()});
+    }
+    if (!smeta.transaction())
+        return fail(error, smeta.lastError().text());
+    bool wrote = false;
+    auto exec = [&](QSqlQuery &q) {
+        if (q.exec())
+            return true;
+        const QString reason = q.lastError().text();
+        smeta.rollback();
+        return fail(error, reason);
+    };
+    for (const Resource &res : own) {
+        if (res.name.isEmpty())
+            continue;
+        double total = 0;
+        for (const Use &u : uses)
+            for (const Resource &other : *u.resources)
+                if (other.name == res.name)
+                    total += u.quantity * number(other.norma);
+        QString existingPrice, problem;
+        const bool exists = findMaterial(smeta, res.name, &existingPrice, &problem);
+        if (!problem.isEmpty()) {
+            smeta.rollback();
+            return fail(error, problem);
+        }
+        QSqlQuery q(smeta);
+        if (!exists) {
+            if (total == 0)
+                continue; // nothing needed, nothing to add
+            q.prepare(QStringLiteral("INSERT INTO materials (edras, namemat, edizm, kolvo, price, summa) "
+                                     "values(?,?,?,?,?,?);"));
+            q.addBindValue(rec);
+            q.addBindValue(res.name);
+            q.addBindValue(res.edizm);
+            q.addBindValue(TextValues::formatQuantity(total));
+            q.addBindValue(res.cena);
+            q.addBindValue(TextValues::formatMoney(total * number(res.cena)));
+        } else if (total == 0) {
+            q.prepare(QStringLiteral("DELETE FROM materials WHERE namemat=?"));
+            q.addBindValue(res.name);
+        } else {
+            q.prepare(QStringLiteral("UPDATE materials SET kolvo=?,summa=? WHERE namemat=?"));
+            q.addBindValue(TextValues::formatQuantity(total));
+            q.addBindValue(TextValues::formatMoney(total * number(existingPrice)));
+            q.addBindValue(res.name);
+        }
+        if (!exec(q))
+            return false;
+        wrote = true;
+    }
+    if (!smeta.commit())
+        return fail(error, smeta.lastError().text());
+    if (materialsChanged)
+        *materialsChanged = wrote;
+    return true;
+}
+
+} // namespace RateResources
