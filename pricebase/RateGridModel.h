@@ -6,6 +6,7 @@
 #include "PriceRows.h"
 
 #include <QAbstractTableModel>
+#include <algorithm>
 #include <vector>
 
 class RateGridModel : public QAbstractTableModel {
@@ -18,7 +19,7 @@ public:
     const std::vector<RateRow> &allRows() const { return m_rows; }
 
     // Grid-indexed access to the visible rows.
-    int gridRowCount() const { return 1 + visibleCount(); }
+    int gridRowCount() const { return 1 + std::max(1, visibleCount()); }
     int visibleCount() const {
         return m_filtered ? static_cast<int>(m_visible.size()) : static_cast<int>(m_rows.size());
     }

@@ -1,0 +1,62 @@
+#include "PriceTestData.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QVariant>
+#include <gtest/gtest.h>
+
+PriceFixture::PriceFixture() {
+    ensureApplication();
+    module = std::make_unique<TModuleSQL>(folder.path());
+    EXPECT_TRUE(price().isOpen());
+    EXPECT_TRUE(smeta().isOpen());
+}
+
+void PriceFixture::addRates(const QString &table, const std::vector<QStringList> &rows,
+                            const QString &column) {
+    QSqlQuery q(price());
+    for (const QStringList &r : rows) {
+        q.prepare(QStringLiteral("INSERT INTO %1 (edras, nameras, edizm, %2, rec) VALUES (?,?,?,?,?)")
+                      .arg(table, column));
+        for (int i = 0; i < 5; ++i)
+            q.addBindValue(i < r.size() ? r.at(i) : QString());
+        ASSERT_TRUE(q.exec()) << q.lastError().text().toStdString();
+    }
+}
+
+void PriceFixture::addResource(const QString &table, const QString &name, const QString &unit,
+                               const QString &cena, const QString &ras, const QString &norma) {
+    QSqlQuery q(price());
+    q.prepare(QStringLiteral("INSERT INTO %1 (name, edizm, cena, ras, norma) VALUES (?,?,?,?,?)").arg(table));
+    for (const QString &v : {name, unit, cena, ras, norma})
+        q.addBindValue(v);
+    ASSERT_TRUE(q.exec()) << q.lastError().text().toStdString();
+}
+
+QStringList PriceFixture::materials() {
+    QStringList out;
+    QSqlQuery q(smeta());
+    q.exec(QStringLiteral("SELECT namemat, kolvo, price, summa FROM materials ORDER BY _id"));
+    while (q.next())
+        out << q.value(0).toString() + "|" + q.value(1).toString() + "|" + q.value(2).toString() + "|" +
+                   q.value(3).toString();
+    return out;
+}
+
+QString PriceFixture::scalar(QSqlDatabase db, const QString &sql) {
+    QSqlQuery q(db);
+    if (!q.exec(sql) || !q.next())
+        return QStringLiteral("<none>");
+    return q.value(0).toString();
+}
+
+RateRow rate(const QString &ras, const QString &name, const QString &unit, const QString &price,
+             const QString &rec) {
+    RateRow r;
+    r[PriceCol::Ras] = ras;
+    r[PriceCol::Name] = name;
+    r[PriceCol::Unit] = unit;
+    r[PriceCol::Price] = price;
+    r[PriceCol::Rec] = rec;
+    return r;
+}

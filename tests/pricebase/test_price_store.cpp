@@ -1,0 +1,170 @@
+// Reading and writing the local price lists of price.db, the crew price, and the current list choice.
+
+#include "PriceTestData.h"
+#include "pricebase/PriceBase.h"
+#include "pricebase/PriceStore.h"
+
+#include <QSqlQuery>
+#include <gtest/gtest.h>
+
+namespace {
+
+const std::vector<QStringList> kList = {
+    {"1", "Демонтаж", "", "", "1"},
+    {"1-1", "Стены", "ПВ", "", "2"},
+    {"1-1-1", "Снятие обоев", "м2", "80", "3"},
+    {"1-1-2", "Удаление краски", "м2", "350-450", "4"},
+    {"2", "Отделка", "", "", "5"},
+    {"2-1", "Грунтовка", "м2", "1 250.50", "6"},
+};
+
+TEST(PriceStore, ReadFillsRowsByKindAndTheSectionIndex) {
+    PriceFixture f;
+    f.addRates("price1", kList);
+    PriceListData data;
+    QString error;
+    ASSERT_TRUE(PriceStore::readList(f.price(), "price1", 0, data, &error)) << error.toStdString();
+    ASSERT_EQ(data.rows.size(), 6u);
+    EXPECT_EQ(data.rows[2][PriceCol::Price], QStringLiteral("80"));
+    EXPECT_EQ(data.rows[1][PriceCol::Unit], QStringLiteral("ПВ"));
+    EXPECT_EQ(data.rows[5][PriceCol::Id], QStringLiteral("6"));
+    EXPECT_EQ(data.rows[5][PriceCol::Rec], QStringLiteral("6"));
+    ASSERT_EQ(data.sections.size(), 2u);
+    EXPECT_EQ(data.sections[0].subsections.at(0).text, QStringLiteral("1-1 Стены"));
+    // Another currency column is simply empty.
+    ASSERT_TRUE(PriceStore::readList(f.price(), "price1", 1, data));
+    EXPECT_TRUE(data.rows[2][PriceCol::Price].isEmpty());
+}
+
+TEST(PriceStore, EmptyListGivesOneEmptyRowAndOnlyAll) {
+    PriceFixture f;
+    PriceBase base(*f.module);
+    ASSERT_TRUE(base.read());
+    EXPECT_EQ(base.model().rowCount(), 1);
+    EXPECT_EQ(base.model().gridRowCount(), 2);
+    EXPECT_TRUE(base.sections().empty()); // the tree and the combo hold "   Все" alone
+}
+
+TEST(PriceStore, WritingInDollarsEmptiesTheOtherCurrencies) {
+    PriceFixture f;
+    f.addRates("price2", kList, "rub");
+    QSqlQuery(f.price()).exec("UPDATE price2 SET dol='1,5' WHERE rec='3'");
+    PriceBase base(*f.module);
+    base.setTab(PriceTab::Price2);
+    base.setCurrency(1);
+    ASSERT_TRUE(base.read());
+    EXPECT_EQ(base.model().cell(3, PriceCol::Price), QStringLiteral("1,5"));
+    QString error;
+    ASSERT_TRUE(base.write(&error)) << error.toStdString();
+    EXPECT_EQ(f.scalar(f.price(), "SELECT count(*) FROM price2 WHERE rub<>'' AND rub IS NOT NULL"), "0");
+    EXPECT_EQ(f.scalar(f.price(), "SELECT dol FROM price2 WHERE rec='3'"), "1,5");
+    EXPECT_EQ(f.scalar(f.price(), "SELECT count(*) FROM price2"), "6");
+    // price1 is untouched by a write of price2.
+    EXPECT_EQ(f.scalar(f.price(), "SELECT count(*) FROM price1"), "0");
+}
+
+TEST(PriceStore, AwkwardTextIsStoredAndFoundUnchanged) {
+    PriceFixture f;
+    const QString longName = QString(10 * 1024, QChar(0x0429)) + "\\'\"";
+    const std::vector<RateRow> rows = {rate("1", "Раздел \"А\"", "", "", "1"),
+                                       rate("1-1", "O'Brien \\n \"кавычки\" `бэктик`", "м'2", "1'000", "2"),
+                                       rate("1-2", longName, "шт", "5", "3")};
+    QString error;
+    ASSERT_TRUE(PriceStore::writeList(f.price(), "price1", 0, rows, &error)) << error.toStdString();
+    PriceListData data;
+    ASSERT_TRUE(PriceStore::readList(f.price(), "price1", 0, data));
+    ASSERT_EQ(data.rows.size(), 3u);
+    for (size_t i = 0; i < rows.size(); ++i)
+        for (int c : {PriceCol::Ras, PriceCol::Name, PriceCol::Unit, PriceCol::Price})
+            EXPECT_EQ(data.rows[i][c], rows[i][c]);
+    RateRow found;
+    ASSERT_TRUE(PriceStore::findRateByName(f.price(), "price1", 0, longName, found));
+    EXPECT_EQ(found[PriceCol::Rec], QStringLiteral("3"));
+    ASSERT_TRUE(PriceStore::findRateByName(f.price(), "price1", 0, rows[1][PriceCol::Name], found));
+    EXPECT_EQ(found[PriceCol::Price], QStringLiteral("1'000"));
+    EXPECT_FALSE(PriceStore::findRateByName(f.price(), "price1", 0, "нет такой", found));
+}
+
+TEST(PriceStore, CrewPricesFillOnlyWhatIsEmpty) {
+    PriceFixture f;
+    f.addRates("price1", {{"1", "Отделка", "", "", "1"},
+                          {"1-1", "Стены", "пв", "", "2"},
+                          {"1-1-1", "Грунтовка", "м2", "1 000", "3"},
+                          {"1-1-2", "Шпатлёвка", "м2", "200-300", "4"},
+                          {"1-1-3", "Покраска", "м2", "", "5"},
+                          {"1-1-4", "Обои", "м2", "400", ""}});
+    QSqlQuery(f.price()).exec("UPDATE price1 SET koef='0,5', link='77' WHERE rec='4'");
+    int statements = 0;
+    QString error;
+    ASSERT_TRUE(PriceStore::updateCrewPrices(f.price(), 0, "0,7", &error, &statements))
+        << error.toStdString();
+    EXPECT_EQ(statements, 4); // koef+link for rec 3 and for the row keyed by id
+    auto get = [&](const QString &sql) { return f.scalar(f.price(), sql); };
+    EXPECT_EQ(get("SELECT koef || '/' || link FROM price1 WHERE rec='3'"), "0,7/700,00");
+    EXPECT_EQ(get("SELECT koef || '/' || link FROM price1 WHERE rec='4'"), "0,5/77"); // kept
+    EXPECT_EQ(get("SELECT ifnull(koef,'') || '/' || ifnull(link,'') FROM price1 WHERE rec='5'"), "/");
+    EXPECT_EQ(get("SELECT koef || '/' || link FROM price1 WHERE id=6"), "0,7/280,00");
+    EXPECT_EQ(get("SELECT ifnull(koef,'') FROM price1 WHERE rec='2'"), "");
+}
+
+TEST(PriceStore, CrewPriceStopsAtAPriceThatIsNotANumber) {
+    PriceFixture f;
+    f.addRates("price1", {{"1-1", "Первая", "м2", "100", "1"},
+                          {"1-2", "Кривая", "м2", "сто рублей", "2"},
+                          {"1-3", "Третья", "м2", "300", "3"}});
+    QString error;
+    EXPECT_FALSE(PriceStore::updateCrewPrices(f.price(), 0, "2", &error));
+    EXPECT_TRUE(error.contains("1-2")) << error.toStdString();
+    EXPECT_TRUE(error.contains("сто рублей"));
+    // What came before stays written; nothing after it.
+    EXPECT_EQ(f.scalar(f.price(), "SELECT link FROM price1 WHERE rec='1'"), "200,00");
+    EXPECT_EQ(f.scalar(f.price(), "SELECT ifnull(link,'') FROM price1 WHERE rec='3'"), "");
+}
+
+TEST(PriceBase, CurrentListFollowsTabAndCrewSwitch) {
+    PriceFixture f;
+    PriceBase base(*f.module);
+    struct Case {
+        PriceTab tab;
+        bool crew;
+        QString table, resources;
+    };
+    const Case cases[] = {
+        {PriceTab::MyPrice, false, "price1", "resurs1"},
+        {PriceTab::Price2, false, "price2", "resurs2"},
+        {PriceTab::Price2, true, "price1", "resurs1"},
+        {PriceTab::MyPrice, true, "price1", "resurs1"},
+        {PriceTab::Material, false, "", ""},
+    };
+    for (const Case &c : cases) {
+        base.setTab(c.tab);
+        base.setCrewMode(c.crew);
+        EXPECT_EQ(base.table(), c.table);
+        EXPECT_EQ(base.resourcesTable(), c.resources);
+    }
+}
+
+TEST(PriceBase, LiveSearchHoldsTheWholeListWhileTheGridIsFiltered) {
+    PriceFixture f;
+    f.addRates("price1", kList);
+    PriceBase base(*f.module);
+    ASSERT_TRUE(base.read());
+    ASSERT_TRUE(base.showSection(2));
+    EXPECT_EQ(base.model().visibleCount(), 1);
+    EXPECT_EQ(base.liveSearch().find("обо").size(), 1u); // a rate of section 1
+    base.setLiveSearchEnabled(false);
+    EXPECT_EQ(base.liveSearch().size(), 0);
+    base.setLiveSearchEnabled(true);
+    EXPECT_EQ(base.liveSearch().size(), 6);
+    // Edits of the list reach the table only by a write; ids and numbers come back fresh.
+    base.model().setEditMode(true);
+    base.showSection(0);
+    base.model().removeGridRows({2, 3});
+    base.model().renumber();
+    ASSERT_TRUE(base.write());
+    EXPECT_EQ(f.scalar(f.price(), "SELECT group_concat(edras || ':' || nameras, ';') FROM price1"),
+              "1:Демонтаж;1-1:Удаление краски;2:Отделка;2-1:Грунтовка");
+    EXPECT_EQ(base.liveSearch().size(), 4);
+}
+
+} // namespace
