@@ -143,11 +143,57 @@ public:
     // ----- price base (TForm1_price.cpp)
 
     // ----- estimate header: customer, object, contractor (TForm1_header.cpp)
+    // (The types of this block are declared by their elaborated names; their headers are in customers/.)
     // The header's values as document parameters, and back when a document is loaded.
     QList<QPair<QString, QString>> headerParameters() const;
     void applyHeaderParameters(const QMap<QString, QString> &params);
     // Writes the copies of the customer, object and requisites into the working database.
     void writeHeaderCopies(QSqlDatabase db) const;
+    // The header's choices; names as shown (double quotes, not backticks). Empty when none is chosen.
+    QString currentCustomer() const;
+    QString currentObject() const;
+    QString currentContractor() const; // the short name
+    // The names as the estimate prints them: followed by ", " and the legal-data line when the options
+    // ZCheckBoxUridDan / PodryadCheckBoxUridDan are on.
+    QString customerForEstimate() const;
+    QString contractorForEstimate() const;
+    class QDate estimateDate() const;
+    QString estimateNumber() const;     // NumericSmeta
+    QString estimateNumberWord() const; // NumericSmetaWord
+    QString estimateTitle() const;      // ComboBoxShablon
+    QString nameOfWorks() const;        // EditNameWork
+    bool dateNumbering() const;         // spdDateNumericSmetaWord is down
+    // Full records for the documents (contract placeholders, invoice, acts): from the registers, or from
+    // the document's own copies when the register does not know the name.
+    struct CustomerData customerData() const;
+    struct ContractorData contractorData() const;
+    // "Заказчики и объекты", "Данные подрядчика": open the register windows.
+    void MZakazAndObjectClick();
+    void MPodryadClick();
+    // Refill the header's lists from the registers.
+    void reloadHeaderLists();
+    class QComboBox *ComboBoxZakaz = nullptr;
+    class QComboBox *ComboBoxObject = nullptr;
+    class QComboBox *ComboBoxPodryad = nullptr;
+    class QComboBox *ComboBoxShablon = nullptr;
+    class QDateEdit *DateSmeta = nullptr;
+    class QSpinBox *NumericSmeta = nullptr;
+    class QLineEdit *NumericSmetaWord = nullptr;
+    class QLineEdit *EditNameWork = nullptr;
+    QAction *MZakazAndObject = nullptr;
+    QAction *MPodryad = nullptr;
+    // The contractors changed (added, renamed, deleted).
+    Q_SIGNAL void contractorsChanged();
+
+private:
+    void headerDocumentLoaded();
+    bool attachHeader();
+    struct OptionFlags optionFlags();
+    class EstimateHeaderPanel *m_header = nullptr;
+    QPointer<class TZakazAndObject> m_zakazWindow;
+    QPointer<class TPodryadList> m_podryadWindow;
+
+public:
 
     // ----- office output (TForm1_output.cpp)
 
