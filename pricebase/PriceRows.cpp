@@ -7,6 +7,11 @@ bool RateRow::isBlank() const {
     return true;
 }
 
+QString RateRow::bound(int col) const {
+    const QString &c = (*this)[col];
+    return c.isNull() ? QStringLiteral("") : c;
+}
+
 bool isSubsectionUnit(const QString &edizm) {
     return edizm.trimmed().toLower() == QStringLiteral("пв");
 }

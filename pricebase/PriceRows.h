@@ -33,6 +33,9 @@ struct RateRow {
     const QString &operator[](int col) const { return cells[static_cast<size_t>(col)]; }
     QString &operator[](int col) { return cells[static_cast<size_t>(col)]; }
     bool isBlank() const;
+    // The cell as a value to bind: an empty cell is written as '' (never NULL), as every text column
+    // of a price list holds text.
+    QString bound(int col) const;
 };
 
 enum class PriceRowKind { Section, Subsection, Rate };

@@ -103,10 +103,10 @@ bool writeList(QSqlDatabase db, const QString &table, int currency, const std::v
         if (row.isBlank())
             continue;
         for (int c : {PriceCol::Ras, PriceCol::Name, PriceCol::Unit, PriceCol::Price, PriceCol::Rec})
-            q.addBindValue(row[c]);
+            q.addBindValue(row.bound(c));
         if (list1) {
-            q.addBindValue(row[PriceCol::Koef]);
-            q.addBindValue(row[PriceCol::Link]);
+            q.addBindValue(row.bound(PriceCol::Koef));
+            q.addBindValue(row.bound(PriceCol::Link));
         }
         if (!q.exec())
             return rollback(q);

@@ -196,7 +196,7 @@ bool RemotePriceList::writeList(const std::vector<RateRow> &rows, QString *error
         if (row.isBlank())
             continue;
         for (int c : columns)
-            q.addBindValue(row[c]);
+            q.addBindValue(row.bound(c));
         if (!q.exec()) {
             const QString reason = reasonOf(q.lastError());
             db.rollback();
