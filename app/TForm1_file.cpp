@@ -152,7 +152,6 @@ QList<QPair<QString, QString>> TForm1::documentParameters() const {
 
 void TForm1::CreateNewDoc(bool draft) {
     m_draft = draft;
-    m_autosave->disarm();
     m_lock.reset();
     QString error;
     if (!EstimateStore::createNewDoc(*m_module, *m_gridDoc, *m_gridBrig, &error))
@@ -161,6 +160,7 @@ void TForm1::CreateNewDoc(bool draft) {
     m_currentRow = EstimateGrid::kFixedRows;
     setCurrentFile(QString());
     DisableSave();
+    m_autosave->disarm(); // clearing the grid counted as an edit
     emit documentLoaded();
 }
 
@@ -238,6 +238,8 @@ bool TForm1::spdSaveClick() {
                                           "программе: сохраните документ в другое место."));
     }
     DisableSave();
+    // Writing the grid may have given new rows their ids, which counts as an edit: not after a save.
+    m_autosave->disarm();
 
     if (reg.ok)
         reg = Registration::complete(mydoc, reg, entry);
@@ -341,6 +343,7 @@ bool TForm1::OpenMyFile(const QString &fileName) {
     LastDoc();
     PanelKoef->show();
     DisableSave();
+    m_autosave->disarm(); // loading the grid counted as an edit
     emit documentLoaded();
     return true;
 }

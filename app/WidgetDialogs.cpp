@@ -5,6 +5,7 @@
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 
 namespace {
 
@@ -71,7 +72,14 @@ bool WidgetDialogs::input(const QString &caption, const QString &prompt, QString
 }
 
 QString WidgetDialogs::openFile(const QString &caption, const QString &folder, const QString &filter) {
-    return QFileDialog::getOpenFileName(m_parent, caption, folder, filter);
+    // A filter whose caption shows its own pattern text, e.g. "Файлы (*.sim,*.sme) (*.sim *.sme)",
+    // gives Qt the patterns in a last group, which the dialog then reads without showing it.
+    static const QRegularExpression shownPatterns(QStringLiteral("\\([^()]*\\)\\s*\\([^()]*\\)\\s*$"));
+    QFileDialog::Options options;
+    for (const QString &f : filter.split(QStringLiteral(";;")))
+        if (shownPatterns.match(f).hasMatch())
+            options |= QFileDialog::HideNameFilterDetails;
+    return QFileDialog::getOpenFileName(m_parent, caption, folder, filter, nullptr, options);
 }
 
 QString WidgetDialogs::saveFile(const QString &caption, const QString &folder, const QString &fileName,

@@ -1,0 +1,250 @@
+// The main window's file commands: save, save as, open, drafts, recent list, autosave, refusals.
+
+#include "ScriptedDialogs.h"
+#include "TestFolder.h"
+#include "app/TForm1.h"
+#include "estimate/Autosave.h"
+#include "estimate/EstimateGrid.h"
+#include "storage/ModuleSQL.h"
+
+#include <QAction>
+#include <QDir>
+#include <QFile>
+#include <QMenu>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QSqlQuery>
+#include <QTabWidget>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+namespace {
+
+class DocumentWindowTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ensureApplication();
+        previousDir = QDir::currentPath();
+        QDir::setCurrent(folder.path());
+        window = std::make_unique<TForm1>(QStringList{});
+        module = std::make_unique<TModuleSQL>(window->dataFolder());
+        window->attachModule(module.get());
+        window->FormShow();
+        window->CheckBossDir->setChecked(false);
+    }
+    void TearDown() override {
+        window.reset();
+        module.reset();
+        QDir::setCurrent(previousDir);
+    }
+    void edit(const QString &text = "Окраска стен") {
+        window->gridDoc()->setData(window->gridDoc()->index(0, EstimateCol::Name), text, Qt::EditRole);
+    }
+    QString firstName() const { return window->gridDoc()->cell(EstimateGrid::kFixedRows, EstimateCol::Name); }
+    int count(Db db, const QString &sql) {
+        QSqlQuery q(module->database(db));
+        return q.exec(sql) && q.next() ? q.value(0).toInt() : -1;
+    }
+    QString tab() const { return window->PageControlDoc->tabText(0); }
+
+    ScriptedDialogsGuard dialogs;
+    TestFolder folder;
+    QString previousDir;
+    std::unique_ptr<TForm1> window;
+    std::unique_ptr<TModuleSQL> module;
+};
+
+TEST_F(DocumentWindowTest, CancelInTheSaveDialogLeavesTheDocumentUnsaved) {
+    edit();
+    dialogs->queueFile(QString());
+    EXPECT_FALSE(window->spdSaveClick());
+    EXPECT_TRUE(window->spdSave->isEnabled());
+    EXPECT_TRUE(window->isChanged());
+    EXPECT_EQ(window->currentFile(), QString());
+    EXPECT_EQ(tab(), "Новый документ");
+    EXPECT_EQ(dialogs->shown().last().kind, "saveFile");
+    EXPECT_EQ(dialogs->shown().last().text, "Файлы Вирн-Смета 7-8 (*.sim)");
+}
+
+TEST_F(DocumentWindowTest, SaveAsRegistersAndListsTheFileAndOpenBringsItBack) {
+    edit();
+    const QString path = folder.file("Sm/Кухня");
+    dialogs->queueFile(path); // typed without the extension
+    ASSERT_TRUE(window->spdSaveClick());
+    const QString saved = path + ".sim";
+    EXPECT_EQ(window->currentFile(), saved);
+    EXPECT_TRUE(QFile::exists(saved));
+    EXPECT_FALSE(window->spdSave->isEnabled());
+    EXPECT_FALSE(window->MSaveFile->isEnabled());
+    EXPECT_EQ(tab(), "Кухня.sim");
+    EXPECT_EQ(window->xlsFileName(), folder.file("Sm/Кухня.xls"));
+    ASSERT_FALSE(window->MLastDoc->actions().isEmpty());
+    EXPECT_EQ(window->MLastDoc->actions().first()->data().toString(), saved);
+    EXPECT_EQ(count(Db::MyDoc, "SELECT COUNT(*) FROM documents"), 1);
+
+    // A second save asks nothing and updates the same register row.
+    edit("Окраска потолка");
+    ASSERT_TRUE(window->spdSaveClick());
+    EXPECT_EQ(count(Db::MyDoc, "SELECT COUNT(*) FROM documents"), 1);
+    EXPECT_EQ(count(Db::People, "SELECT COUNT(*) FROM LastDoc"), 1);
+
+    window->CreateNewDoc();
+    EXPECT_EQ(firstName(), QString());
+    ASSERT_TRUE(window->OpenMyFile(saved));
+    EXPECT_EQ(firstName(), "Окраска потолка");
+    EXPECT_FALSE(window->isChanged());
+    EXPECT_FALSE(window->isDraft());
+    EXPECT_EQ(tab(), "Кухня.sim");
+    EXPECT_EQ(count(Db::People, "SELECT COUNT(*) FROM LastDoc"), 1);
+}
+
+TEST_F(DocumentWindowTest, AFileThatIsNotADocumentLeavesTheEditsAndTheChangedFlag) {
+    edit("Несохранённая правка");
+    const QString junk = folder.file("Sm/письмо.sim");
+    QFile f(junk);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("Здравствуйте! Высылаю смету во вложении. Это письмо, а не смета.");
+    f.close();
+    // Through the tool button: the file is chosen, the unsaved edit is not saved ("No"), the open fails.
+    dialogs->queueFile(junk);
+    dialogs->queueAnswer(Dialogs::Answer::No);
+    window->spdOpen->trigger();
+    ASSERT_GE(dialogs->shown().size(), 3);
+    EXPECT_EQ(dialogs->shown().at(0).kind, "openFile");
+    EXPECT_TRUE(dialogs->shown().at(0).text.startsWith("Файлы Вирн-Смета 6-8 (*.sim,*.sme)"));
+    EXPECT_EQ(dialogs->shown().at(1).text, "Сохранить файл?");
+    EXPECT_EQ(dialogs->lastCaption(), "Ошибка");
+    EXPECT_TRUE(dialogs->lastText().contains(QDir::toNativeSeparators(junk)))
+        << dialogs->lastText().toStdString();
+    EXPECT_EQ(firstName(), "Несохранённая правка");
+    EXPECT_TRUE(window->isChanged());
+    EXPECT_EQ(window->currentFile(), QString());
+    EXPECT_EQ(count(Db::People, "SELECT COUNT(*) FROM LastDoc"), 0);
+
+    EXPECT_FALSE(window->OpenMyFile(folder.file("Sm/нет такого.sim")));
+    EXPECT_TRUE(dialogs->lastText().contains("не найден"));
+    EXPECT_TRUE(window->isChanged());
+}
+
+TEST_F(DocumentWindowTest, AFailedSaveKeepsTheChangesAndTheFormerName) {
+    edit();
+    dialogs->queueFile(folder.file("Удалённая папка/Смета.sim"));
+    EXPECT_FALSE(window->spdSaveClick());
+    EXPECT_TRUE(dialogs->lastText().contains("Смета.sim")) << dialogs->lastText().toStdString();
+    EXPECT_TRUE(window->isChanged());
+    EXPECT_EQ(window->currentFile(), QString());
+    EXPECT_EQ(firstName(), "Окраска стен");
+    // Nothing was registered for the file that was not written.
+    EXPECT_EQ(count(Db::MyDoc, "SELECT COUNT(*) FROM documents"), 0);
+    EXPECT_EQ(count(Db::Smeta, "SELECT COUNT(*) FROM mydoc"), 0);
+}
+
+TEST_F(DocumentWindowTest, ANewDraftIsSavedToDraftsAndStaysADraft) {
+    window->spdNewDdaftClick();
+    EXPECT_EQ(tab(), "Новый черновик");
+    EXPECT_TRUE(window->isDraft());
+    edit();
+    const QString path = folder.file("Sm/Drafts/Черновик 1.sim");
+    dialogs->queueFile(path);
+    ASSERT_TRUE(window->spdSaveClick());
+    EXPECT_EQ(count(Db::MyDoc, "SELECT COUNT(*) FROM drafts"), 1);
+    EXPECT_EQ(count(Db::MyDoc, "SELECT COUNT(*) FROM documents"), 0);
+
+    window->CreateNewDoc();
+    EXPECT_FALSE(window->isDraft());
+    ASSERT_TRUE(window->OpenMyFile(path));
+    EXPECT_TRUE(window->isDraft());
+    edit("Другая работа");
+    ASSERT_TRUE(window->spdSaveClick());
+    EXPECT_EQ(count(Db::MyDoc, "SELECT COUNT(*) FROM drafts"), 1);
+}
+
+TEST_F(DocumentWindowTest, AnEditStartsAutosaveAndTheTickCopiesTheDocument) {
+    window->CheckBoxAutosave->setChecked(true);
+    EXPECT_FALSE(window->autosave()->TimerAutosave->isActive());
+    edit("Работа для автосохранения");
+    EXPECT_TRUE(window->autosave()->TimerAutosave->isActive());
+    EXPECT_EQ(window->autosave()->TimerAutosave->interval(), 180000);
+    window->TimerAutosaveTimer();
+    window->autosave()->waitForCopy();
+    const QStringList copies = QDir(folder.file("Sm/Autosave")).entryList({"*.sim"}, QDir::Files);
+    ASSERT_EQ(copies.size(), 1);
+    EXPECT_TRUE(QRegularExpression("^\\d{4}-\\d\\d-\\d\\d  \\d\\d\\.\\d\\d Новый документ( №\\S+)?\\.sim$")
+                    .match(copies.first())
+                    .hasMatch())
+        << copies.first().toStdString();
+    // The copy holds the grid as it was at the tick; the document itself is still unsaved.
+    QSqlDatabase c = QSqlDatabase::addDatabase("QSQLITE", "autosaved");
+    c.setDatabaseName(folder.file("Sm/Autosave/" + copies.first()));
+    ASSERT_TRUE(c.open());
+    QSqlQuery q(c);
+    ASSERT_TRUE(q.exec("SELECT nameras FROM smeta") && q.next());
+    EXPECT_EQ(q.value(0).toString(), "Работа для автосохранения");
+    q.finish();
+    c.close();
+    c = QSqlDatabase();
+    QSqlDatabase::removeDatabase("autosaved");
+    EXPECT_TRUE(window->isChanged());
+
+    // A save stops the timer; with the option off an edit does not start it.
+    dialogs->queueFile(folder.file("Sm/a.sim"));
+    ASSERT_TRUE(window->spdSaveClick());
+    EXPECT_FALSE(window->autosave()->TimerAutosave->isActive());
+    window->CheckBoxAutosave->setChecked(false);
+    edit("ещё");
+    EXPECT_FALSE(window->autosave()->TimerAutosave->isActive());
+}
+
+TEST_F(DocumentWindowTest, ADocumentOpenInAnotherCopyIsOpenedOnlyAfterTheWarning) {
+    edit();
+    const QString path = folder.file("Sm/Общая.sim");
+    dialogs->queueFile(path);
+    ASSERT_TRUE(window->spdSaveClick());
+    window->CreateNewDoc();
+
+    QProcess other;
+    other.start(QStringLiteral(DOCFILE_HELPER), {"lock", path});
+    ASSERT_TRUE(other.waitForReadyRead(10000));
+    dialogs->queueAnswer(Dialogs::Answer::No);
+    EXPECT_FALSE(window->OpenMyFile(path));
+    EXPECT_EQ(dialogs->shown().last().kind, "ask");
+    EXPECT_TRUE(dialogs->lastText().contains("уже открыт")) << dialogs->lastText().toStdString();
+    EXPECT_EQ(window->currentFile(), QString());
+    dialogs->queueAnswer(Dialogs::Answer::Yes);
+    EXPECT_TRUE(window->OpenMyFile(path));
+    EXPECT_EQ(firstName(), "Окраска стен");
+    other.kill();
+    other.waitForFinished();
+}
+
+TEST_F(DocumentWindowTest, RecentMenuOpensAndStartUpLoadsTheLastDocument) {
+    QStringList paths;
+    for (const char *name : {"Sm/Первая.sim", "Sm/Вторая & третья.sim"}) {
+        window->CreateNewDoc();
+        edit(QString::fromUtf8(name));
+        paths << folder.file(QString::fromUtf8(name));
+        dialogs->queueFile(paths.last());
+        ASSERT_TRUE(window->spdSaveClick());
+    }
+    const auto items = window->MLastDoc->actions();
+    ASSERT_EQ(items.size(), 2);
+    EXPECT_EQ(items.at(0)->data().toString(), paths.at(1)); // newest first
+    EXPECT_TRUE(items.at(0)->text().contains("&&")) << items.at(0)->text().toStdString();
+    items.at(1)->trigger();
+    EXPECT_EQ(window->currentFile(), paths.at(0));
+    EXPECT_EQ(window->MLastDoc->actions().first()->data().toString(), paths.at(0));
+
+    // A new window with the start-up option opens the newest one.
+    window->CheckBoxLoadLastDoc->setChecked(true);
+    ASSERT_TRUE(window->FormCloseQuery());
+    window.reset();
+    module.reset();
+    window = std::make_unique<TForm1>(QStringList{});
+    module = std::make_unique<TModuleSQL>(window->dataFolder());
+    window->attachModule(module.get());
+    window->FormShow();
+    EXPECT_EQ(window->currentFile(), paths.at(0));
+    EXPECT_EQ(firstName(), "Sm/Первая.sim");
+}
+
+} // namespace
