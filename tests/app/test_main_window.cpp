@@ -1,44 +1,15 @@
 // The main window's life: start in an empty folder, the changed flag, the close question.
 
-#include "ScriptedDialogs.h"
-#include "TestFolder.h"
-#include "app/TForm1.h"
-#include "estimate/EstimateGrid.h"
-#include "storage/ModuleSQL.h"
+#include "MainWindowFixture.h"
 
 #include <QAction>
 #include <QDir>
 #include <QFile>
-#include <QSqlQuery>
 #include <QTabWidget>
-#include <gtest/gtest.h>
 
 namespace {
 
-class MainWindowTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ensureApplication();
-        previousDir = QDir::currentPath();
-        QDir::setCurrent(folder.path());
-        window = std::make_unique<TForm1>(QStringList{});
-        module = std::make_unique<TModuleSQL>(window->dataFolder());
-        window->attachModule(module.get());
-        window->FormShow();
-    }
-    void TearDown() override {
-        window.reset();
-        module.reset();
-        QDir::setCurrent(previousDir);
-    }
-    void edit() { window->gridDoc()->setData(window->gridDoc()->index(0, EstimateCol::Name), "Окраска", Qt::EditRole); }
-
-    ScriptedDialogsGuard dialogs;
-    TestFolder folder;
-    QString previousDir;
-    std::unique_ptr<TForm1> window;
-    std::unique_ptr<TModuleSQL> module;
-};
+using MainWindowTest = MainWindowFixture;
 
 TEST_F(MainWindowTest, StartInAnEmptyFolderCreatesTheTreeAndTheWorkingDatabase) {
     EXPECT_EQ(window->dataFolder(), QDir::cleanPath(folder.path()));
