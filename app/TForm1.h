@@ -139,6 +139,56 @@ private:
 public:
 
     // ----- estimate editor (TForm1_edit.cpp)
+    // The editor of StringGridDoc: commands, undo, totals, coefficients, crew sheet, materials. Code that
+    // changes the grid in several calls makes it one undoable step:
+    //     EstimateEditor::Scope step(form->editor(), QStringLiteral("Вставка расценки"));
+    // and calls editor()->materialsChanged() after writing the estimate's table `materials`.
+    class EstimateEditor *editor() const { return m_editor; }
+    // StringGridDocCanEditCell: the rights of the row's kind; a closing "Итого" row is not typed into.
+    bool StringGridDocCanEditCell(int gridRow, int col) const;
+    // The rows the commands work on: the selected rows, else the current row (grid rows).
+    QPair<int, int> selectedDocRows() const;
+    // Commands of the pop-up menu PopupMenuDoc and the tool bar ToolBarDoc.
+    void NAddRowClick();
+    void NInsertRowClick();
+    void NDeleteRowClick();
+    void NUpRowClick();
+    void NDownRowClick();
+    void NCreateRazdelClick();
+    void NCreatePodrazdelClick();
+    void NDeleteRazdelClick();
+    void NDeletePodrazdelClick();
+    void NCopyRasClick();
+    void NInsertRasClick();
+    void NUndoClick();
+    void NRedoClick();
+    QAction *NAddRow = nullptr;
+    QAction *NInsertRow = nullptr;
+    QAction *NDeleteRow = nullptr;
+    QAction *NUpRow = nullptr;
+    QAction *NDownRow = nullptr;
+    QAction *NCreateRazdel = nullptr;
+    QAction *NCreatePodrazdel = nullptr;
+    QAction *NDeleteRazdel = nullptr;
+    QAction *NDeletePodrazdel = nullptr;
+    QAction *NCopyRas = nullptr;
+    QAction *NInsertRas = nullptr;
+    QAction *NUndo = nullptr;
+    QAction *NRedo = nullptr;
+    // Crew sheet: the global coefficient and the switch "per row" (checked) / "one for all rows".
+    QLineEdit *EditKoefBrig = nullptr;
+    class QRadioButton *RadioButtonKoefBrig = nullptr;
+    class QLabel *LabelBrigTotals = nullptr;
+    QWidget *TabSheetMat = nullptr; // the estimate's materials
+    class QTableView *StringGridMat = nullptr;
+
+private:
+    void resetEditor();
+    void showEditorTotals();
+    void moveCurrentTo(int gridRow, int col = -1);
+    class EstimateEditor *m_editor = nullptr;
+
+public:
 
     // ----- price base (TForm1_price.cpp)
 

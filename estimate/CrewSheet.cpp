@@ -1,0 +1,379 @@
+#include "CrewSheet.h"
+
+#include "CrewGrid.h"
+#include "EstimateGrid.h"
+#include "EstimateStructure.h"
+#include "EstimateTotals.h"
+#include "storage/TextValues.h"
+
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QVariant>
+
+namespace {
+
+QString money(qint64 kopecks) {
+    return TextValues::formatMoney(static_cast<double>(kopecks) / 100.0);
+}
+
+// Estimate column -> crew column for the mirrored cells.
+int crewColumnOf(int estimateCol) {
+    switch (estimateCol) {
+    case EstimateCol::Num:
+        return CrewCol::Num;
+    case EstimateCol::Ras:
+        return CrewCol::Ras;
+    case EstimateCol::Name:
+        return CrewCol::Name;
+    case EstimateCol::Unit:
+        return CrewCol::Unit;
+    case EstimateCol::Qty:
+        return CrewCol::Qty;
+    case EstimateCol::IdRas:
+        return CrewCol::IdRas;
+    case EstimateCol::Price:
+        return CrewCol::CustomerPrice;
+    case EstimateCol::Sum:
+        return CrewCol::CustomerSum;
+    default:
+        return -1;
+    }
+}
+
+} // namespace
+
+CrewSheet::PriceLookup CrewSheet::priceListLookup(std::function<QSqlDatabase()> priceDb) {
+    return [priceDb](const QString &idRas, const QString &namePrice) -> std::optional<double> {
+        // Only price list 1 carries crew prices.
+        if (namePrice.trimmed() != QLatin1String("resurs1") || idRas.trimmed().isEmpty())
+            return std::nullopt;
+        QSqlDatabase db = priceDb();
+        if (!db.isOpen())
+            return std::nullopt;
+        QSqlQuery q(db);
+        q.prepare(QStringLiteral("SELECT link FROM price1 WHERE rec=? LIMIT 1"));
+        q.addBindValue(idRas.trimmed());
+        if (!q.exec() || !q.next())
+            return std::nullopt;
+        return TextValues::parsePositivePrice(q.value(0).toString());
+    };
+}
+
+CrewSheet::CrewSheet(EstimateGrid *grid, CrewGrid *crew, QObject *parent)
+    : QObject(parent), m_grid(grid), m_crew(crew) {
+    connect(grid, &QAbstractItemModel::dataChanged, this, &CrewSheet::onDataChanged);
+    connect(grid, &QAbstractItemModel::rowsInserted, this, &CrewSheet::onRowsInserted);
+    connect(grid, &QAbstractItemModel::rowsRemoved, this, &CrewSheet::onRowsRemoved);
+    connect(grid, &QAbstractItemModel::rowsMoved, this, &CrewSheet::onRowsMoved);
+    connect(grid, &QAbstractItemModel::modelReset, this, &CrewSheet::onGridReset);
+    connect(crew, &QAbstractItemModel::modelReset, this, &CrewSheet::onCrewReset);
+    connect(crew, &CrewGrid::cellEdited, this, &CrewSheet::onCrewEdited);
+    onCrewReset();
+}
+
+void CrewSheet::setPriceLookup(PriceLookup lookup) {
+    m_lookup = std::move(lookup);
+    forgetPrices();
+}
+
+void CrewSheet::forgetPrices() {
+    m_prices.clear();
+    markAll();
+    changed();
+}
+
+std::optional<double> CrewSheet::ratePrice(const QString &idRas, const QString &namePrice) {
+    if (!m_lookup || idRas.trimmed().isEmpty())
+        return std::nullopt;
+    const QString key = namePrice + QLatin1Char('/') + idRas;
+    auto it = m_prices.constFind(key);
+    if (it != m_prices.constEnd())
+        return *it;
+    const auto v = m_lookup(idRas, namePrice);
+    m_prices.insert(key, v);
+    return v;
+}
+
+void CrewSheet::setGlobalKoef(const QString &text) {
+    if (m_global == text)
+        return;
+    m_global = text;
+    markAll();
+    changed();
+}
+
+void CrewSheet::setPerRow(bool perRow) {
+    if (m_perRow == perRow)
+        return;
+    m_perRow = perRow;
+    markAll();
+    changed();
+    emit perRowChanged(perRow);
+}
+
+QString CrewSheet::rowKoef(int estimateGridRow) const {
+    const int m = EstimateGrid::toModelRow(estimateGridRow);
+    return m >= 0 && m < static_cast<int>(m_koef.size()) ? m_koef[static_cast<size_t>(m)] : QString();
+}
+
+void CrewSheet::setRowKoef(int estimateGridRow, const QString &text) {
+    const int m = EstimateGrid::toModelRow(estimateGridRow);
+    if (m < 0 || m >= static_cast<int>(m_koef.size()) || m_koef[static_cast<size_t>(m)] == text)
+        return;
+    m_koef[static_cast<size_t>(m)] = text;
+    m_rows[static_cast<size_t>(m)].dirty = true;
+    m_dirty = true;
+    changed();
+}
+
+std::optional<double> CrewSheet::effectiveKoef(int estimateGridRow) const {
+    const QString own = rowKoef(estimateGridRow);
+    return TextValues::parseAmount(m_perRow && !TextValues::isBlank(own) ? own : m_global);
+}
+
+void CrewSheet::release() {
+    if (m_hold > 0 && --m_hold == 0)
+        flush();
+}
+
+void CrewSheet::changed() {
+    if (m_hold == 0)
+        flush();
+}
+
+void CrewSheet::markAll() {
+    for (RowState &st : m_rows)
+        st.dirty = true;
+    m_dirty = true;
+}
+
+void CrewSheet::setCrewCell(int m, int col, const QString &text) {
+    const int crewRow = m + CrewGrid::kFixedRows;
+    if (m_crew->cell(crewRow, col) == text)
+        return;
+    m_writing = true;
+    m_crew->setCell(crewRow, col, text);
+    m_writing = false;
+}
+
+void CrewSheet::mirror(int m, int firstCol, int lastCol) {
+    const int r = EstimateGrid::toGridRow(m);
+    for (int c = firstCol; c <= lastCol; ++c) {
+        const int cc = crewColumnOf(c);
+        if (cc >= 0)
+            setCrewCell(m, cc, m_grid->cell(r, c));
+    }
+}
+
+void CrewSheet::rebuild() {
+    const int n = m_grid->rowCount();
+    m_rows.assign(static_cast<size_t>(n), RowState{});
+    m_koef.resize(static_cast<size_t>(n));
+    m_writing = true;
+    m_crew->setGridRowCount(n + CrewGrid::kFixedRows);
+    m_writing = false;
+    for (int m = 0; m < n; ++m)
+        mirror(m, 0, EstimateCol::Count - 1);
+    m_dirty = true;
+    changed();
+}
+
+void CrewSheet::onGridReset() {
+    m_koef.assign(static_cast<size_t>(m_grid->rowCount()), QString());
+    rebuild();
+}
+
+void CrewSheet::onCrewReset() {
+    if (m_writing)
+        return;
+    // The coefficients come with the crew rows (loading a document).
+    const int n = m_grid->rowCount();
+    m_koef.assign(static_cast<size_t>(n), QString());
+    for (int m = 0; m < n && m < m_crew->rowCount(); ++m)
+        m_koef[static_cast<size_t>(m)] = m_crew->cell(m + CrewGrid::kFixedRows, CrewCol::Koef);
+    rebuild();
+}
+
+void CrewSheet::onCrewEdited(int gridRow, int col, const QString &, const QString &newText) {
+    if (col != CrewCol::Koef)
+        return;
+    const int m = gridRow - CrewGrid::kFixedRows;
+    if (m < 0 || m >= static_cast<int>(m_koef.size()))
+        return;
+    m_koef[static_cast<size_t>(m)] = newText;
+    // Typing a row's own coefficient means the rows have coefficients of their own.
+    if (!m_perRow)
+        setPerRow(true);
+    m_rows[static_cast<size_t>(m)].dirty = true;
+    m_dirty = true;
+    changed();
+    emit rowKoefEdited(EstimateGrid::toGridRow(m));
+}
+
+void CrewSheet::onDataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                              const QList<int> &roles) {
+    if (!topLeft.isValid())
+        return;
+    if (!roles.isEmpty() && !roles.contains(Qt::DisplayRole) && !roles.contains(Qt::EditRole))
+        return;
+    const int last = std::min(bottomRight.row(), static_cast<int>(m_rows.size()) - 1);
+    for (int m = topLeft.row(); m <= last; ++m) {
+        mirror(m, topLeft.column(), bottomRight.column());
+        m_rows[static_cast<size_t>(m)].dirty = true;
+    }
+    m_dirty = true;
+    changed();
+}
+
+void CrewSheet::onRowsInserted(const QModelIndex &, int first, int last) {
+    const int count = last - first + 1;
+    m_rows.insert(m_rows.begin() + first, static_cast<size_t>(count), RowState{});
+    m_koef.insert(m_koef.begin() + first, static_cast<size_t>(count), QString());
+    m_writing = true;
+    m_crew->insertGridRows(first + CrewGrid::kFixedRows, count);
+    // The crew grid keeps one data row of its own when emptied: match the estimate's count.
+    m_crew->setGridRowCount(m_grid->rowCount() + CrewGrid::kFixedRows);
+    m_writing = false;
+    for (int m = first; m <= last; ++m)
+        mirror(m, 0, EstimateCol::Count - 1);
+    m_dirty = true;
+    changed();
+}
+
+void CrewSheet::onRowsRemoved(const QModelIndex &, int first, int last) {
+    m_rows.erase(m_rows.begin() + first, m_rows.begin() + last + 1);
+    m_koef.erase(m_koef.begin() + first, m_koef.begin() + last + 1);
+    m_writing = true;
+    m_crew->removeGridRows(first + CrewGrid::kFixedRows, last - first + 1);
+    m_writing = false;
+    m_dirty = true;
+    changed();
+}
+
+void CrewSheet::onRowsMoved(const QModelIndex &, int start, int end, const QModelIndex &, int row) {
+    auto rotate = [&](auto &v) {
+        auto b = v.begin();
+        if (row > end)
+            std::rotate(b + start, b + end + 1, b + row);
+        else
+            std::rotate(b + row, b + start, b + end + 1);
+    };
+    rotate(m_rows);
+    rotate(m_koef);
+    const int count = end - start + 1, k = CrewGrid::kFixedRows;
+    m_writing = true;
+    for (int i = 0; i < count; ++i) {
+        if (row > end)
+            m_crew->moveGridRow(start + k, row - 1 + k);
+        else
+            m_crew->moveGridRow(start + i + k, row + i + k);
+    }
+    m_writing = false;
+    m_dirty = true;
+    changed();
+}
+
+void CrewSheet::flush() {
+    if (!m_dirty)
+        return;
+    m_dirty = false;
+    for (int m = 0; m < static_cast<int>(m_rows.size()); ++m)
+        if (m_rows[static_cast<size_t>(m)].dirty)
+            evaluate(m);
+    pass();
+}
+
+void CrewSheet::evaluate(int m) {
+    using namespace EstimateCol;
+    RowState &st = m_rows[static_cast<size_t>(m)];
+    st = RowState{};
+    st.dirty = false;
+    const int r = EstimateGrid::toGridRow(m);
+    const RowKind kind = m_grid->kind(r);
+    st.kind = static_cast<int>(kind);
+    if (kind != RowKind::Work || EstimateStructure::isGrandTotalName(m_grid->cell(r, Name))) {
+        setCrewCell(m, CrewCol::Price, QString());
+        setCrewCell(m, CrewCol::Koef, QString());
+        if (kind == RowKind::SectionStart || kind == RowKind::SubsectionStart)
+            setCrewCell(m, CrewCol::Sum, QString());
+        return;
+    }
+    st.work = true;
+    const QString qtyText = m_grid->cell(r, Qty), priceText = m_grid->cell(r, Price);
+    const QString own = m_koef[static_cast<size_t>(m)];
+    const QString koefText = m_perRow && !TextValues::isBlank(own) ? own : m_global;
+    const auto k = TextValues::parseAmount(koefText);
+    const auto customer = TextValues::parseAmount(m_grid->cell(r, Sum));
+    if (customer)
+        st.customer = EstimateTotals::toKopecks(*customer);
+
+    std::optional<double> crewPrice = ratePrice(m_grid->cell(r, IdRas), m_grid->cell(r, NamePrice));
+    if (!crewPrice) {
+        const auto p = TextValues::isBlank(priceText) ? std::nullopt : TextValues::parsePrice(priceText);
+        if (p && k)
+            crewPrice = TextValues::roundMoney(*p * *k);
+    }
+    std::optional<qint64> amount;
+    if (TextValues::isBlank(qtyText) && TextValues::isBlank(priceText)) {
+        if (customer && k) // a lump sum
+            amount = EstimateTotals::toKopecks(*customer * *k);
+    } else if (const auto q = TextValues::parseAmount(qtyText); q && crewPrice) {
+        amount = EstimateTotals::toKopecks(*q * *crewPrice);
+    }
+    st.counted = amount.has_value();
+    st.crew = amount.value_or(0);
+    setCrewCell(m, CrewCol::Koef, koefText);
+    setCrewCell(m, CrewCol::Price, crewPrice ? TextValues::formatMoney(*crewPrice) : QString());
+    setCrewCell(m, CrewCol::Sum, amount ? money(*amount) : QString());
+}
+
+void CrewSheet::pass() {
+    qint64 all = 0, customer = 0, section = 0, subsection = 0;
+    std::vector<int> grandRows;
+    for (int m = 0; m < static_cast<int>(m_rows.size()); ++m) {
+        const RowState &st = m_rows[static_cast<size_t>(m)];
+        switch (static_cast<RowKind>(st.kind)) {
+        case RowKind::Work:
+            if (!st.work) {
+                grandRows.push_back(m);
+                break;
+            }
+            customer += st.customer;
+            all += st.crew;
+            section += st.crew;
+            subsection += st.crew;
+            break;
+        case RowKind::SectionStart:
+            section = subsection = 0;
+            break;
+        case RowKind::SubsectionStart:
+            subsection = 0;
+            break;
+        case RowKind::SubsectionTotal:
+            setCrewCell(m, CrewCol::Sum, money(subsection));
+            subsection = 0;
+            break;
+        case RowKind::SectionTotal:
+            setCrewCell(m, CrewCol::Sum, money(section));
+            section = subsection = 0;
+            break;
+        }
+    }
+    for (int m : grandRows)
+        setCrewCell(m, CrewCol::Sum, money(all));
+    if (all != m_crewTotal || customer != m_customerTotal) {
+        m_crewTotal = all;
+        m_customerTotal = customer;
+        emit totalsChanged();
+    }
+}
+
+qint64 CrewSheet::crewKopecks() {
+    flush();
+    return m_crewTotal;
+}
+
+qint64 CrewSheet::customerKopecks() {
+    flush();
+    return m_customerTotal;
+}

@@ -1,0 +1,105 @@
+#pragma once
+// The crew sheet StringGridBrig kept as a mirror of the estimate: crew row r follows estimate row r + 1
+// (number, rate, name, unit, quantity; the customer's price and amount in columns 9 and 10) through
+// every change of the estimate grid. Its own arithmetic:
+// - k (column 8): in "one coefficient for all rows" mode the global coefficient; in "per row" mode the
+//   row's own coefficient, or the global one where the row has none;
+// - crew price (column 5) = the crew price the rate brought from price list 1 (`link`), else the
+//   customer's price × k, rounded to kopecks; crew amount (column 6) = quantity × crew price (a lump
+//   sum row: its amount × k);
+// - "ip"/"ir" rows carry the crew sums of their subsection/section, a closing "Итого" row the crew
+//   total; the margin is what the customer pays for the works (sum of column 10) minus the crew total.
+
+#include <QHash>
+#include <QObject>
+#include <QString>
+#include <functional>
+#include <optional>
+#include <vector>
+
+class CrewGrid;
+class EstimateGrid;
+class QModelIndex;
+class QSqlDatabase;
+
+class CrewSheet : public QObject {
+    Q_OBJECT
+public:
+    // The crew price a rate brought (idRas, NamePrice of the estimate row), if any.
+    using PriceLookup = std::function<std::optional<double>(const QString &idRas, const QString &namePrice)>;
+    // Reads `link` of price list 1 (rows whose NamePrice is "resurs1") through the given connection.
+    static PriceLookup priceListLookup(std::function<QSqlDatabase()> priceDb);
+
+    CrewSheet(EstimateGrid *grid, CrewGrid *crew, QObject *parent = nullptr);
+
+    void setPriceLookup(PriceLookup lookup);
+    // The rates' crew prices may have changed (price list edited, crew switch pressed): the answers
+    // of the lookup, remembered per rate, are asked again.
+    void forgetPrices();
+
+    QString globalKoef() const { return m_global; }
+    void setGlobalKoef(const QString &text);
+    bool perRow() const { return m_perRow; }
+    void setPerRow(bool perRow);
+    // The coefficient typed for the row of the estimate grid (empty: none of its own).
+    QString rowKoef(int estimateGridRow) const;
+    void setRowKoef(int estimateGridRow, const QString &text);
+    // The coefficient in force for the row, as a number; nullopt when it is not a number.
+    std::optional<double> effectiveKoef(int estimateGridRow) const;
+
+    void hold() { ++m_hold; }
+    void release();
+    void flush();
+    // Mirrors every row again (the crew grid was replaced).
+    void rebuild();
+
+    qint64 crewKopecks();
+    qint64 customerKopecks();
+    double crewTotal() { return static_cast<double>(crewKopecks()) / 100.0; }
+    double customerTotal() { return static_cast<double>(customerKopecks()) / 100.0; }
+    double margin() { return customerTotal() - crewTotal(); }
+
+signals:
+    void totalsChanged();
+    // The user typed a coefficient into a row (the mode may have switched to "per row").
+    void rowKoefEdited(int estimateGridRow);
+    void perRowChanged(bool perRow);
+
+private:
+    struct RowState {
+        bool dirty = true;
+        bool counted = false;
+        bool work = false;
+        int kind = 0; // RowKind
+        qint64 crew = 0;
+        qint64 customer = 0;
+    };
+    void onDataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles);
+    void onRowsInserted(const QModelIndex &parent, int first, int last);
+    void onRowsRemoved(const QModelIndex &parent, int first, int last);
+    void onRowsMoved(const QModelIndex &parent, int start, int end, const QModelIndex &dest, int row);
+    void onGridReset();
+    void onCrewReset();
+    void onCrewEdited(int gridRow, int col, const QString &oldText, const QString &newText);
+    void changed();
+    void mirror(int modelRow, int firstCol, int lastCol);
+    void evaluate(int modelRow);
+    void pass();
+    void markAll();
+    void setCrewCell(int modelRow, int col, const QString &text);
+    std::optional<double> ratePrice(const QString &idRas, const QString &namePrice);
+
+    EstimateGrid *m_grid;
+    CrewGrid *m_crew;
+    PriceLookup m_lookup;
+    QHash<QString, std::optional<double>> m_prices; // "NamePrice/idRas" -> the lookup's answer
+    std::vector<RowState> m_rows;
+    std::vector<QString> m_koef; // the rows' own coefficients, index = estimate model row
+    QString m_global = QStringLiteral("1");
+    bool m_perRow = false;
+    int m_hold = 0;
+    bool m_dirty = true;
+    bool m_writing = false;
+    qint64 m_crewTotal = 0;
+    qint64 m_customerTotal = 0;
+};

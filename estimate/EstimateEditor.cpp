@@ -1,0 +1,314 @@
+#include "EstimateEditor.h"
+
+#include "Coefficients.h"
+#include "CrewGrid.h"
+#include "CrewSheet.h"
+#include "EstimateGrid.h"
+#include "EstimateMaterials.h"
+#include "EstimateStructure.h"
+#include "EstimateTotals.h"
+#include "KoefModel.h"
+#include "RowClipboard.h"
+#include "RowDiff.h"
+#include "UndoJournal.h"
+
+#include <QSet>
+#include <QTimer>
+
+using namespace EstimateStructure;
+
+struct EstimateEditor::Snapshot {
+    std::vector<RowDiff::Row> rows;
+};
+
+namespace {
+const QString kPendingTitle = QStringLiteral("Изменение сметы");
+} // namespace
+
+// ----- Scope
+
+EstimateEditor::Scope::Scope(EstimateEditor *editor, const QString &title) : m_editor(editor) {
+    if (m_editor)
+        m_editor->beginStep(title);
+}
+
+EstimateEditor::Scope::~Scope() {
+    if (m_editor)
+        m_editor->endStep();
+}
+
+// ----- construction
+
+EstimateEditor::EstimateEditor(EstimateGrid *grid, CrewGrid *crew, DatabaseProvider databases,
+                               QObject *parent)
+    : QObject(parent), m_grid(grid), m_crewGrid(crew), m_databases(std::move(databases)) {
+    auto smeta = [this] { return m_databases ? m_databases(Db::Smeta) : QSqlDatabase(); };
+    // The crew sheet and the totals listen to the grid before the journal does.
+    m_totals = std::make_unique<EstimateTotals>(grid);
+    m_crew = std::make_unique<CrewSheet>(grid, crew);
+    m_crew->setPriceLookup(
+        CrewSheet::priceListLookup([this] { return m_databases ? m_databases(Db::Price) : QSqlDatabase(); }));
+    m_koef = std::make_unique<KoefModel>(smeta);
+    m_materials = std::make_unique<EstimateMaterials>(smeta);
+    m_snapshot = std::make_unique<Snapshot>();
+    m_result = std::make_unique<KoefResult>();
+
+    auto onChange = [this] { scheduleCommit(); };
+    connect(grid, &QAbstractItemModel::dataChanged, this, onChange);
+    connect(grid, &QAbstractItemModel::rowsInserted, this, onChange);
+    connect(grid, &QAbstractItemModel::rowsRemoved, this, onChange);
+    connect(grid, &QAbstractItemModel::rowsMoved, this, onChange);
+    connect(grid, &QAbstractItemModel::modelReset, this, onChange);
+    connect(grid, &EstimateGrid::cellEdited, this,
+            [this] { commitPending(QStringLiteral("Правка ячейки")); });
+    connect(m_crew.get(), &CrewSheet::rowKoefEdited, this,
+            [this] { commitPending(QStringLiteral("Коэффициент бригады")); });
+    connect(m_totals.get(), &EstimateTotals::worksChanged, this, &EstimateEditor::recomputeCoefficients);
+    connect(m_materials.get(), &EstimateMaterials::totalChanged, this,
+            &EstimateEditor::recomputeCoefficients);
+    connect(m_koef.get(), &KoefModel::linesChanged, this, &EstimateEditor::recomputeCoefficients);
+    connect(m_crew.get(), &CrewSheet::totalsChanged, this, &EstimateEditor::totalsChanged);
+    takeSnapshot();
+    recomputeCoefficients();
+}
+
+EstimateEditor::~EstimateEditor() = default;
+
+void EstimateEditor::reset() {
+    m_depth = 0;
+    m_applying = false;
+    m_journal = std::make_unique<UndoJournal>(m_databases ? m_databases(Db::ReturnAction) : QSqlDatabase());
+    m_journal->clear();
+    m_crew->forgetPrices();
+    m_koef->reload();
+    m_materials->reload();
+    m_totals->flush();
+    takeSnapshot();
+    recomputeCoefficients();
+    emit totalsChanged();
+    emit undoStateChanged();
+}
+
+void EstimateEditor::materialsChanged() {
+    m_materials->reload();
+}
+
+void EstimateEditor::koefChanged() {
+    m_koef->reload();
+    recomputeCoefficients();
+}
+
+// ----- steps
+
+void EstimateEditor::takeSnapshot() {
+    auto &rows = m_snapshot->rows;
+    rows.clear();
+    rows.reserve(static_cast<size_t>(m_grid->rowCount()));
+    for (int r = EstimateGrid::kFixedRows; r < m_grid->gridRowCount(); ++r)
+        rows.push_back({m_grid->rowCells(r), m_crew->rowKoef(r)});
+}
+
+void EstimateEditor::beginStep(const QString &title) {
+    if (m_depth++ > 0)
+        return;
+    // Whatever changed before belongs to a step of its own.
+    commitPending(kPendingTitle);
+    m_stepTitle = title;
+    m_totals->hold();
+    m_crew->hold();
+}
+
+void EstimateEditor::endStep() {
+    if (m_depth == 0 || --m_depth > 0)
+        return;
+    m_totals->release();
+    m_crew->release();
+    commitPending(m_stepTitle);
+}
+
+void EstimateEditor::scheduleCommit() {
+    if (m_applying || m_depth > 0 || m_commitScheduled)
+        return;
+    m_commitScheduled = true;
+    QTimer::singleShot(0, this, [this] {
+        m_commitScheduled = false;
+        if (m_depth == 0 && !m_applying)
+            commitPending(kPendingTitle);
+    });
+}
+
+void EstimateEditor::commitPending(const QString &title) {
+    if (m_applying || m_depth > 0)
+        return;
+    m_totals->flush();
+    m_crew->flush();
+    Snapshot now;
+    now.rows.reserve(static_cast<size_t>(m_grid->rowCount()));
+    for (int r = EstimateGrid::kFixedRows; r < m_grid->gridRowCount(); ++r)
+        now.rows.push_back({m_grid->rowCells(r), m_crew->rowKoef(r)});
+    const std::vector<RowDiff::Op> ops = RowDiff::diff(m_snapshot->rows, now.rows, EstimateGrid::kFixedRows);
+    m_snapshot->rows = std::move(now.rows);
+    if (ops.empty())
+        return;
+    if (!m_journal)
+        m_journal =
+            std::make_unique<UndoJournal>(m_databases ? m_databases(Db::ReturnAction) : QSqlDatabase());
+    m_journal->record(title, ops);
+    emit undoStateChanged();
+
+    // Rates whose rows came, went or changed quantity or rate.
+    QList<QPair<QString, QString>> rates;
+    auto add = [&](const QStringList &cells) {
+        const QPair<QString, QString> rate{cells.value(EstimateCol::IdRas),
+                                           cells.value(EstimateCol::NamePrice)};
+        if (!rate.first.trimmed().isEmpty() && !rates.contains(rate))
+            rates << rate;
+    };
+    for (const RowDiff::Op &op : ops) {
+        if (op.kind == RowDiff::Op::Edit) {
+            using namespace EstimateCol;
+            if (op.before.value(Qty) == op.after.value(Qty) &&
+                op.before.value(IdRas) == op.after.value(IdRas) &&
+                op.before.value(NamePrice) == op.after.value(NamePrice))
+                continue;
+        }
+        add(op.before);
+        add(op.after);
+    }
+    if (!rates.isEmpty())
+        emit ratesAffected(rates);
+}
+
+// ----- undo and redo
+
+bool EstimateEditor::canUndo() const {
+    return m_journal && m_journal->canUndo();
+}
+bool EstimateEditor::canRedo() const {
+    return m_journal && m_journal->canRedo();
+}
+QString EstimateEditor::undoTitle() const {
+    return m_journal ? m_journal->undoTitle() : QString();
+}
+QString EstimateEditor::redoTitle() const {
+    return m_journal ? m_journal->redoTitle() : QString();
+}
+
+bool EstimateEditor::undo() {
+    return applyStep(true);
+}
+bool EstimateEditor::redo() {
+    return applyStep(false);
+}
+
+bool EstimateEditor::applyStep(bool undoing) {
+    if (m_depth > 0)
+        return false;
+    commitPending(kPendingTitle);
+    std::vector<RowDiff::Op> ops;
+    if (!m_journal || !(undoing ? m_journal->takeUndo(ops) : m_journal->takeRedo(ops))) {
+        if (m_journal)
+            m_error = m_journal->error();
+        return false;
+    }
+    m_applying = true;
+    m_totals->hold();
+    m_crew->hold();
+    auto setRow = [this](int row, const QStringList &wide) {
+        m_grid->setRowCells(row, wide.mid(0, EstimateCol::Count));
+        m_crew->setRowKoef(row, wide.value(RowDiff::kCrewKoef));
+    };
+    auto insertRow = [&](int row, const QStringList &wide) {
+        m_grid->insertGridRows(row, 1);
+        setRow(row, wide);
+    };
+    QList<QPair<QString, QString>> rates;
+    auto add = [&](const QStringList &cells) {
+        const QPair<QString, QString> rate{cells.value(EstimateCol::IdRas),
+                                           cells.value(EstimateCol::NamePrice)};
+        if (!rate.first.trimmed().isEmpty() && !rates.contains(rate))
+            rates << rate;
+    };
+    if (undoing) {
+        for (auto it = ops.rbegin(); it != ops.rend(); ++it) {
+            switch (it->kind) {
+            case RowDiff::Op::Edit:
+                setRow(it->row, it->before);
+                break;
+            case RowDiff::Op::Insert:
+                m_grid->removeGridRows(it->row, 1);
+                break;
+            case RowDiff::Op::Delete:
+                insertRow(it->row, it->before);
+                break;
+            }
+        }
+    } else {
+        for (const RowDiff::Op &op : ops) {
+            switch (op.kind) {
+            case RowDiff::Op::Edit:
+                setRow(op.row, op.after);
+                break;
+            case RowDiff::Op::Insert:
+                insertRow(op.row, op.after);
+                break;
+            case RowDiff::Op::Delete:
+                m_grid->removeGridRows(op.row, 1);
+                break;
+            }
+        }
+    }
+    for (const RowDiff::Op &op : ops) {
+        add(op.before);
+        add(op.after);
+    }
+    m_totals->release();
+    m_crew->release();
+    m_applying = false;
+    takeSnapshot();
+    emit undoStateChanged();
+    if (!rates.isEmpty())
+        emit ratesAffected(rates);
+    return true;
+}
+
+// ----- totals
+
+void EstimateEditor::recomputeCoefficients() {
+    KoefResult r = Coefficients::apply(m_koef->applied(), m_totals->works(), m_materials->total());
+    m_koef->setResult(r);
+    if (r == *m_result && r.problems == m_result->problems)
+        return;
+    *m_result = std::move(r);
+    emit totalsChanged();
+}
+
+double EstimateEditor::worksRaw() const {
+    return m_totals->works();
+}
+double EstimateEditor::materialsRaw() const {
+    return m_materials->total();
+}
+double EstimateEditor::worksTotal() const {
+    return m_result->works;
+}
+double EstimateEditor::materialsTotal() const {
+    return m_result->materials;
+}
+double EstimateEditor::vatAmount() const {
+    return m_result->vat;
+}
+double EstimateEditor::grandTotal() const {
+    return m_result->grand;
+}
+const KoefResult &EstimateEditor::koefResult() const {
+    return *m_result;
+}
+
+bool EstimateEditor::isGrandTotalRow(int gridRow) const {
+    return m_totals->isGrandTotalRow(gridRow);
+}
+
+bool EstimateEditor::canEditCell(int gridRow, int col) const {
+    return m_grid->canEditCell(gridRow, col) && !isGrandTotalRow(gridRow);
+}

@@ -1,0 +1,247 @@
+#include "EstimateMaterials.h"
+
+#include "EstimateTotals.h"
+#include "storage/TextValues.h"
+
+#include <QBrush>
+#include <QColor>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QVariant>
+
+namespace {
+
+const char *columnName(int col) {
+    switch (col) {
+    case MatCol::Name:
+        return "namemat";
+    case MatCol::Unit:
+        return "edizm";
+    case MatCol::Qty:
+        return "kolvo";
+    case MatCol::Price:
+        return "price";
+    case MatCol::Sum:
+        return "summa";
+    case MatCol::Note:
+        return "note";
+    default:
+        return nullptr;
+    }
+}
+
+QString notANumber(const QString &what, const QString &text) {
+    return QStringLiteral("%1 «%2» не является числом: сумма не считается и не входит в итог.")
+        .arg(what, text.trimmed());
+}
+
+} // namespace
+
+EstimateMaterials::EstimateMaterials(std::function<QSqlDatabase()> database, QObject *parent)
+    : QAbstractTableModel(parent), m_database(std::move(database)) {}
+
+void EstimateMaterials::evaluate(Row &row) const {
+    row.problems.clear();
+    row.counted = false;
+    row.amount = 0;
+    const QString qty = row.cells[MatCol::Qty], price = row.cells[MatCol::Price];
+    if (TextValues::isBlank(qty) && TextValues::isBlank(price)) {
+        if (TextValues::isBlank(row.cells[MatCol::Sum]))
+            return;
+        if (auto v = TextValues::parseAmount(row.cells[MatCol::Sum])) {
+            row.counted = true;
+            row.amount = EstimateTotals::toKopecks(*v);
+        } else {
+            row.problems.insert(MatCol::Sum, notANumber(QStringLiteral("Сумма"), row.cells[MatCol::Sum]));
+        }
+        return;
+    }
+    const auto q = TextValues::isBlank(qty) ? std::nullopt : TextValues::parseAmount(qty);
+    const auto p = TextValues::isBlank(price) ? std::nullopt : TextValues::parsePrice(price);
+    if (!TextValues::isBlank(qty) && !q)
+        row.problems.insert(MatCol::Qty, notANumber(QStringLiteral("Количество"), qty));
+    if (!TextValues::isBlank(price) && !p)
+        row.problems.insert(MatCol::Price, notANumber(QStringLiteral("Цена"), price));
+    if (q && p) {
+        row.counted = true;
+        row.amount = EstimateTotals::toKopecks(*q * *p);
+    }
+}
+
+void EstimateMaterials::sum() {
+    qint64 total = 0;
+    for (const Row &r : m_rows)
+        if (r.counted)
+            total += r.amount;
+    if (total != m_total) {
+        m_total = total;
+        emit totalChanged();
+    }
+}
+
+void EstimateMaterials::reload() {
+    beginResetModel();
+    m_rows.clear();
+    QSqlDatabase db = m_database();
+    if (db.isOpen()) {
+        QSqlQuery q(db);
+        q.setForwardOnly(true);
+        if (q.exec(
+                QStringLiteral("SELECT _id, edras, namemat, edizm, kolvo, price, summa, note FROM materials "
+                               "WHERE 1 ORDER BY _id"))) {
+            while (q.next()) {
+                Row r;
+                r.id = q.value(0).toString();
+                r.edras = q.value(1).toString();
+                r.cells = QStringList{QString(),
+                                      q.value(2).toString(),
+                                      q.value(3).toString(),
+                                      q.value(4).toString(),
+                                      q.value(5).toString(),
+                                      q.value(6).toString(),
+                                      q.value(7).toString()};
+                evaluate(r);
+                m_rows.push_back(std::move(r));
+            }
+        }
+    }
+    endResetModel();
+    sum();
+}
+
+int EstimateMaterials::addRow() {
+    QSqlDatabase db = m_database();
+    QSqlQuery q(db);
+    m_error.clear();
+    if (!db.isOpen() ||
+        !q.exec(QStringLiteral("INSERT INTO materials (edras, namemat, edizm, kolvo, price, summa, note) "
+                               "VALUES ('', '', '', '', '', '', '')"))) {
+        m_error = db.isOpen() ? q.lastError().text() : QStringLiteral("рабочая база сметы не открыта");
+        return -1;
+    }
+    Row r;
+    r.id = q.lastInsertId().toString();
+    r.cells = QStringList{QString(), QString(), QString(), QString(), QString(), QString(), QString()};
+    const int row = rowCount();
+    beginInsertRows({}, row, row);
+    m_rows.push_back(std::move(r));
+    endInsertRows();
+    return row;
+}
+
+bool EstimateMaterials::removeRows(int first, int last) {
+    if (first < 0 || last >= rowCount() || first > last)
+        return false;
+    QSqlDatabase db = m_database();
+    m_error.clear();
+    if (!db.isOpen() || !db.transaction()) {
+        m_error = QStringLiteral("рабочая база сметы не открыта");
+        return false;
+    }
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("DELETE FROM materials WHERE _id=?"));
+    for (int i = first; i <= last; ++i) {
+        q.addBindValue(m_rows[static_cast<size_t>(i)].id);
+        if (!q.exec()) {
+            m_error = q.lastError().text();
+            db.rollback();
+            return false;
+        }
+    }
+    if (!db.commit()) {
+        m_error = db.lastError().text();
+        db.rollback();
+        return false;
+    }
+    beginRemoveRows({}, first, last);
+    m_rows.erase(m_rows.begin() + first, m_rows.begin() + last + 1);
+    endRemoveRows();
+    if (first < rowCount())
+        emit dataChanged(index(first, MatCol::Num), index(rowCount() - 1, MatCol::Num));
+    sum();
+    return true;
+}
+
+QString EstimateMaterials::cellProblem(int row, int col) const {
+    return row >= 0 && row < rowCount() ? m_rows[static_cast<size_t>(row)].problems.value(col) : QString();
+}
+
+int EstimateMaterials::rowCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+}
+
+int EstimateMaterials::columnCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : MatCol::Count;
+}
+
+QVariant EstimateMaterials::data(const QModelIndex &index, int role) const {
+    if (!index.isValid() || index.row() >= rowCount())
+        return {};
+    const Row &r = m_rows[static_cast<size_t>(index.row())];
+    const QString problem = r.problems.value(index.column());
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return index.column() == MatCol::Num ? QString::number(index.row() + 1) : r.cells.at(index.column());
+    case Qt::BackgroundRole:
+        return problem.isEmpty() ? QVariant() : QVariant(QBrush(QColor(0xFF, 0xC8, 0xC8)));
+    case Qt::ToolTipRole:
+        return problem.isEmpty() ? QVariant() : QVariant(problem);
+    case Qt::TextAlignmentRole:
+        return index.column() >= MatCol::Qty && index.column() <= MatCol::Sum
+                   ? QVariant(int(Qt::AlignRight | Qt::AlignVCenter))
+                   : QVariant();
+    default:
+        return {};
+    }
+}
+
+bool EstimateMaterials::setData(const QModelIndex &index, const QVariant &value, int role) {
+    if (!index.isValid() || role != Qt::EditRole || !(flags(index) & Qt::ItemIsEditable))
+        return false;
+    Row r = m_rows[static_cast<size_t>(index.row())];
+    r.cells[index.column()] = value.toString();
+    evaluate(r);
+    const bool computed =
+        !TextValues::isBlank(r.cells[MatCol::Qty]) || !TextValues::isBlank(r.cells[MatCol::Price]);
+    if (computed)
+        r.cells[MatCol::Sum] =
+            r.counted ? TextValues::formatMoney(static_cast<double>(r.amount) / 100.0) : QString();
+
+    QSqlDatabase db = m_database();
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("UPDATE materials SET %1=?, summa=? WHERE _id=?")
+                  .arg(QLatin1String(columnName(index.column()))));
+    q.addBindValue(r.cells[index.column()]);
+    q.addBindValue(r.cells[MatCol::Sum]);
+    q.addBindValue(r.id);
+    m_error.clear();
+    if (!db.isOpen() || !q.exec()) {
+        m_error = db.isOpen() ? q.lastError().text() : QStringLiteral("рабочая база сметы не открыта");
+        return false;
+    }
+    m_rows[static_cast<size_t>(index.row())] = std::move(r);
+    emit dataChanged(this->index(index.row(), 0), this->index(index.row(), MatCol::Count - 1));
+    sum();
+    return true;
+}
+
+Qt::ItemFlags EstimateMaterials::flags(const QModelIndex &index) const {
+    if (!index.isValid())
+        return Qt::NoItemFlags;
+    Qt::ItemFlags f = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+    const int c = index.column();
+    if (c == MatCol::Name || c == MatCol::Unit || c == MatCol::Qty || c == MatCol::Price || c == MatCol::Note)
+        f |= Qt::ItemIsEditable;
+    return f;
+}
+
+QVariant EstimateMaterials::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (role != Qt::DisplayRole || orientation != Qt::Horizontal)
+        return {};
+    static const QStringList h = {QStringLiteral("№"),         QStringLiteral("Наименование материала"),
+                                  QStringLiteral("Ед. изм."),  QStringLiteral("Кол-во"),
+                                  QStringLiteral("Цена"),      QStringLiteral("Сумма"),
+                                  QStringLiteral("Примечание")};
+    return section >= 0 && section < h.size() ? h.at(section) : QVariant();
+}

@@ -1,0 +1,200 @@
+#include "UndoJournal.h"
+
+#include "EstimateGrid.h"
+#include "storage/Catalogue.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QUuid>
+#include <QVariant>
+
+namespace {
+
+const char *actionName(RowDiff::Op::Kind k) {
+    switch (k) {
+    case RowDiff::Op::Edit:
+        return "edit";
+    case RowDiff::Op::Insert:
+        return "insert";
+    case RowDiff::Op::Delete:
+        return "delete";
+    }
+    return "";
+}
+
+QJsonArray toJson(const QStringList &cells) {
+    return QJsonArray::fromStringList(cells);
+}
+
+QStringList fromJson(const QJsonValue &v) {
+    QStringList out;
+    for (const QJsonValue &c : v.toArray())
+        out << c.toString();
+    while (out.size() < RowDiff::kRowWidth)
+        out << QString();
+    return out;
+}
+
+} // namespace
+
+UndoJournal::UndoJournal(QSqlDatabase database) {
+    if (database.isValid() && database.isOpen()) {
+        m_connection = database.connectionName();
+    } else {
+        m_own = true;
+        m_connection = QStringLiteral("virn-undo-") + QUuid::createUuid().toString(QUuid::WithoutBraces);
+        QSqlDatabase mem = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
+        mem.setDatabaseName(QStringLiteral(":memory:"));
+        mem.open();
+        for (const QString &s : createStatements(Db::ReturnAction))
+            QSqlQuery(mem).exec(s);
+    }
+    // The journal only has to outlive a session, not a power cut: no waiting for the disk per step.
+    QSqlQuery(db()).exec(QStringLiteral("PRAGMA synchronous=OFF"));
+    prepareTable();
+}
+
+UndoJournal::~UndoJournal() {
+    if (m_own)
+        QSqlDatabase::removeDatabase(m_connection);
+}
+
+bool UndoJournal::prepareTable() {
+    QSqlQuery q(db());
+    if (!q.exec(QStringLiteral("PRAGMA table_info(ReturnAction)"))) {
+        m_error = q.lastError().text();
+        return false;
+    }
+    bool hasStep = false, hasCells = false;
+    while (q.next()) {
+        const QString name = q.value(1).toString();
+        hasStep = hasStep || name == QLatin1String("step");
+        hasCells = hasCells || name == QLatin1String("cells");
+    }
+    if (!hasStep && !q.exec(QStringLiteral("ALTER TABLE ReturnAction ADD COLUMN step INTEGER"))) {
+        m_error = q.lastError().text();
+        return false;
+    }
+    if (!hasCells && !q.exec(QStringLiteral("ALTER TABLE ReturnAction ADD COLUMN cells TEXT"))) {
+        m_error = q.lastError().text();
+        return false;
+    }
+    return true;
+}
+
+bool UndoJournal::clear() {
+    m_count = m_position = 0;
+    QSqlQuery q(db());
+    if (!prepareTable() || !q.exec(QStringLiteral("DELETE FROM ReturnAction"))) {
+        if (m_error.isEmpty())
+            m_error = q.lastError().text();
+        return false;
+    }
+    return true;
+}
+
+bool UndoJournal::record(const QString &title, const std::vector<RowDiff::Op> &ops) {
+    if (ops.empty())
+        return true;
+    QSqlDatabase d = db();
+    if (!d.transaction()) {
+        m_error = d.lastError().text();
+        return false;
+    }
+    QSqlQuery q(d);
+    q.prepare(QStringLiteral("DELETE FROM ReturnAction WHERE step > ?"));
+    q.addBindValue(m_position);
+    bool ok = q.exec();
+    const int step = m_position + 1;
+    q.prepare(
+        QStringLiteral("INSERT INTO ReturnAction (numpos, edras, nameras, edizm, kolvo, price, summa, idRas, "
+                       "NamePrice, KoefBrig, _action, MouseDownRow, MouseUpRow, hint, step, cells) "
+                       "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+    for (const RowDiff::Op &op : ops) {
+        if (!ok)
+            break;
+        using namespace EstimateCol;
+        const QStringList &shown = op.kind == RowDiff::Op::Delete ? op.before : op.after;
+        for (int c : std::initializer_list<int>{Num, Ras, Name, Unit, Qty, Price, Sum, IdRas, NamePrice,
+                                                RowDiff::kCrewKoef})
+            q.addBindValue(c < shown.size() ? shown.at(c) : QString());
+        q.addBindValue(QString::fromLatin1(actionName(op.kind)));
+        q.addBindValue(QString::number(op.row));
+        q.addBindValue(QString::number(op.row));
+        q.addBindValue(title);
+        q.addBindValue(step);
+        QJsonObject cells;
+        if (op.kind != RowDiff::Op::Insert)
+            cells.insert(QStringLiteral("old"), toJson(op.before));
+        if (op.kind != RowDiff::Op::Delete)
+            cells.insert(QStringLiteral("new"), toJson(op.after));
+        q.addBindValue(QString::fromUtf8(QJsonDocument(cells).toJson(QJsonDocument::Compact)));
+        ok = q.exec();
+    }
+    if (!ok || !d.commit()) {
+        m_error = q.lastError().text();
+        d.rollback();
+        return false;
+    }
+    m_count = m_position = step;
+    return true;
+}
+
+bool UndoJournal::read(int step, std::vector<RowDiff::Op> &ops) {
+    ops.clear();
+    QSqlQuery q(db());
+    q.setForwardOnly(true);
+    q.prepare(
+        QStringLiteral("SELECT _action, MouseDownRow, cells FROM ReturnAction WHERE step = ? ORDER BY _id"));
+    q.addBindValue(step);
+    if (!q.exec()) {
+        m_error = q.lastError().text();
+        return false;
+    }
+    while (q.next()) {
+        RowDiff::Op op;
+        const QString action = q.value(0).toString();
+        if (action == QLatin1String("insert"))
+            op.kind = RowDiff::Op::Insert;
+        else if (action == QLatin1String("delete"))
+            op.kind = RowDiff::Op::Delete;
+        else
+            op.kind = RowDiff::Op::Edit;
+        op.row = q.value(1).toInt();
+        const QJsonObject cells = QJsonDocument::fromJson(q.value(2).toString().toUtf8()).object();
+        if (op.kind != RowDiff::Op::Insert)
+            op.before = fromJson(cells.value(QStringLiteral("old")));
+        if (op.kind != RowDiff::Op::Delete)
+            op.after = fromJson(cells.value(QStringLiteral("new")));
+        ops.push_back(std::move(op));
+    }
+    if (ops.empty()) {
+        m_error = QStringLiteral("Шаг %1 журнала отмены не найден").arg(step);
+        return false;
+    }
+    return true;
+}
+
+bool UndoJournal::takeUndo(std::vector<RowDiff::Op> &ops) {
+    if (!canUndo() || !read(m_position, ops))
+        return false;
+    --m_position;
+    return true;
+}
+
+bool UndoJournal::takeRedo(std::vector<RowDiff::Op> &ops) {
+    if (!canRedo() || !read(m_position + 1, ops))
+        return false;
+    ++m_position;
+    return true;
+}
+
+QString UndoJournal::title(int step) const {
+    QSqlQuery q(db());
+    q.prepare(QStringLiteral("SELECT hint FROM ReturnAction WHERE step = ? LIMIT 1"));
+    q.addBindValue(step);
+    return q.exec() && q.next() ? q.value(0).toString() : QString();
+}
