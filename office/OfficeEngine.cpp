@@ -1,0 +1,331 @@
+#include "OfficeEngine.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QLockFile>
+#include <QProcess>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr int kStartLimitMs = 90000; // a fresh profile takes a few seconds; slow disks more
+constexpr int kDefaultLimitMs = 30000;
+constexpr int kLoadLimitMs = 60000;
+constexpr int kSaveLimitMs = 120000;
+
+QString envPath(const char *name) {
+    return QString::fromLocal8Bit(qgetenv(name));
+}
+
+} // namespace
+
+QString OfficeEngine::helperPath() {
+    const QString fromEnv = envPath("VIRN_OFFICE_HELPER");
+    if (!fromEnv.isEmpty())
+        return fromEnv;
+    const QString dir =
+        QCoreApplication::instance() ? QCoreApplication::applicationDirPath() : QDir::currentPath();
+    return QDir(dir).filePath(QStringLiteral("virn-office"));
+}
+
+QString OfficeEngine::installDir() {
+    const QString fromEnv = envPath("VIRN_LIBREOFFICE_DIR");
+    return fromEnv.isEmpty() ? QStringLiteral("/usr/lib/libreoffice/program") : fromEnv;
+}
+
+QString OfficeEngine::missingEngineMessage() {
+    return QStringLiteral("Не найден LibreOffice, через который программа заполняет шаблоны, печатает и "
+                          "выгружает документы (PDF, Excel, Word).\nУстановите пакеты libreoffice-writer и "
+                          "libreoffice-calc, например командой:\nsudo apt install libreoffice-writer "
+                          "libreoffice-calc\nОстальная работа с программой от этого не зависит.");
+}
+
+OfficeEngine::OfficeEngine(const QString &dataFolder) {
+    QString base = dataFolder.isEmpty()
+                       ? QDir::temp().filePath(QStringLiteral("virn-office-%1").arg(getuid()))
+                       : QDir(dataFolder).filePath(QStringLiteral("Temp/virn-office"));
+    QDir().mkpath(base);
+    m_tempDir = QDir(base).filePath(QStringLiteral("work-%1").arg(QCoreApplication::applicationPid()));
+    // One profile is reused so that later starts are quick; a second program running on the same data
+    // folder gets a profile of its own for as long as it runs.
+    m_lock = std::make_unique<QLockFile>(QDir(base).filePath(QStringLiteral("profile.lock")));
+    m_lock->setStaleLockTime(0);
+    if (m_lock->tryLock(100)) {
+        m_profileDir = QDir(base).filePath(QStringLiteral("profile"));
+    } else {
+        m_lock.reset();
+        m_privateProfile = true;
+        m_profileDir =
+            QDir(base).filePath(QStringLiteral("profile-%1").arg(QCoreApplication::applicationPid()));
+    }
+}
+
+OfficeEngine::~OfficeEngine() {
+    stop();
+    QDir(m_tempDir).removeRecursively();
+    if (m_privateProfile)
+        QDir(m_profileDir).removeRecursively();
+}
+
+bool OfficeEngine::available(QString *why) const {
+    QString reason;
+    const QDir install(installDir());
+    if (!install.exists(QStringLiteral("libmergedlo.so")) &&
+        !install.exists(QStringLiteral("libsofficeapp.so")))
+        reason = missingEngineMessage();
+    else if (!QFileInfo(helperPath()).isExecutable())
+        reason = QStringLiteral("Не найдена программа офисного модуля %1: переустановите программу.")
+                     .arg(QDir::toNativeSeparators(helperPath()));
+    if (why)
+        *why = reason;
+    return reason.isEmpty();
+}
+
+bool OfficeEngine::running() const {
+    return m_proc && m_proc->state() == QProcess::Running;
+}
+
+qint64 OfficeEngine::processId() const {
+    return running() ? m_proc->processId() : 0;
+}
+
+bool OfficeEngine::fail(const QString &message) {
+    m_error = message;
+    return false;
+}
+
+void OfficeEngine::kill() {
+    if (!m_proc)
+        return;
+    m_proc->kill();
+    m_proc->waitForFinished(5000);
+    m_proc.reset();
+    m_buffer.clear();
+}
+
+void OfficeEngine::stop() {
+    if (!m_proc)
+        return;
+    // Closing stdin tells the helper to end; it is killed when it does not.
+    m_proc->closeWriteChannel();
+    if (!m_proc->waitForFinished(3000))
+        kill();
+    m_proc.reset();
+    m_buffer.clear();
+}
+
+bool OfficeEngine::start() {
+    if (running())
+        return true;
+    kill();
+    QString why;
+    if (!available(&why))
+        return fail(why);
+    QDir().mkpath(m_tempDir);
+    m_proc = std::make_unique<QProcess>();
+    m_proc->setProgram(helperPath());
+    m_proc->setArguments({QStringLiteral("--install"), installDir(), QStringLiteral("--profile"),
+                          m_profileDir, QStringLiteral("--temp"), m_tempDir});
+    if (qEnvironmentVariableIsSet("VIRN_OFFICE_DEBUG"))
+        m_proc->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    else
+        m_proc->setStandardErrorFile(QProcess::nullDevice());
+    m_proc->start();
+    if (!m_proc->waitForStarted(10000)) {
+        kill();
+        return fail(QStringLiteral("Не удалось запустить офисный модуль %1.").arg(helperPath()));
+    }
+    ++m_starts;
+    QByteArray line;
+    if (!readLine(kStartLimitMs, &line))
+        return false;
+    const QJsonObject hello = QJsonDocument::fromJson(line).object();
+    if (hello.value(QStringLiteral("event")).toString() != QLatin1String("ready")) {
+        const QString detail = hello.value(QStringLiteral("error")).toString();
+        kill();
+        if (detail == QLatin1String("no-libreoffice"))
+            return fail(missingEngineMessage());
+        return fail(QStringLiteral("Офисный модуль не запустился: %1").arg(detail));
+    }
+    return true;
+}
+
+bool OfficeEngine::readLine(int timeoutMs, QByteArray *line) {
+    if (m_limitMs > 0)
+        timeoutMs = qMin(timeoutMs, m_limitMs);
+    QElapsedTimer clock;
+    clock.start();
+    for (;;) {
+        const qsizetype eol = m_buffer.indexOf('\n');
+        if (eol >= 0) {
+            *line = m_buffer.left(eol);
+            m_buffer.remove(0, eol + 1);
+            return true;
+        }
+        const qint64 left = timeoutMs - clock.elapsed();
+        if (m_proc->state() != QProcess::Running && m_proc->bytesAvailable() == 0) {
+            kill();
+            return fail(QStringLiteral("Офисный модуль завершился аварийно; он будет перезапущен при "
+                                       "следующей операции."));
+        }
+        if (left <= 0) {
+            kill();
+            return fail(QStringLiteral("Офисный модуль не ответил за %1 с и перезапущен. Повторите "
+                                       "операцию.")
+                            .arg((timeoutMs + 999) / 1000));
+        }
+        if (m_proc->waitForReadyRead(static_cast<int>(qMin<qint64>(left, 500))) || m_proc->bytesAvailable())
+            m_buffer += m_proc->readAllStandardOutput();
+    }
+}
+
+bool OfficeEngine::request(QJsonObject req, int timeoutMs, QJsonObject *answer) {
+    if (!start())
+        return false;
+    const qint64 id = m_nextId++;
+    req[QStringLiteral("id")] = id;
+    QByteArray line = QJsonDocument(req).toJson(QJsonDocument::Compact);
+    line += '\n';
+    if (m_proc->write(line) != line.size()) {
+        kill();
+        return fail(QStringLiteral("Офисный модуль не принимает запросы; он будет перезапущен."));
+    }
+    for (;;) {
+        QByteArray reply;
+        if (!readLine(timeoutMs, &reply))
+            return false;
+        const QJsonObject o = QJsonDocument::fromJson(reply).object();
+        if (o.value(QStringLiteral("id")).toInteger() != id)
+            continue; // the late answer of an abandoned request
+        if (!o.value(QStringLiteral("ok")).toBool())
+            return fail(QStringLiteral("Ошибка офисного модуля: %1")
+                            .arg(o.value(QStringLiteral("error")).toString()));
+        if (answer)
+            *answer = o;
+        m_error.clear();
+        return true;
+    }
+}
+
+bool OfficeEngine::load(const QString &path, QString *type) {
+    QJsonObject answer;
+    if (!request({{QStringLiteral("op"), QStringLiteral("load")},
+                  {QStringLiteral("path"), QFileInfo(path).absoluteFilePath()}},
+                 kLoadLimitMs, &answer))
+        return false;
+    if (type)
+        *type = answer.value(QStringLiteral("type")).toString();
+    return true;
+}
+
+bool OfficeEngine::replaceAll(const QVector<QPair<QString, QString>> &pairs) {
+    QJsonArray list;
+    for (const auto &p : pairs)
+        list.append(QJsonArray{p.first, p.second});
+    return request({{QStringLiteral("op"), QStringLiteral("replaceAll")}, {QStringLiteral("pairs"), list}},
+                   kDefaultLimitMs + 200 * static_cast<int>(pairs.size()));
+}
+
+bool OfficeEngine::saveAs(const QString &path, const QString &format) {
+    return request({{QStringLiteral("op"), QStringLiteral("saveAs")},
+                    {QStringLiteral("path"), QFileInfo(path).absoluteFilePath()},
+                    {QStringLiteral("format"), format}},
+                   kSaveLimitMs);
+}
+
+bool OfficeEngine::close() {
+    if (!running())
+        return true; // nothing is open in a helper that is not running
+    return request({{QStringLiteral("op"), QStringLiteral("close")}}, kDefaultLimitMs);
+}
+
+bool OfficeEngine::sheet(SheetText::Grid *grid) {
+    QJsonObject answer;
+    if (!request({{QStringLiteral("op"), QStringLiteral("sheet")}}, kDefaultLimitMs, &answer))
+        return false;
+    grid->clear();
+    for (const QJsonValue &row : answer.value(QStringLiteral("rows")).toArray()) {
+        QStringList cells;
+        for (const QJsonValue &c : row.toArray())
+            cells << c.toString();
+        grid->append(cells);
+    }
+    return true;
+}
+
+bool OfficeEngine::findCell(const QString &text, bool exact, QString *cell) {
+    QJsonObject answer;
+    if (!request({{QStringLiteral("op"), QStringLiteral("findCell")},
+                  {QStringLiteral("text"), text},
+                  {QStringLiteral("exact"), exact}},
+                 kDefaultLimitMs, &answer))
+        return false;
+    *cell = answer.value(QStringLiteral("found")).toBool() ? answer.value(QStringLiteral("cell")).toString()
+                                                           : QString();
+    return true;
+}
+
+bool OfficeEngine::goTo(const QString &range) {
+    return request({{QStringLiteral("op"), QStringLiteral("goTo")}, {QStringLiteral("range"), range}},
+                   kDefaultLimitMs);
+}
+
+bool OfficeEngine::insertRows(int row, int count) {
+    return request({{QStringLiteral("op"), QStringLiteral("insertRows")},
+                    {QStringLiteral("row"), row},
+                    {QStringLiteral("count"), count}},
+                   kDefaultLimitMs);
+}
+
+bool OfficeEngine::deleteRows(int row, int count) {
+    return request({{QStringLiteral("op"), QStringLiteral("deleteRows")},
+                    {QStringLiteral("row"), row},
+                    {QStringLiteral("count"), count}},
+                   kDefaultLimitMs);
+}
+
+bool OfficeEngine::copy(const QString &range) {
+    return request({{QStringLiteral("op"), QStringLiteral("copy")}, {QStringLiteral("range"), range}},
+                   kDefaultLimitMs);
+}
+
+bool OfficeEngine::paste(const QString &range) {
+    return request({{QStringLiteral("op"), QStringLiteral("paste")}, {QStringLiteral("range"), range}},
+                   kDefaultLimitMs);
+}
+
+bool OfficeEngine::enter(const QVector<Input> &cells) {
+    // Sent in parts, so that each request stays well inside its time limit.
+    constexpr int kPart = 400;
+    for (int from = 0; from < cells.size(); from += kPart) {
+        QJsonArray list;
+        for (int i = from; i < qMin<int>(from + kPart, cells.size()); ++i) {
+            const Input &in = cells.at(i);
+            QJsonObject c{{QStringLiteral("cell"), in.cell}};
+            switch (in.type) {
+            case Input::Type::Number:
+                c[QStringLiteral("type")] = QStringLiteral("number");
+                c[QStringLiteral("value")] = in.number;
+                break;
+            case Input::Type::Formula:
+                c[QStringLiteral("type")] = QStringLiteral("formula");
+                c[QStringLiteral("value")] = in.text;
+                break;
+            case Input::Type::Text:
+                c[QStringLiteral("type")] = QStringLiteral("text");
+                c[QStringLiteral("value")] = in.text;
+                break;
+            }
+            list.append(c);
+        }
+        if (!request({{QStringLiteral("op"), QStringLiteral("enter")}, {QStringLiteral("cells"), list}},
+                     kDefaultLimitMs + 50 * static_cast<int>(list.size())))
+            return false;
+    }
+    return true;
+}

@@ -1,0 +1,93 @@
+#pragma once
+// The program's side of the office engine: starts the helper virn-office, sends it one request at a
+// time and waits for the answer within a time limit. The helper keeps running between documents, so
+// only the first document pays for the engine's start. A helper that dies or stops answering is
+// killed; the request fails with a Russian message and the next request starts a new helper.
+//
+// An engine object belongs to the thread that created it (it owns a QProcess).
+
+#include "office/SheetText.h"
+
+#include <QJsonObject>
+#include <QPair>
+#include <QString>
+#include <QVector>
+#include <memory>
+
+class QProcess;
+class QLockFile;
+
+class OfficeEngine {
+public:
+    // The helper executable: $VIRN_OFFICE_HELPER, else "virn-office" beside the running program.
+    static QString helperPath();
+    // The LibreOffice "program" folder: $VIRN_LIBREOFFICE_DIR, else the Debian location.
+    static QString installDir();
+    // What the user is told when LibreOffice is not installed.
+    static QString missingEngineMessage();
+
+    // dataFolder: the engine's profile and scratch files live in its Temp (a private folder).
+    explicit OfficeEngine(const QString &dataFolder);
+    ~OfficeEngine();
+    OfficeEngine(const OfficeEngine &) = delete;
+    OfficeEngine &operator=(const OfficeEngine &) = delete;
+
+    // False with a Russian reason when the helper or LibreOffice is missing (nothing is started).
+    bool available(QString *why = nullptr) const;
+
+    // Every request returns false on failure; error() then holds the Russian reason.
+    bool start();
+    // type: "text" for word-processor documents, "spreadsheet" for sheets.
+    bool load(const QString &path, QString *type = nullptr);
+    bool replaceAll(const QVector<QPair<QString, QString>> &pairs);
+    bool saveAs(const QString &path, const QString &format);
+    bool close();
+
+    // Spreadsheets (the active sheet).
+    bool sheet(SheetText::Grid *grid);
+    // The address ("B5") of the first cell holding the text; empty when there is none.
+    bool findCell(const QString &text, bool exact, QString *cell);
+    bool goTo(const QString &range);
+    // Rows from 1: inserts count rows above row (rows below move down, merged cells with them).
+    bool insertRows(int row, int count);
+    bool deleteRows(int row, int count);
+    bool copy(const QString &range);
+    bool paste(const QString &range);
+
+    struct Input {
+        enum class Type { Text, Number, Formula };
+        QString cell; // "B5"
+        Type type = Type::Text;
+        QString text;
+        double number = 0;
+    };
+    // Texts stay texts whatever they look like; numbers are entered as numbers; an empty text clears.
+    bool enter(const QVector<Input> &cells);
+
+    QString error() const { return m_error; }
+    bool running() const;
+    qint64 processId() const;
+    int starts() const { return m_starts; }
+    QString profileDir() const { return m_profileDir; }
+    // Stops the helper (the next request starts it again).
+    void stop();
+    // Caps the time limit of every request, start included (0: each request's own limit).
+    void setTimeLimit(int ms) { m_limitMs = ms; }
+
+private:
+    bool request(QJsonObject req, int timeoutMs, QJsonObject *answer = nullptr);
+    bool readLine(int timeoutMs, QByteArray *line);
+    bool fail(const QString &message);
+    void kill();
+
+    QString m_tempDir;
+    QString m_profileDir;
+    bool m_privateProfile = false;
+    std::unique_ptr<QLockFile> m_lock;
+    std::unique_ptr<QProcess> m_proc;
+    QByteArray m_buffer;
+    QString m_error;
+    qint64 m_nextId = 1;
+    int m_starts = 0;
+    int m_limitMs = 0;
+};

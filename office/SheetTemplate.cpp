@@ -1,0 +1,317 @@
+#include "SheetTemplate.h"
+
+#include "office/OfficeEngine.h"
+
+#include <QDir>
+#include <QRegularExpression>
+#include <QSet>
+
+SheetValue SheetValue::ofNumber(double v, const QString &shown) {
+    return {true, v, shown};
+}
+
+namespace SheetTemplate {
+
+namespace {
+
+using SheetText::Grid;
+using Input = OfficeEngine::Input;
+
+const QRegularExpression &placeholderPattern() {
+    static const QRegularExpression re(QStringLiteral("\\[([^\\[\\]\\r\\n]+)\\]"));
+    return re;
+}
+
+// kind -> list index, for every kind a list may use.
+QHash<QString, int> kindLists(const SheetData &data) {
+    QHash<QString, int> map;
+    for (int i = 0; i < data.lists.size(); ++i) {
+        const SheetList &l = data.lists.at(i);
+        for (const QString &k : l.kinds)
+            map.insert(k, i);
+        for (auto it = l.fallback.cbegin(); it != l.fallback.cend(); ++it) {
+            map.insert(it.key(), i);
+            map.insert(it.value(), i);
+        }
+    }
+    return map;
+}
+
+QString kindOf(const QString &placeholder) {
+    const int dot = placeholder.indexOf(u'.');
+    return dot > 0 ? placeholder.left(dot) : QString();
+}
+
+QString columnOf(const QString &placeholder) {
+    return placeholder.mid(placeholder.indexOf(u'.') + 1);
+}
+
+Input textInput(const QString &cell, const QString &text) {
+    Input in;
+    in.cell = cell;
+    in.text = text;
+    return in;
+}
+
+Input valueInput(const QString &cell, const SheetValue &v) {
+    Input in = textInput(cell, v.text);
+    if (v.isNumber) {
+        in.type = Input::Type::Number;
+        in.number = v.number;
+    }
+    return in;
+}
+
+// The input for one template cell. item: the row's values (null for named items outside blocks).
+// Returns false when the cell stays as it is.
+bool cellInput(const QString &cell, const QString &text, const SheetData &data,
+               const QHash<QString, int> &kinds, const SheetRow *item, Input *out) {
+    const QStringList names = placeholders(text);
+    if (names.isEmpty())
+        return false;
+    auto lookup = [&](const QString &name, SheetValue *v) {
+        if (item && kinds.contains(kindOf(name))) {
+            // A row placeholder always goes: an item without the column leaves the cell empty.
+            *v = item->cells.value(columnOf(name), SheetValue::ofText(QString()));
+            return true;
+        }
+        auto it = data.values.constFind(name);
+        if (it == data.values.cend())
+            return false;
+        *v = it.value();
+        return true;
+    };
+    SheetValue v;
+    if (names.size() == 1 && text == u'[' + names.first() + u']') {
+        if (!lookup(names.first(), &v))
+            return false;
+        *out = valueInput(cell, v);
+        return true;
+    }
+    QString result = text;
+    bool any = false;
+    for (const QString &name : names) {
+        if (lookup(name, &v)) {
+            result.replace(u'[' + name + u']', v.text);
+            any = true;
+        }
+    }
+    if (!any)
+        return false;
+    *out = textInput(cell, result);
+    return true;
+}
+
+bool enterAll(OfficeEngine &engine, const QVector<Input> &inputs, QString *error, const Progress &progress,
+              int fromPercent, int toPercent) {
+    constexpr int kPart = 200;
+    for (int from = 0; from < inputs.size(); from += kPart) {
+        if (!engine.enter(inputs.mid(from, kPart))) {
+            *error = engine.error();
+            return false;
+        }
+        if (progress)
+            progress(fromPercent + (toPercent - fromPercent) * qMin<int>(from + kPart, inputs.size()) /
+                                       qMax<int>(1, inputs.size()));
+    }
+    return true;
+}
+
+} // namespace
+
+QStringList placeholders(const QString &text) {
+    QStringList names;
+    if (!text.contains(u'['))
+        return names;
+    auto it = placeholderPattern().globalMatch(text);
+    while (it.hasNext())
+        names << it.next().captured(1);
+    return names;
+}
+
+Layout analyse(const Grid &grid, const SheetData &data) {
+    Layout layout;
+    const QHash<QString, int> kinds = kindLists(data);
+    QSet<QString> named;
+    Block current;
+    auto closeBlock = [&]() {
+        if (current.list >= 0)
+            layout.blocks << current;
+        current = Block();
+    };
+    for (int r = 0; r < grid.size(); ++r) {
+        const QStringList &cells = grid.at(r);
+        layout.width = qMax<int>(layout.width, cells.size());
+        QString rowKind;
+        for (const QString &text : cells) {
+            for (const QString &name : placeholders(text)) {
+                const QString k = kindOf(name);
+                if (kinds.contains(k)) {
+                    if (rowKind.isEmpty())
+                        rowKind = k;
+                } else if (!named.contains(name)) {
+                    named.insert(name);
+                    layout.named << name;
+                }
+            }
+        }
+        if (rowKind.isEmpty()) {
+            closeBlock();
+            continue;
+        }
+        const int list = kinds.value(rowKind);
+        if (current.list != list || current.lastRow != r - 1) {
+            closeBlock();
+            current.list = list;
+            current.firstRow = r;
+        }
+        current.lastRow = r;
+        if (!current.rowOf.contains(rowKind))
+            current.rowOf.insert(rowKind, r);
+    }
+    closeBlock();
+    return layout;
+}
+
+QStringList unfilled(const Grid &filled, const SheetData &data) {
+    const QHash<QString, int> kinds = kindLists(data);
+    QStringList left;
+    for (const QStringList &cells : filled) {
+        for (const QString &text : cells) {
+            for (const QString &name : placeholders(text)) {
+                if ((kinds.contains(kindOf(name)) || data.values.contains(name)) &&
+                    !left.contains(u'[' + name + u']'))
+                    left << u'[' + name + u']';
+            }
+        }
+    }
+    return left;
+}
+
+bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &data,
+          const QVector<TemplateFile::Output> &outputs, QString *error, const Progress &progress) {
+    auto report = [&](int p) {
+        if (progress)
+            progress(p);
+    };
+    *error = TemplateFile::check(templatePath);
+    if (!error->isEmpty())
+        return false;
+    auto engineFailed = [&]() {
+        *error = engine.error();
+        engine.close();
+        return false;
+    };
+    QString type;
+    if (!engine.load(templatePath, &type))
+        return engineFailed();
+    if (type != QLatin1String("spreadsheet")) {
+        engine.close();
+        *error =
+            QStringLiteral("Шаблон %1 не является таблицей.").arg(QDir::toNativeSeparators(templatePath));
+        return false;
+    }
+    report(5);
+    Grid grid;
+    if (!engine.sheet(&grid))
+        return engineFailed();
+    const Layout layout = analyse(grid, data);
+    const QHash<QString, int> kinds = kindLists(data);
+
+    // Named items first, while every cell is where the grid says.
+    QSet<int> blockRows;
+    for (const Block &b : layout.blocks)
+        for (int r = b.firstRow; r <= b.lastRow; ++r)
+            blockRows.insert(r);
+    QVector<Input> inputs;
+    for (int r = 0; r < grid.size(); ++r) {
+        if (blockRows.contains(r))
+            continue;
+        for (int c = 0; c < grid.at(r).size(); ++c) {
+            Input in;
+            if (cellInput(SheetText::cellName(r, c), grid.at(r).at(c), data, kinds, nullptr, &in))
+                inputs << in;
+        }
+    }
+    if (!enterAll(engine, inputs, error, {}, 0, 0))
+        return engineFailed();
+    report(10);
+
+    // Row blocks from the bottom up, so that the rows of the blocks above stay where they were.
+    int totalItems = 0;
+    for (const Block &b : layout.blocks)
+        totalItems += data.lists.at(b.list).rows.size();
+    int doneItems = 0;
+    for (int bi = layout.blocks.size() - 1; bi >= 0; --bi) {
+        const Block &block = layout.blocks.at(bi);
+        const SheetList &list = data.lists.at(block.list);
+        const int n = list.rows.size();
+        const int lastCol = qMax(0, layout.width - 1);
+        if (n > 0) {
+            // New rows go right under the block and take copies of the template rows.
+            const int first = block.lastRow + 1;
+            if (!engine.insertRows(first + 1, n))
+                return engineFailed();
+            QVector<int> templateRow(n);
+            for (int i = 0; i < n; ++i) {
+                QString k = list.rows.at(i).kind;
+                for (int guard = 0; !block.rowOf.contains(k) && list.fallback.contains(k) && guard < 16;
+                     ++guard)
+                    k = list.fallback.value(k);
+                templateRow[i] = block.rowOf.value(k, block.firstRow);
+            }
+            int copied = -1;
+            for (int i = 0; i < n;) {
+                int j = i;
+                while (j + 1 < n && templateRow[j + 1] == templateRow[i])
+                    ++j;
+                if (copied != templateRow[i]) {
+                    if (!engine.copy(SheetText::rangeName(templateRow[i], 0, templateRow[i], lastCol)))
+                        return engineFailed();
+                    copied = templateRow[i];
+                }
+                if (!engine.paste(SheetText::rangeName(first + i, 0, first + j, lastCol)))
+                    return engineFailed();
+                i = j + 1;
+            }
+            QVector<Input> rowInputs;
+            for (int i = 0; i < n; ++i) {
+                const QStringList &cells = grid.at(templateRow[i]);
+                for (int c = 0; c < cells.size(); ++c) {
+                    Input in;
+                    if (cellInput(SheetText::cellName(first + i, c), cells.at(c), data, kinds,
+                                  &list.rows.at(i), &in))
+                        rowInputs << in;
+                }
+            }
+            const int from = 10 + 80 * doneItems / qMax(1, totalItems);
+            const int to = 10 + 80 * (doneItems + n) / qMax(1, totalItems);
+            if (!enterAll(engine, rowInputs, error, progress, from, to))
+                return engineFailed();
+            doneItems += n;
+        }
+        if (!engine.deleteRows(block.firstRow + 1, block.lastRow - block.firstRow + 1))
+            return engineFailed();
+    }
+    report(90);
+
+    Grid filled;
+    if (!engine.sheet(&filled))
+        return engineFailed();
+    const QStringList left = unfilled(filled, data);
+    if (!left.isEmpty()) {
+        engine.close();
+        *error = QStringLiteral("После заполнения шаблона %1 в нём остались незаполненные поля: %2")
+                     .arg(QDir::toNativeSeparators(templatePath), left.join(QStringLiteral(", ")));
+        return false;
+    }
+    if (!TemplateFile::save(engine, outputs, error)) {
+        engine.close();
+        return false;
+    }
+    engine.close();
+    report(100);
+    return true;
+}
+
+} // namespace SheetTemplate

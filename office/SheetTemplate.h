@@ -1,0 +1,86 @@
+#pragma once
+// Filling a spreadsheet template (".xls", ".xlsx", ".ods").
+//
+// A template names what it receives in square brackets:
+// - a named item: a cell holding "[edNumber]" receives the value of the item edNumber; a cell that is
+//   nothing but the placeholder receives the value with its type (numbers become numbers), a cell
+//   with more text around the placeholder receives the text with the value put in;
+// - a row block: a row whose cells hold placeholders of the form "[kind.column]" ("[строки.сумма]")
+//   is a template row of that kind for a list; adjacent template rows of one list form its block.
+//   The block is replaced by one row per item of the list, each a copy of the template row of the
+//   item's kind (formatting and merged cells included), with the rows below moved down. A kind with
+//   no template row of its own falls back along the list's fallback chain.
+// A named item without data leaves its placeholder in the sheet; after filling, any placeholder whose
+// data was given and is still there is an error.
+
+#include "office/SheetText.h"
+#include "office/TemplateFile.h"
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+#include <functional>
+
+class OfficeEngine;
+
+struct SheetValue {
+    bool isNumber = false;
+    double number = 0;
+    QString text; // the text itself, or how a number reads inside a longer text
+
+    static SheetValue ofText(const QString &t) { return {false, 0, t}; }
+    // shown: the number as it reads inside a longer cell text ("12 345,67").
+    static SheetValue ofNumber(double v, const QString &shown);
+};
+
+struct SheetRow {
+    QString kind;                     // "строки", "раздел", …
+    QHash<QString, SheetValue> cells; // column name -> value
+};
+
+struct SheetList {
+    QStringList kinds;                // the kinds this list's template rows may have
+    QHash<QString, QString> fallback; // kind -> kind used when the template has no row of it
+    QVector<SheetRow> rows;
+};
+
+struct SheetData {
+    QHash<QString, SheetValue> values; // named items
+    QVector<SheetList> lists;
+};
+
+namespace SheetTemplate {
+
+// The placeholder names in a cell text: "[a] и [b.c]" -> {"a", "b.c"}.
+QStringList placeholders(const QString &text);
+
+struct Block {
+    int list = -1;    // index into SheetData::lists
+    int firstRow = 0; // template rows, from 0
+    int lastRow = 0;
+    QHash<QString, int> rowOf; // kind -> template row
+};
+
+struct Layout {
+    QVector<Block> blocks; // top to bottom
+    QStringList named;     // named items the template holds
+    int width = 0;         // columns in use
+};
+
+// Finds the row blocks and named items of a template sheet for the given data.
+Layout analyse(const SheetText::Grid &grid, const SheetData &data);
+
+// The placeholders still in a filled sheet that should have been filled: named items with data, and
+// any row-block placeholder.
+QStringList unfilled(const SheetText::Grid &filled, const SheetData &data);
+
+using Progress = std::function<void(int percent)>;
+
+// Loads the template, fills it, checks that nothing given was left unfilled and saves the outputs.
+// False with a Russian message (the template is checked first; nothing is written on failure before
+// saving).
+bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &data,
+          const QVector<TemplateFile::Output> &outputs, QString *error, const Progress &progress = {});
+
+} // namespace SheetTemplate

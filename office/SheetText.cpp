@@ -1,0 +1,101 @@
+#include "SheetText.h"
+
+namespace SheetText {
+
+Grid parseCsv(const QString &text) {
+    Grid grid;
+    QStringList row;
+    QString field;
+    bool quoted = false;
+    bool fieldStarted = false;
+    const int n = text.size();
+    for (int i = 0; i < n; ++i) {
+        const QChar c = text.at(i);
+        if (quoted) {
+            if (c == u'"') {
+                if (i + 1 < n && text.at(i + 1) == u'"') {
+                    field += u'"';
+                    ++i;
+                } else {
+                    quoted = false;
+                }
+            } else {
+                field += c;
+            }
+            continue;
+        }
+        if (c == u'"' && !fieldStarted) {
+            quoted = true;
+            fieldStarted = true;
+        } else if (c == u',') {
+            row << field;
+            field.clear();
+            fieldStarted = false;
+        } else if (c == u'\n' || c == u'\r') {
+            if (c == u'\r' && i + 1 < n && text.at(i + 1) == u'\n')
+                ++i;
+            row << field;
+            grid << row;
+            row.clear();
+            field.clear();
+            fieldStarted = false;
+        } else {
+            field += c;
+            fieldStarted = true;
+        }
+    }
+    if (fieldStarted || !row.isEmpty()) {
+        row << field;
+        grid << row;
+    }
+    return grid;
+}
+
+QString columnName(int column) {
+    QString name;
+    for (int c = column + 1; c > 0; c = (c - 1) / 26)
+        name.prepend(QChar(u'A' + (c - 1) % 26));
+    return name;
+}
+
+QString cellName(int row, int column) {
+    return columnName(column) + QString::number(row + 1);
+}
+
+QString rangeName(int firstRow, int firstColumn, int lastRow, int lastColumn) {
+    return cellName(firstRow, firstColumn) + u':' + cellName(lastRow, lastColumn);
+}
+
+bool parseCellName(const QString &name, int *row, int *column) {
+    int i = 0;
+    int col = 0;
+    while (i < name.size() && name.at(i).isUpper() && name.at(i).unicode() < 128) {
+        col = col * 26 + (name.at(i).unicode() - 'A' + 1);
+        ++i;
+    }
+    if (i == 0 || i == name.size())
+        return false;
+    bool ok = false;
+    const int r = name.mid(i).toInt(&ok);
+    if (!ok || r < 1 || !name.at(i).isDigit())
+        return false;
+    *row = r - 1;
+    *column = col - 1;
+    return true;
+}
+
+bool findCell(const Grid &grid, const QString &text, bool exact, int *row, int *column) {
+    for (int r = 0; r < grid.size(); ++r) {
+        const QStringList &cells = grid.at(r);
+        for (int c = 0; c < cells.size(); ++c) {
+            if (exact ? cells.at(c) == text : cells.at(c).contains(text)) {
+                *row = r;
+                *column = c;
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+} // namespace SheetText

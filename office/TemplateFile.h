@@ -1,0 +1,34 @@
+#pragma once
+// Checks of a template before the engine opens it, and the writing of the finished files: every
+// output is saved beside its target under a temporary name and only then renamed over the target, so
+// a failure never leaves a half-written file or replaces the user's old one.
+
+#include <QString>
+#include <QVector>
+
+class OfficeEngine;
+
+namespace TemplateFile {
+
+// Templates larger than this are refused.
+constexpr qint64 kMaxBytes = 50ll * 1024 * 1024;
+
+// Empty when the file can be opened as a template; else the Russian message naming it: the file is
+// missing ("Отсутствует файл " + path), larger than 50 MB, or not a word-processor, spreadsheet or
+// text file (judged by its extension and its first bytes).
+QString check(const QString &path);
+
+// Engine format for an output file name by its extension ("xls", "pdf", "docx", …); empty when the
+// extension is not one the engine writes.
+QString formatFor(const QString &path);
+
+struct Output {
+    QString path;
+    QString format; // empty: taken from the extension
+};
+
+// Saves the document open in the engine into every output. False with a Russian message on the first
+// failure (outputs written before it stay).
+bool save(OfficeEngine &engine, const QVector<Output> &outputs, QString *error);
+
+} // namespace TemplateFile

@@ -1,0 +1,358 @@
+// virn-office: hosts the office engine for the program. One JSON request per line on stdin, one JSON
+// answer per line on stdout ({"id":…,"ok":true,…} or {"id":…,"ok":false,"error":"…"}). The first line
+// written is {"event":"ready",…} once the engine has started, or {"event":"fatal",…} when it cannot.
+//
+// Arguments: --install DIR (LibreOffice "program" folder), --profile DIR (private profile folder),
+// --temp DIR (scratch files of this helper).
+
+#include "LokSession.h"
+#include "office/SheetText.h"
+
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QUrl>
+
+#include <csignal>
+#include <cstdio>
+#include <iostream>
+#include <string>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+namespace {
+
+int g_answerFd = -1;
+
+void writeLine(const QJsonObject &o) {
+    QByteArray line = QJsonDocument(o).toJson(QJsonDocument::Compact);
+    line += '\n';
+    const char *p = line.constData();
+    qsizetype left = line.size();
+    while (left > 0) {
+        ssize_t n = ::write(g_answerFd, p, static_cast<size_t>(left));
+        if (n <= 0)
+            _exit(3); // the program has gone
+        p += n;
+        left -= n;
+    }
+}
+
+std::string toUrl(const QString &path) {
+    return QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()).toString(QUrl::FullyEncoded).toStdString();
+}
+
+QByteArray stringArg(const char *name, const QString &value) {
+    QJsonObject v{{QStringLiteral("type"), QStringLiteral("string")}, {QStringLiteral("value"), value}};
+    return QJsonDocument(QJsonObject{{QLatin1String(name), v}}).toJson(QJsonDocument::Compact);
+}
+
+// Calc reads a typed text the way it reads the keyboard: "1,5", "01.02.2025", "12:30", "15%",
+// "ИСТИНА" become numbers, dates or truth values. Such texts get the text cell format first so that
+// they stay texts. Texts without digits or signs are left alone (one command fewer per cell).
+bool mayParseAsNonText(const QString &text) {
+    for (QChar c : text) {
+        if (c.isDigit())
+            return true;
+    }
+    const QString t = text.trimmed().toUpper();
+    static const QStringList words{QStringLiteral("ИСТИНА"), QStringLiteral("ЛОЖЬ"), QStringLiteral("TRUE"),
+                                   QStringLiteral("FALSE")};
+    return words.contains(t) || t.startsWith(u'=') || t.startsWith(u'\'') || t.startsWith(u'+') ||
+           t.startsWith(u'-');
+}
+
+// A number as Calc's Russian input reads it: decimal comma, no grouping.
+QString numberText(double v) {
+    QString s = QString::number(v, 'f', 10);
+    if (s.contains(u'.')) {
+        while (s.endsWith(u'0'))
+            s.chop(1);
+        if (s.endsWith(u'.'))
+            s.chop(1);
+    }
+    s.replace(u'.', u',');
+    return s == QLatin1String("-0") ? QStringLiteral("0") : s;
+}
+
+class Helper {
+public:
+    Helper(LokSession &s, QString temp) : m_s(s), m_temp(std::move(temp)) {}
+
+    QJsonObject handle(const QJsonObject &req) {
+        const QString op = req.value(QStringLiteral("op")).toString();
+        QJsonObject answer;
+        std::string error;
+        bool ok = false;
+        if (op == QLatin1String("ping")) {
+            answer[QStringLiteral("version")] = QString::fromStdString(m_s.version());
+            ok = true;
+        } else if (op == QLatin1String("load")) {
+            ok = load(req, &answer, &error);
+        } else if (op == QLatin1String("close")) {
+            m_s.close();
+            ok = true;
+        } else if (!m_s.isOpen()) {
+            error = "нет открытого документа";
+        } else if (op == QLatin1String("replaceAll")) {
+            ok = replaceAll(req.value(QStringLiteral("pairs")).toArray(), &error);
+        } else if (op == QLatin1String("saveAs")) {
+            ok = saveAs(req, &error);
+        } else if (m_s.docType() != LokSession::DocType::Spreadsheet) {
+            error = "операция только для таблиц: " + op.toStdString();
+        } else if (op == QLatin1String("sheet")) {
+            SheetText::Grid grid;
+            ok = readSheet(&grid, &error);
+            if (ok) {
+                QJsonArray rows;
+                for (const QStringList &r : grid)
+                    rows.append(QJsonArray::fromStringList(r));
+                answer[QStringLiteral("rows")] = rows;
+            }
+        } else if (op == QLatin1String("findCell")) {
+            ok = findCell(req, &answer, &error);
+        } else if (op == QLatin1String("goTo")) {
+            ok = goTo(req.value(QStringLiteral("range")).toString(), &error);
+        } else if (op == QLatin1String("insertRows") || op == QLatin1String("deleteRows")) {
+            ok = rows(op == QLatin1String("insertRows"), req, &error);
+        } else if (op == QLatin1String("copy") || op == QLatin1String("paste")) {
+            ok = goTo(req.value(QStringLiteral("range")).toString(), &error) &&
+                 m_s.uno(op == QLatin1String("copy") ? ".uno:Copy" : ".uno:Paste", "", kStep, &error);
+        } else if (op == QLatin1String("enter")) {
+            ok = enterCells(req.value(QStringLiteral("cells")).toArray(), &error);
+        } else {
+            error = "неизвестная операция: " + op.toStdString();
+        }
+        answer[QStringLiteral("ok")] = ok;
+        if (!ok)
+            answer[QStringLiteral("error")] = QString::fromStdString(error);
+        return answer;
+    }
+
+private:
+    static constexpr int kStep = 20000; // time limit of one engine command, ms
+
+    bool load(const QJsonObject &req, QJsonObject *answer, std::string *error) {
+        const QString path = req.value(QStringLiteral("path")).toString();
+        if (!QFileInfo::exists(path)) {
+            *error = "файл не найден: " + path.toStdString();
+            return false;
+        }
+        if (!m_s.load(toUrl(path), error))
+            return false;
+        static const char *names[] = {"none", "text", "spreadsheet", "presentation", "drawing", "other"};
+        (*answer)[QStringLiteral("type")] = QLatin1String(names[static_cast<int>(m_s.docType())]);
+        return true;
+    }
+
+    bool replaceAll(const QJsonArray &pairs, std::string *error) {
+        for (const QJsonValue &p : pairs) {
+            const QJsonArray pair = p.toArray();
+            QJsonObject args;
+            auto put = [&args](const char *name, const char *type, const QJsonValue &value) {
+                args[QLatin1String(name)] = QJsonObject{{QStringLiteral("type"), QLatin1String(type)},
+                                                        {QStringLiteral("value"), value}};
+            };
+            put("SearchItem.SearchString", "string", pair.at(0).toString());
+            put("SearchItem.ReplaceString", "string", pair.at(1).toString());
+            put("SearchItem.Command", "long", 3); // replace all
+            put("SearchItem.AlgorithmType", "short", 0);
+            put("SearchItem.Backward", "boolean", false);
+            const QByteArray json = QJsonDocument(args).toJson(QJsonDocument::Compact);
+            if (!m_s.uno(".uno:ExecuteSearch", json.toStdString(), kStep, error))
+                return false;
+        }
+        return true;
+    }
+
+    bool saveAs(const QJsonObject &req, std::string *error) {
+        const QString path = req.value(QStringLiteral("path")).toString();
+        const QString format = req.value(QStringLiteral("format")).toString();
+        std::string options;
+        if (format == QLatin1String("csv"))
+            options = kCsvOptions;
+        else if (format == QLatin1String("txt") && m_s.docType() == LokSession::DocType::Text)
+            options = "UTF8,LF";
+        QFile::remove(path);
+        return m_s.saveAs(toUrl(path), format.toStdString(), options, error);
+    }
+
+    // Comma separated, quoted by '"', UTF-8, cells as shown.
+    static constexpr const char *kCsvOptions = "44,34,76,1,,0,false,true,true,false,false";
+
+    bool readSheet(SheetText::Grid *grid, std::string *error) {
+        const QString path = QDir(m_temp).filePath(QStringLiteral("sheet-%1.csv").arg(::getpid()));
+        QFile::remove(path);
+        if (!m_s.saveAs(toUrl(path), "csv", kCsvOptions, error))
+            return false;
+        QFile f(path);
+        if (!f.open(QIODevice::ReadOnly)) {
+            *error = "не читается текст листа";
+            return false;
+        }
+        *grid = SheetText::parseCsv(QString::fromUtf8(f.readAll()));
+        f.close();
+        QFile::remove(path);
+        return true;
+    }
+
+    bool findCell(const QJsonObject &req, QJsonObject *answer, std::string *error) {
+        SheetText::Grid grid;
+        if (!readSheet(&grid, error))
+            return false;
+        int row = 0, column = 0;
+        const bool found = SheetText::findCell(grid, req.value(QStringLiteral("text")).toString(),
+                                               req.value(QStringLiteral("exact")).toBool(), &row, &column);
+        (*answer)[QStringLiteral("found")] = found;
+        if (found) {
+            (*answer)[QStringLiteral("cell")] = SheetText::cellName(row, column);
+            (*answer)[QStringLiteral("row")] = row + 1;
+            (*answer)[QStringLiteral("column")] = column + 1;
+        }
+        return true;
+    }
+
+    bool goTo(const QString &range, std::string *error) {
+        if (range.isEmpty()) {
+            *error = "не указана ячейка";
+            return false;
+        }
+        return m_s.uno(".uno:GoToCell", stringArg("ToPoint", range).toStdString(), kStep, error);
+    }
+
+    // Rows are counted from 1. Insertion puts count rows above row; Calc moves the rows below,
+    // merged cells included.
+    bool rows(bool insert, const QJsonObject &req, std::string *error) {
+        const int row = req.value(QStringLiteral("row")).toInt();
+        const int count = req.value(QStringLiteral("count")).toInt();
+        if (row < 1 || count < 1) {
+            *error = "неверные строки";
+            return false;
+        }
+        return goTo(SheetText::rangeName(row - 1, 0, row + count - 2, 0), error) &&
+               m_s.uno(insert ? ".uno:InsertRows" : ".uno:DeleteRows", "", kStep, error);
+    }
+
+    bool enterCells(const QJsonArray &cells, std::string *error) {
+        for (const QJsonValue &v : cells) {
+            const QJsonObject c = v.toObject();
+            const QString type = c.value(QStringLiteral("type")).toString();
+            if (!goTo(c.value(QStringLiteral("cell")).toString(), error))
+                return false;
+            QString text;
+            if (type == QLatin1String("number")) {
+                text = numberText(c.value(QStringLiteral("value")).toDouble());
+            } else {
+                text = c.value(QStringLiteral("value")).toString();
+                if (text.isEmpty()) {
+                    if (!m_s.uno(".uno:ClearContents", "", kStep, error))
+                        return false;
+                    continue;
+                }
+                if (type != QLatin1String("formula") && mayParseAsNonText(text)) {
+                    // 100 is the built-in text format "@".
+                    const char *fmt = R"({"NumberFormatValue":{"type":"long","value":100}})";
+                    if (!m_s.uno(".uno:NumberFormatValue", fmt, kStep, error))
+                        return false;
+                }
+            }
+            if (!m_s.uno(".uno:EnterString", stringArg("StringName", text).toStdString(), kStep, error))
+                return false;
+        }
+        return true;
+    }
+
+    LokSession &m_s;
+    QString m_temp;
+};
+
+// A fresh profile gets the one setting the filling relies on: no question before pasting over
+// cells (the engine runs without anyone to answer it).
+void prepareProfile(const QString &profileDir) {
+    const QString userDir = QDir(profileDir).filePath(QStringLiteral("user"));
+    const QString file = QDir(userDir).filePath(QStringLiteral("registrymodifications.xcu"));
+    if (QFile::exists(file))
+        return;
+    QDir().mkpath(userDir);
+    QFile f(file);
+    if (!f.open(QIODevice::WriteOnly))
+        return;
+    f.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+            "<oor:items xmlns:oor=\"http://openoffice.org/2001/registry\" "
+            "xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" "
+            "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">\n"
+            "<item oor:path=\"/org.openoffice.Office.Calc/Input\"><prop oor:name=\"ReplaceCellsWarning\" "
+            "oor:op=\"fuse\"><value>false</value></prop></item>\n"
+            "</oor:items>\n");
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    // Dies with the program that started it.
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() == 1)
+        return 2;
+    // The engine prints to stdout now and then: answers go to a private copy of stdout, and
+    // everything else written to stdout lands on stderr.
+    g_answerFd = dup(STDOUT_FILENO);
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+    setenv("LC_ALL", "C.UTF-8", 1); // the engine's own texts and file names in UTF-8
+
+    QString install = QStringLiteral("/usr/lib/libreoffice/program");
+    QString profile;
+    QString temp = QDir::tempPath();
+    for (int i = 1; i + 1 < argc; i += 2) {
+        const QString key = QString::fromLocal8Bit(argv[i]);
+        const QString value = QString::fromUtf8(argv[i + 1]);
+        if (key == QLatin1String("--install"))
+            install = value;
+        else if (key == QLatin1String("--profile"))
+            profile = value;
+        else if (key == QLatin1String("--temp"))
+            temp = value;
+    }
+    if (profile.isEmpty()) {
+        writeLine({{QStringLiteral("event"), QStringLiteral("fatal")},
+                   {QStringLiteral("error"), QStringLiteral("не указана папка профиля")}});
+        return 2;
+    }
+    QDir().mkpath(profile);
+    QDir().mkpath(temp);
+    prepareProfile(profile);
+
+    LokSession session;
+    std::string error;
+    if (!session.init(install.toStdString(), toUrl(profile), &error)) {
+        writeLine({{QStringLiteral("event"), QStringLiteral("fatal")},
+                   {QStringLiteral("error"), QString::fromStdString(error)}});
+        _exit(2);
+    }
+    writeLine({{QStringLiteral("event"), QStringLiteral("ready")},
+               {QStringLiteral("version"), QString::fromStdString(session.version())}});
+
+    Helper helper(session, temp);
+    std::string line;
+    while (std::getline(std::cin, line)) {
+        QJsonParseError parseError;
+        const QJsonDocument doc = QJsonDocument::fromJson(QByteArray::fromStdString(line), &parseError);
+        QJsonObject answer;
+        if (!doc.isObject()) {
+            answer = {
+                {QStringLiteral("ok"), false},
+                {QStringLiteral("error"), QStringLiteral("запрос не разобран: ") + parseError.errorString()}};
+        } else {
+            answer = helper.handle(doc.object());
+            answer[QStringLiteral("id")] = doc.object().value(QStringLiteral("id"));
+        }
+        writeLine(answer);
+    }
+    // stdin closed: the program is done with the engine. Ending without the engine's own shutdown,
+    // which can hang.
+    session.close();
+    _exit(0);
+}

@@ -1,0 +1,181 @@
+#define LOK_USE_UNSTABLE_API
+#include "LokSession.h"
+
+#include <LibreOfficeKit/LibreOfficeKit.hxx>
+
+#include <chrono>
+#include <thread>
+
+namespace {
+
+// The value of "commandName" in a result payload such as
+// { "commandName": ".uno:GoToCell", "success": true, … }.
+std::string commandNameOf(const std::string &payload) {
+    const std::string key = "\"commandName\"";
+    size_t at = payload.find(key);
+    if (at == std::string::npos)
+        return {};
+    size_t open = payload.find('"', payload.find(':', at + key.size()) + 1);
+    if (open == std::string::npos)
+        return {};
+    size_t close = payload.find('"', open + 1);
+    return close == std::string::npos ? std::string() : payload.substr(open + 1, close - open - 1);
+}
+
+bool successOf(const std::string &payload) {
+    size_t at = payload.find("\"success\"");
+    return at != std::string::npos && payload.compare(payload.find(':', at) + 1, 5, " true") == 0;
+}
+
+} // namespace
+
+LokSession::LokSession() = default;
+
+LokSession::~LokSession() {
+    // The office instance is never destroyed: its shutdown can hang, and the process ends right
+    // after the session anyway.
+    close();
+    m_office.release();
+}
+
+bool LokSession::init(const std::string &installDir, const std::string &profileUrl, std::string *error) {
+    lok::Office *office = lok::lok_cpp_init(installDir.c_str(), profileUrl.c_str());
+    if (!office) {
+        *error = "no-libreoffice";
+        return false;
+    }
+    m_office.reset(office);
+    if (char *info = m_office->getVersionInfo()) {
+        m_version = info;
+        m_office->freeError(info);
+    }
+    return true;
+}
+
+std::string LokSession::takeError() {
+    std::string text;
+    if (char *e = m_office->getError()) {
+        text = e;
+        m_office->freeError(e);
+    }
+    return text;
+}
+
+bool LokSession::load(const std::string &url, std::string *error) {
+    close();
+    takeError();
+    lok::Document *doc = m_office->documentLoad(url.c_str(), "Language=ru-RU");
+    if (!doc) {
+        std::string why = takeError();
+        *error = why.empty() ? std::string("документ не открывается") : why;
+        return false;
+    }
+    m_doc.reset(doc);
+    switch (m_doc->getDocumentType()) {
+    case LOK_DOCTYPE_TEXT:
+        m_type = DocType::Text;
+        break;
+    case LOK_DOCTYPE_SPREADSHEET:
+        m_type = DocType::Spreadsheet;
+        break;
+    case LOK_DOCTYPE_PRESENTATION:
+        m_type = DocType::Presentation;
+        break;
+    case LOK_DOCTYPE_DRAWING:
+        m_type = DocType::Drawing;
+        break;
+    default:
+        m_type = DocType::Other;
+    }
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_results.clear();
+        m_cellAddress.clear();
+    }
+    m_doc->registerCallback(&LokSession::documentCallback, this);
+    return true;
+}
+
+void LokSession::close() {
+    m_doc.reset();
+    m_type = DocType::None;
+}
+
+void LokSession::documentCallback(int type, const char *payload, void *data) {
+    static_cast<LokSession *>(data)->onCallback(type, payload);
+}
+
+void LokSession::onCallback(int type, const char *payload) {
+    if (type != LOK_CALLBACK_UNO_COMMAND_RESULT && type != LOK_CALLBACK_CELL_ADDRESS)
+        return;
+    std::string text = payload ? payload : "";
+    std::lock_guard<std::mutex> lock(m_mutex);
+    if (type == LOK_CALLBACK_CELL_ADDRESS) {
+        m_cellAddress = text;
+        return;
+    }
+    m_results.push_back({commandNameOf(text), successOf(text)});
+    m_wake.notify_all();
+}
+
+bool LokSession::uno(const std::string &command, const std::string &argsJson, int timeoutMs,
+                     std::string *error) {
+    if (!m_doc) {
+        *error = "нет открытого документа";
+        return false;
+    }
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = Clock::now() + std::chrono::milliseconds(timeoutMs);
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_results.clear();
+    }
+    // Right after a load the dispatcher may not be ready yet: the post then fails with
+    // "Failed to dispatch …" and succeeds a moment later.
+    for (;;) {
+        takeError();
+        m_doc->postUnoCommand(command.c_str(), argsJson.empty() ? nullptr : argsJson.c_str(), true);
+        std::string why = takeError();
+        if (why.empty())
+            break;
+        if (why.find("Failed to dispatch") == std::string::npos || Clock::now() > deadline) {
+            *error = command + ": " + why;
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    std::unique_lock<std::mutex> lock(m_mutex);
+    for (;;) {
+        while (!m_results.empty()) {
+            Result r = m_results.front();
+            m_results.pop_front();
+            if (r.command == command)
+                return true; // the flag is not trustworthy for every command: callers verify results
+        }
+        if (m_wake.wait_until(lock, deadline) == std::cv_status::timeout && m_results.empty()) {
+            *error = command + ": нет ответа за отведённое время";
+            return false;
+        }
+    }
+}
+
+bool LokSession::saveAs(const std::string &url, const std::string &format, const std::string &filterOptions,
+                        std::string *error) {
+    if (!m_doc) {
+        *error = "нет открытого документа";
+        return false;
+    }
+    takeError();
+    if (!m_doc->saveAs(url.c_str(), format.c_str(),
+                       filterOptions.empty() ? nullptr : filterOptions.c_str())) {
+        std::string why = takeError();
+        *error = why.empty() ? std::string("не удалось сохранить документ") : why;
+        return false;
+    }
+    return true;
+}
+
+std::string LokSession::cellAddress() {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_cellAddress;
+}

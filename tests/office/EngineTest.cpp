@@ -1,0 +1,357 @@
+// Against the real engine. All cases share one helper process (the profile is kept between runs in
+// the system temporary folder), so the run costs one engine start.
+
+#include "OfficeFiles.h"
+#include "ZipStore.h"
+
+#include "office/InWord.h"
+#include "office/OfficeEngine.h"
+#include "office/SheetTemplate.h"
+#include "office/WordTemplate.h"
+
+#include "TestFolder.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QThread>
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace {
+
+class Engine : public ::testing::Test {
+public:
+    static void SetUpTestSuite() {
+        ensureApplication();
+        s_engine =
+            new OfficeEngine(QDir::temp().filePath(QStringLiteral("virn-office-tests-%1").arg(getuid())));
+    }
+    static void TearDownTestSuite() {
+        delete s_engine;
+        s_engine = nullptr;
+    }
+
+protected:
+    OfficeEngine &engine() { return *s_engine; }
+    // Opens a file written by the engine and saves it again in another format, for the checks.
+    QString convert(const QString &path, const QString &format) {
+        const QString out =
+            m_folder.file(QFileInfo(path).completeBaseName() + QStringLiteral("-check.") + format);
+        EXPECT_TRUE(engine().load(path)) << engine().error().toStdString();
+        EXPECT_TRUE(engine().saveAs(out, format)) << engine().error().toStdString();
+        engine().close();
+        return out;
+    }
+    TestFolder m_folder;
+    static OfficeEngine *s_engine;
+};
+
+OfficeEngine *Engine::s_engine = nullptr;
+
+// ---------------------------------------------------------------------------------------------
+// Word-processor template
+
+QByteArray run(const char *text, bool styled) {
+    QByteArray r = "<w:r>";
+    if (styled)
+        r += "<w:rPr><w:b/><w:i/><w:sz w:val=\"28\"/></w:rPr>";
+    return r + "<w:t xml:space=\"preserve\">" + text + "</w:t></w:r>";
+}
+
+// A contract as a word processor saves it: "[заказчик]" split over three runs of the same bold italic
+// formatting, used twice; "[дата]" in the page header and in a table; "[объект]" without data.
+void writeContractDocx(const QString &path) {
+    const QByteArray ns = "xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\" "
+                          "xmlns:r=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships\"";
+    const QByteArray document =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?><w:document " + ns + "><w:body>" +
+        "<w:p>" + run("Заказчик: ", false) + run("[за", true) + run("каз", true) + run("чик]", true) +
+        "</w:p>" + "<w:p>" + run("Объект: [объект]. Сумма: [сумма прописью].", false) + "</w:p>" +
+        "<w:tbl><w:tr><w:tc><w:p>" + run("Дата: [дата]", false) + "</w:p></w:tc><w:tc><w:p>" +
+        run("[заказ", true) + run("чик]", true) + "</w:p></w:tc></w:tr></w:tbl>" +
+        "<w:p/><w:sectPr><w:headerReference w:type=\"default\" r:id=\"rIdHeader\"/>"
+        "<w:pgSz w:w=\"11906\" w:h=\"16838\"/></w:sectPr></w:body></w:document>";
+    const QByteArray header = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?><w:hdr " + ns +
+                              "><w:p>" + run("Договор от [дата]", false) + "</w:p></w:hdr>";
+    const QByteArray types =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?><Types "
+        "xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\">"
+        "<Default Extension=\"rels\" "
+        "ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/>"
+        "<Default Extension=\"xml\" ContentType=\"application/xml\"/>"
+        "<Override PartName=\"/word/document.xml\" "
+        "ContentType=\"application/vnd.openxmlformats-officedocument.wordprocessingml.document.main+xml\"/>"
+        "<Override PartName=\"/word/header1.xml\" "
+        "ContentType=\"application/vnd.openxmlformats-officedocument.wordprocessingml.header+xml\"/></Types>";
+    const QByteArray rels = "<?xml version=\"1.0\" encoding=\"UTF-8\"?><Relationships "
+                            "xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">"
+                            "<Relationship Id=\"rId1\" "
+                            "Type=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships/"
+                            "officeDocument\" Target=\"word/document.xml\"/></Relationships>";
+    const QByteArray docRels =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?><Relationships "
+        "xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">"
+        "<Relationship Id=\"rIdHeader\" "
+        "Type=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships/header\" "
+        "Target=\"header1.xml\"/></Relationships>";
+    ASSERT_TRUE(writeStoredZip(path, {{QStringLiteral("[Content_Types].xml"), types},
+                                      {QStringLiteral("_rels/.rels"), rels},
+                                      {QStringLiteral("word/_rels/document.xml.rels"), docRels},
+                                      {QStringLiteral("word/document.xml"), document},
+                                      {QStringLiteral("word/header1.xml"), header}}));
+}
+
+TEST_F(Engine, WordTemplateReplacesSplitRepeatedAndHeaderPlaceholders) {
+    const QString templ = m_folder.file(QStringLiteral("ДОГОВОР НА РЕМОНТ.docx"));
+    writeContractDocx(templ);
+    const QString words = TInWord::amount(12345.67, TInWord::Rub);
+    const WordTemplate::Replacements values{
+        {QStringLiteral("[заказчик]"), QStringLiteral("Иванов Иван Иванович")},
+        {QStringLiteral("[дата]"), QStringLiteral("01.02.2025")},
+        {QStringLiteral("[сумма прописью]"), words}};
+    const QString docx = m_folder.file(QStringLiteral("Договор.docx"));
+    const QString rtf = m_folder.file(QStringLiteral("Договор.rtf"));
+    const QString pdf = m_folder.file(QStringLiteral("Договор.pdf"));
+    QString error;
+    ASSERT_TRUE(WordTemplate::fill(engine(), templ, values, {{docx, {}}, {rtf, {}}, {pdf, {}}}, &error))
+        << error.toStdString();
+
+    const QString text = pdfText(pdf);
+    EXPECT_EQ(text.count(QStringLiteral("Иванов Иван Иванович")), 2) << text.toStdString();
+    EXPECT_TRUE(text.contains(QStringLiteral("Договор от 01.02.2025"))) << "header";
+    EXPECT_TRUE(text.contains(QStringLiteral("Дата: 01.02.2025"))) << "table";
+    EXPECT_TRUE(text.simplified().contains(words)) << text.toStdString();
+    EXPECT_TRUE(text.contains(QStringLiteral("Объект: [объект]"))) << "a placeholder without data stays";
+    EXPECT_FALSE(text.contains(QStringLiteral("[заказчик]")));
+    EXPECT_FALSE(text.contains(QStringLiteral("[дата]")));
+
+    // The value took the placeholder's formatting, in the saved Word file.
+    const TextLook look =
+        lookOfText(convert(docx, QStringLiteral("fodt")), QStringLiteral("Иванов Иван Иванович"));
+    EXPECT_TRUE(look.found);
+    EXPECT_TRUE(look.bold);
+    EXPECT_TRUE(look.italic);
+
+    QFile rtfText(convert(rtf, QStringLiteral("txt")));
+    ASSERT_TRUE(rtfText.open(QIODevice::ReadOnly));
+    const QString fromRtf = QString::fromUtf8(rtfText.readAll());
+    EXPECT_EQ(fromRtf.count(QStringLiteral("Иванов Иван Иванович")), 2);
+    EXPECT_TRUE(fromRtf.contains(QStringLiteral("[объект]")));
+}
+
+TEST_F(Engine, WordTemplateThatIsNotAnOfficeFileWritesNothing) {
+    const QString templ = m_folder.file(QStringLiteral("Договор.docx"));
+    QFile f(templ);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("not a zip");
+    f.close();
+    const QString out = m_folder.file(QStringLiteral("out.pdf"));
+    QString error;
+    EXPECT_FALSE(WordTemplate::fill(engine(), templ, {}, {{out, {}}}, &error));
+    EXPECT_TRUE(error.contains(templ));
+    EXPECT_FALSE(QFile::exists(out));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Spreadsheet template with a row block
+
+QByteArray cell(const char *text, const char *style = nullptr, int span = 1) {
+    QByteArray c = "<table:table-cell";
+    if (style)
+        c += QByteArray(" table:style-name=\"") + style + "\"";
+    if (span > 1)
+        c += " table:number-columns-spanned=\"" + QByteArray::number(span) + "\"";
+    c += QByteArray("><text:p>") + text + "</text:p></table:table-cell>";
+    for (int i = 1; i < span; ++i)
+        c += "<table:covered-table-cell/>";
+    return c;
+}
+
+QByteArray row(const QByteArray &cells) {
+    return "<table:table-row>" + cells + "</table:table-row>";
+}
+
+// Title, a missing-data item, the table head, the block (a section row and a work row), a merged
+// total row and a merged signature row under it.
+void writeSheetTemplate(OfficeEngine &engine, const QString &fods, const QString &xls) {
+    const QByteArray body =
+        row(cell("[заголовок]", "b", 4)) + row(cell("Номер: [номер]")) +
+        row(cell("№", "t") + cell("Шифр", "t") + cell("Наименование", "t") + cell("Сумма", "t")) +
+        row(cell("[раздел.наименование]", "b", 4)) +
+        row(cell("[строки.№]", "t") + cell("[строки.шифр]", "t") + cell("[строки.наименование]", "t") +
+            cell("[строки.сумма]", "t")) +
+        row(cell("Итого", "b", 3) + cell("[итого]", "b")) + row(cell("Подрядчик: [подрядчик]", nullptr, 4));
+    QFile f(fods);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write(
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<office:document "
+        "xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\" "
+        "xmlns:table=\"urn:oasis:names:tc:opendocument:xmlns:table:1.0\" "
+        "xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\" "
+        "xmlns:style=\"urn:oasis:names:tc:opendocument:xmlns:style:1.0\" "
+        "xmlns:fo=\"urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0\" office:version=\"1.2\" "
+        "office:mimetype=\"application/vnd.oasis.opendocument.spreadsheet\"><office:automatic-styles>"
+        "<style:style style:name=\"b\" style:family=\"table-cell\"><style:text-properties "
+        "fo:font-weight=\"bold\"/></style:style><style:style style:name=\"t\" style:family=\"table-cell\">"
+        "<style:table-cell-properties fo:border=\"0.5pt solid #000000\"/></style:style>"
+        "</office:automatic-styles><office:body><office:spreadsheet><table:table table:name=\"Смета\">"
+        "<table:table-column table:number-columns-repeated=\"4\"/>" +
+        body + "</table:table></office:spreadsheet></office:body></office:document>");
+    f.close();
+    ASSERT_TRUE(engine.load(fods)) << engine.error().toStdString();
+    ASSERT_TRUE(engine.saveAs(xls, QStringLiteral("xls"))) << engine.error().toStdString();
+    engine.close();
+}
+
+// n items: every 100th is a section heading, the others works numbered 1, 2, … with the rate
+// number "12-3" (a text Calc would read as something else) and amounts i + 0,5.
+SheetData sheetData(int n, double *total) {
+    SheetData d;
+    SheetList list;
+    list.kinds = {QStringLiteral("строки"), QStringLiteral("раздел")};
+    *total = 0;
+    int number = 0;
+    for (int i = 0; i < n; ++i) {
+        SheetRow r;
+        if (i % 100 == 0 && n > 1) {
+            r.kind = QStringLiteral("раздел");
+            r.cells.insert(QStringLiteral("наименование"),
+                           SheetValue::ofText(QStringLiteral("РАЗДЕЛ %1").arg(i / 100 + 1)));
+        } else {
+            r.kind = QStringLiteral("строки");
+            ++number;
+            const double sum = i + 0.5;
+            *total += sum;
+            r.cells.insert(QStringLiteral("№"), SheetValue::ofNumber(number, QString::number(number)));
+            r.cells.insert(QStringLiteral("шифр"), SheetValue::ofText(QStringLiteral("12-3")));
+            r.cells.insert(QStringLiteral("наименование"),
+                           SheetValue::ofText(QStringLiteral("Работа %1").arg(i)));
+            r.cells.insert(QStringLiteral("сумма"), SheetValue::ofNumber(sum, QString::number(sum)));
+        }
+        list.rows << r;
+    }
+    d.lists << list;
+    d.values.insert(QStringLiteral("заголовок"), SheetValue::ofText(QStringLiteral("СМЕТА № 7")));
+    d.values.insert(QStringLiteral("итого"), SheetValue::ofNumber(*total, QString::number(*total)));
+    d.values.insert(QStringLiteral("подрядчик"), SheetValue::ofText(QStringLiteral("ООО «Ремонт»")));
+    return d;
+}
+
+class SheetBlock : public Engine, public ::testing::WithParamInterface<int> {};
+
+TEST_P(SheetBlock, ExpandsRowsKeepsMergedCellsBelowAndTotals) {
+    const int n = GetParam();
+    const QString templ = m_folder.file(QStringLiteral("Шаблон Смета.xls"));
+    writeSheetTemplate(engine(), m_folder.file(QStringLiteral("template.fods")), templ);
+    double total = 0;
+    const SheetData data = sheetData(n, &total);
+    const QString xls = m_folder.file(QStringLiteral("Смета 7.xls"));
+    const QString pdf = m_folder.file(QStringLiteral("Смета 7.pdf"));
+    QString error;
+    int lastProgress = 0;
+    ASSERT_TRUE(SheetTemplate::fill(engine(), templ, data, {{xls, {}}, {pdf, {}}}, &error, [&](int p) {
+        lastProgress = p;
+    })) << error.toStdString();
+    EXPECT_EQ(lastProgress, 100);
+
+    const FlatSheet s = readFlatSheet(convert(xls, QStringLiteral("fods")));
+    ASSERT_EQ(s.size(), 3 + n + 2);
+    EXPECT_EQ(s[0][0].text, QStringLiteral("СМЕТА № 7"));
+    EXPECT_EQ(s[0][0].columnSpan, 4);
+    EXPECT_EQ(s[1][0].text, QStringLiteral("Номер: [номер]")) << "an item without data stays";
+    int number = 0;
+    for (int i = 0; i < n; ++i) {
+        const QVector<FlatCell> &r = s[3 + i];
+        const SheetRow &item = data.lists[0].rows[i];
+        if (item.kind == QStringLiteral("раздел")) {
+            EXPECT_EQ(r[0].text, item.cells.value(QStringLiteral("наименование")).text) << i;
+            EXPECT_EQ(r[0].columnSpan, 4) << i;
+            continue;
+        }
+        ++number;
+        ASSERT_GE(r.size(), 4) << i;
+        EXPECT_EQ(r[0].type, QStringLiteral("float")) << i;
+        EXPECT_EQ(r[0].value, number) << i;
+        EXPECT_EQ(r[1].type, QStringLiteral("string")) << i;
+        EXPECT_EQ(r[1].text, QStringLiteral("12-3")) << i;
+        EXPECT_EQ(r[2].text, QStringLiteral("Работа %1").arg(i)) << i;
+        EXPECT_EQ(r[3].type, QStringLiteral("float")) << i;
+        EXPECT_DOUBLE_EQ(r[3].value, i + 0.5) << i;
+    }
+    const QVector<FlatCell> &totalRow = s[3 + n];
+    EXPECT_EQ(totalRow[0].text, QStringLiteral("Итого"));
+    EXPECT_EQ(totalRow[0].columnSpan, 3) << "the merged cells below moved with their rows";
+    EXPECT_EQ(totalRow[3].type, QStringLiteral("float"));
+    EXPECT_DOUBLE_EQ(totalRow[3].value, total);
+    EXPECT_EQ(s[4 + n][0].text, QStringLiteral("Подрядчик: ООО «Ремонт»"));
+    EXPECT_EQ(s[4 + n][0].columnSpan, 4);
+
+    const QString text = pdfText(pdf);
+    EXPECT_TRUE(text.contains(QStringLiteral("СМЕТА № 7")));
+    EXPECT_FALSE(text.contains(QStringLiteral("[строки.")));
+    if (n > 0) {
+        EXPECT_TRUE(text.contains(QStringLiteral("Работа %1").arg(n - 1)));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Items, SheetBlock, ::testing::Values(0, 1, 500));
+
+TEST_F(Engine, FindsTheCellHoldingAText) {
+    const QString templ = m_folder.file(QStringLiteral("t.xls"));
+    writeSheetTemplate(engine(), m_folder.file(QStringLiteral("t.fods")), templ);
+    ASSERT_TRUE(engine().load(templ));
+    QString cellName;
+    ASSERT_TRUE(engine().findCell(QStringLiteral("[итого]"), true, &cellName));
+    EXPECT_EQ(cellName, QStringLiteral("D6"));
+    ASSERT_TRUE(engine().findCell(QStringLiteral("Подрядчик"), false, &cellName));
+    EXPECT_EQ(cellName, QStringLiteral("A7"));
+    ASSERT_TRUE(engine().findCell(QStringLiteral("нет такого"), false, &cellName));
+    EXPECT_TRUE(cellName.isEmpty());
+    engine().close();
+}
+
+// ---------------------------------------------------------------------------------------------
+// A helper that dies or hangs
+
+TEST_F(Engine, KilledHelperIsRestartedForTheNextDocument) {
+    const QString templ = m_folder.file(QStringLiteral("t.xls"));
+    writeSheetTemplate(engine(), m_folder.file(QStringLiteral("t.fods")), templ);
+    ASSERT_TRUE(engine().load(templ));
+    const qint64 pid = engine().processId();
+    const int starts = engine().starts();
+    ASSERT_GT(pid, 0);
+    ::kill(static_cast<pid_t>(pid), SIGKILL);
+    QThread::msleep(100);
+    // The document died with the helper: this request fails with a message.
+    QString cellName;
+    EXPECT_FALSE(engine().findCell(QStringLiteral("[итого]"), true, &cellName));
+    EXPECT_FALSE(engine().error().isEmpty());
+    // The next document gets a new helper.
+    ASSERT_TRUE(engine().load(templ)) << engine().error().toStdString();
+    EXPECT_NE(engine().processId(), pid);
+    EXPECT_EQ(engine().starts(), starts + 1);
+    ASSERT_TRUE(engine().findCell(QStringLiteral("[итого]"), true, &cellName));
+    EXPECT_EQ(cellName, QStringLiteral("D6"));
+    engine().close();
+}
+
+TEST_F(Engine, HangingHelperFailsAfterItsTimeLimitAndIsReplaced) {
+    const QString templ = m_folder.file(QStringLiteral("t.xls"));
+    writeSheetTemplate(engine(), m_folder.file(QStringLiteral("t.fods")), templ);
+    ASSERT_TRUE(engine().load(templ));
+    const qint64 pid = engine().processId();
+    ::kill(static_cast<pid_t>(pid), SIGSTOP); // stops answering, as a hung engine does
+    engine().setTimeLimit(1500);
+    QString cellName;
+    EXPECT_FALSE(engine().findCell(QStringLiteral("[итого]"), true, &cellName));
+    EXPECT_TRUE(engine().error().contains(QStringLiteral("не ответил"))) << engine().error().toStdString();
+    engine().setTimeLimit(0);
+    EXPECT_FALSE(engine().running());
+    ASSERT_TRUE(engine().load(templ)) << engine().error().toStdString();
+    EXPECT_NE(engine().processId(), pid);
+    engine().close();
+}
+
+} // namespace

@@ -1,0 +1,150 @@
+// Template analysis and file checks that need no engine.
+
+#include "office/OfficeEngine.h"
+#include "office/SheetTemplate.h"
+#include "office/SheetText.h"
+#include "office/TemplateFile.h"
+
+#include "TestFolder.h"
+
+#include <QFile>
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(SheetText, CsvFieldsQuotesAndLineBreaks) {
+    const SheetText::Grid g =
+        SheetText::parseCsv(QStringLiteral("a,\"b,c\",\"say \"\"hi\"\"\"\r\n,\"two\nlines\",\n"));
+    ASSERT_EQ(g.size(), 2);
+    EXPECT_EQ(g[0], (QStringList{"a", "b,c", "say \"hi\""}));
+    EXPECT_EQ(g[1], (QStringList{"", "two\nlines", ""}));
+}
+
+TEST(SheetText, CellNamesBothWays) {
+    struct Case {
+        int row, column;
+        const char *name;
+    } cases[] = {{0, 0, "A1"},   {4, 1, "B5"},      {9, 25, "Z10"},
+                 {0, 26, "AA1"}, {99, 51, "AZ100"}, {0, 702, "AAA1"}};
+    for (const Case &c : cases) {
+        EXPECT_EQ(SheetText::cellName(c.row, c.column), QString::fromLatin1(c.name));
+        int r = -1, col = -1;
+        ASSERT_TRUE(SheetText::parseCellName(QString::fromLatin1(c.name), &r, &col)) << c.name;
+        EXPECT_EQ(r, c.row);
+        EXPECT_EQ(col, c.column);
+    }
+    int r, c;
+    for (const char *bad : {"", "5", "B", "b5", "B0", "B5x"})
+        EXPECT_FALSE(SheetText::parseCellName(QString::fromLatin1(bad), &r, &c)) << bad;
+    EXPECT_EQ(SheetText::rangeName(4, 0, 8, 7), QStringLiteral("A5:H9"));
+}
+
+TEST(SheetTemplate, Placeholders) {
+    EXPECT_EQ(SheetTemplate::placeholders(QStringLiteral("Счёт № [edNumber] от [DateEdit]")),
+              (QStringList{"edNumber", "DateEdit"}));
+    EXPECT_EQ(SheetTemplate::placeholders(QStringLiteral("[строки.сумма]")), (QStringList{"строки.сумма"}));
+    EXPECT_TRUE(SheetTemplate::placeholders(QStringLiteral("обычный текст")).isEmpty());
+}
+
+SheetData estimateLikeData() {
+    SheetData d;
+    SheetList rows;
+    rows.kinds = {QStringLiteral("строки"), QStringLiteral("раздел"), QStringLiteral("итог")};
+    rows.fallback = {{QStringLiteral("подраздел"), QStringLiteral("раздел")}};
+    SheetList totals;
+    totals.kinds = {QStringLiteral("итоги")};
+    d.lists = {rows, totals};
+    d.values.insert(QStringLiteral("заголовок"), SheetValue::ofText(QStringLiteral("СМЕТА")));
+    return d;
+}
+
+TEST(SheetTemplate, AnalyseFindsBlocksAndNamedItems) {
+    const SheetText::Grid grid{
+        {"[заголовок]", "", "[номер]"},
+        {"№", "Наименование", "Сумма"},
+        {"[раздел.наименование]", "", ""},
+        {"[строки.№]", "[строки.наименование]", "[строки.сумма]"},
+        {"", "[итог.наименование]", "[итог.сумма]"},
+        {"Примечание", "", ""},
+        {"", "[итоги.наименование]", "[итоги.сумма]"},
+        {"Подрядчик", "[подрядчик]", "Заказчик: [заказчик]"},
+    };
+    const SheetTemplate::Layout layout = SheetTemplate::analyse(grid, estimateLikeData());
+    ASSERT_EQ(layout.blocks.size(), 2);
+    EXPECT_EQ(layout.blocks[0].list, 0);
+    EXPECT_EQ(layout.blocks[0].firstRow, 2);
+    EXPECT_EQ(layout.blocks[0].lastRow, 4);
+    EXPECT_EQ(layout.blocks[0].rowOf.value(QStringLiteral("раздел")), 2);
+    EXPECT_EQ(layout.blocks[0].rowOf.value(QStringLiteral("итог")), 4);
+    EXPECT_EQ(layout.blocks[1].list, 1);
+    EXPECT_EQ(layout.blocks[1].firstRow, 6);
+    EXPECT_EQ(layout.blocks[1].lastRow, 6);
+    EXPECT_EQ(layout.named, (QStringList{"заголовок", "номер", "подрядчик", "заказчик"}));
+    EXPECT_EQ(layout.width, 3);
+}
+
+TEST(SheetTemplate, UnfilledCountsOnlyPlaceholdersWithDataAndRowPlaceholders) {
+    const SheetText::Grid filled{
+        {"[заголовок]", "", "[номер]"},
+        {"1", "[строки.сумма]", "Окно [ПВХ]"},
+    };
+    EXPECT_EQ(SheetTemplate::unfilled(filled, estimateLikeData()),
+              (QStringList{"[заголовок]", "[строки.сумма]"}));
+}
+
+TEST(TemplateFile, RefusesMissingLargeAndForeignFiles) {
+    TestFolder folder;
+    const QString missing = folder.file(QStringLiteral("Шаблон Смета.xls"));
+    EXPECT_EQ(TemplateFile::check(missing), QStringLiteral("Отсутствует файл ") + missing);
+
+    const QString large = folder.file(QStringLiteral("big.xls"));
+    {
+        QFile f(large);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8);
+        ASSERT_TRUE(f.resize(TemplateFile::kMaxBytes + 1)); // sparse: takes no disk space
+    }
+    EXPECT_TRUE(TemplateFile::check(large).contains(QStringLiteral("больше 50 МБ")));
+
+    struct Case {
+        const char *name;
+        QByteArray content;
+        bool ok;
+    } cases[] = {
+        {"text.xls", "just text", false},
+        {"real.xls", "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1rest", true},
+        {"zip.docx", "PK\x03\x04rest", true},
+        {"fake.docx", "{\\rtf1}", false},
+        {"doc.rtf", "{\\rtf1\\ansi}", true},
+        {"note.txt", "Договор [заказчик]", true},
+        {"binary.txt", QByteArray("a\0b", 3), false},
+        {"picture.png", "\x89PNG", false},
+    };
+    for (const Case &c : cases) {
+        const QString path = folder.file(QString::fromLatin1(c.name));
+        QFile f(path);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(c.content);
+        f.close();
+        const QString message = TemplateFile::check(path);
+        EXPECT_EQ(message.isEmpty(), c.ok) << c.name << " " << message.toStdString();
+        if (!c.ok) {
+            EXPECT_TRUE(message.contains(path)) << c.name;
+        }
+    }
+}
+
+TEST(OfficeEngine, MissingLibreOfficeSaysWhatToInstall) {
+    TestFolder folder;
+    qputenv("VIRN_LIBREOFFICE_DIR", folder.path().toUtf8());
+    OfficeEngine engine(folder.path());
+    QString why;
+    EXPECT_FALSE(engine.available(&why));
+    EXPECT_TRUE(why.contains(QStringLiteral("libreoffice-calc")));
+    EXPECT_FALSE(engine.load(folder.file(QStringLiteral("any.xls"))));
+    EXPECT_EQ(engine.error(), OfficeEngine::missingEngineMessage());
+    EXPECT_FALSE(engine.running());
+    qunsetenv("VIRN_LIBREOFFICE_DIR");
+}
+
+} // namespace
