@@ -191,6 +191,33 @@ private:
 public:
 
     // ----- price base (TForm1_price.cpp)
+    // The rate panel in PanelRas (price lists, section navigation, rate grid StringGridRas), the live
+    // search list MemoPrice over the estimate grid, and the insertion of rates into the estimate.
+    class PriceBase *priceBase() const { return m_priceBase; }
+    class TRatePanel *RatePanel = nullptr;
+    class LiveSearchList *MemoPrice = nullptr;
+    QAction *CheckBoxLiveSearch = nullptr;
+    QAction *CheckBoxSortWork = nullptr;
+    QAction *CheckBoxControlPrice = nullptr;
+    QAction *CheckRowMat = nullptr;
+    // StringGridRasDblClickCell: rate grid row r (or every ticked row) into the estimate.
+    void StringGridRasDblClickCell(int gridRow);
+    // StringGridDocSetEditText: the live search while a work's name is typed into the estimate grid.
+    void StringGridDocSetEditText(int gridRow, int col, const QString &text);
+    // MemoPriceDblClick: live-search entry `row` into the current estimate row.
+    void MemoPriceDblClick(int row);
+    // The estimate's materials of one rate again from the quantities and the norms.
+    void SearchAndWriteResurse(const QString &rec, const QString &table);
+
+private:
+    void startPriceBase();
+    void showDuplicate(int gridRow);
+    class PriceBase *m_priceBase = nullptr;
+    class LiveSearchModel *m_liveModel = nullptr;
+    class CellEditorWatcher *m_cellWatcher = nullptr;
+    bool m_inserting = false; // an insertion's own step needs no recomputing of materials
+
+public:
 
     // ----- estimate header: customer, object, contractor (TForm1_header.cpp)
     // (The types of this block are declared by their elaborated names; their headers are in customers/.)

@@ -2,7 +2,19 @@
 
 #include "storage/ModuleSQL.h"
 
-PriceBase::PriceBase(TModuleSQL &module, QObject *parent) : QObject(parent), m_module(module) {}
+PriceBase::PriceBase(TModuleSQL *module, QObject *parent) : QObject(parent), m_module(module) {}
+
+QSqlDatabase PriceBase::priceDb(QString *error) {
+    if (!m_module) {
+        if (error)
+            *error = QStringLiteral("База расценок не открыта.");
+        return {};
+    }
+    QSqlDatabase db = m_module->database(Db::Price);
+    if (!db.isOpen() && error)
+        *error = m_module->failure(Db::Price);
+    return db;
+}
 
 void PriceBase::setLiveSearchEnabled(bool on) {
     if (m_liveSearch == on)
@@ -51,9 +63,8 @@ bool PriceBase::read(QString *error) {
         take(data, true);
         return true;
     }
-    bool ok = isRemote()
-                  ? m_remote.readList(QString(), data, error)
-                  : PriceStore::readList(m_module.database(Db::Price), table(), m_currency, data, error);
+    bool ok = isRemote() ? m_remote.readList(QString(), data, error)
+                         : PriceStore::readList(priceDb(error), table(), m_currency, data, error);
     if (!ok)
         data = PriceListData();
     take(data, true);
@@ -103,23 +114,22 @@ bool PriceBase::write(QString *error) {
         return false;
     }
     m_model.fillMissingRecs();
-    const bool ok = isRemote() ? m_remote.writeList(m_model.allRows(), error)
-                               : PriceStore::writeList(m_module.database(Db::Price), table(), m_currency,
-                                                       m_model.allRows(), error);
+    const bool ok =
+        isRemote() ? m_remote.writeList(m_model.allRows(), error)
+                   : PriceStore::writeList(priceDb(error), table(), m_currency, m_model.allRows(), error);
     if (!ok)
         return false;
     return read(error);
 }
 
 bool PriceBase::updateCrewPrices(const QString &koefText, QString *error, int *statements) {
-    return PriceStore::updateCrewPrices(m_module.database(Db::Price), m_currency, koefText, error,
-                                        statements);
+    return PriceStore::updateCrewPrices(priceDb(error), m_currency, koefText, error, statements);
 }
 
 bool PriceBase::findRate(const QString &name, RateRow &out, QString *error) {
     if (isRemote())
         return m_remote.findRateByName(name, out, error);
-    return PriceStore::findRateByName(m_module.database(Db::Price), table(), m_currency, name, out, error);
+    return PriceStore::findRateByName(priceDb(error), table(), m_currency, name, out, error);
 }
 
 bool PriceBase::connectServer(const ServerSettings &settings, QString *error) {

@@ -18,13 +18,15 @@ enum class PriceTab { MyPrice = 0, Price2 = 1, Material = 2, Server = 3 };
 class PriceBase : public QObject {
     Q_OBJECT
 public:
-    explicit PriceBase(TModuleSQL &module, QObject *parent = nullptr);
+    // The data module may come later (the main window gets it after it is built).
+    explicit PriceBase(TModuleSQL *module, QObject *parent = nullptr);
+    void setModule(TModuleSQL *module) { m_module = module; }
+    bool hasModule() const { return m_module != nullptr; }
 
     RateGridModel &model() { return m_model; }
     const LiveSearch &liveSearch() const { return m_search; }
     const SectionIndex &sections() const { return m_sections; }
     RemotePriceList &remote() { return m_remote; }
-    TModuleSQL &module() { return m_module; }
 
     // State that chooses the current list. Setting it does not read; call read().
     void setTab(PriceTab tab) { m_tab = tab; }
@@ -69,8 +71,10 @@ signals:
 
 private:
     void take(PriceListData &data, bool rebuild);
+    // price.db, or an invalid handle (and *error) without a data module.
+    QSqlDatabase priceDb(QString *error);
 
-    TModuleSQL &m_module;
+    TModuleSQL *m_module = nullptr;
     RateGridModel m_model;
     LiveSearch m_search;
     SectionIndex m_sections;

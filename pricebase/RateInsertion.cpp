@@ -8,6 +8,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
+#include <optional>
 
 namespace {
 QString positionNumber(int gridRow) {
@@ -199,4 +200,13 @@ int RateInsertion::sortedPlace(int row, QString *error) {
     QSqlQuery drop(m_smeta);
     drop.exec(QStringLiteral("DROP TABLE IF EXISTS SortWork;"));
     return std::clamp(place, int(EstimateGrid::kFixedRows), m_grid.gridRowCount() - 1);
+}
+
+QString addQuantities(const QString &quantity, const QString &added, bool *ok) {
+    const auto read = [](const QString &t) -> std::optional<double> {
+        return TextValues::isBlank(t) ? std::optional<double>(0.0) : TextValues::parseAmount(t);
+    };
+    const auto a = read(quantity), b = read(added);
+    *ok = a && b;
+    return *ok ? TextValues::formatQuantity(*a + *b) : QString();
 }

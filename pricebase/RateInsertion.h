@@ -61,3 +61,7 @@ private:
     QSqlDatabase m_smeta;
     QSqlDatabase m_price;
 };
+
+// TCalcDocKolvo: the row's quantity plus an added quantity (either may be empty, meaning 0), as
+// quantity text. *ok is false when one of them is not a number.
+QString addQuantities(const QString &quantity, const QString &added, bool *ok);

@@ -1,0 +1,27 @@
+#pragma once
+// TServerRasSettings: where the remote price list lives (address, port, database, user, password,
+// table). The values are kept in IniFile.db, section "Server".
+
+#include "RemotePriceList.h"
+
+#include <QDialog>
+
+class QLineEdit;
+class QSpinBox;
+
+class TServerRasSettings : public QDialog {
+    Q_OBJECT
+public:
+    explicit TServerRasSettings(const ServerSettings &settings, QWidget *parent = nullptr);
+    ServerSettings settings() const;
+
+    QLineEdit *EditHost = nullptr;
+    QSpinBox *EditPort = nullptr;
+    QLineEdit *EditDatabase = nullptr;
+    QLineEdit *EditUser = nullptr;
+    QLineEdit *EditPassword = nullptr;
+    QLineEdit *EditTable = nullptr;
+
+    // Refuses settings that cannot work (no address, a table name with other characters).
+    void accept() override;
+};
