@@ -45,6 +45,11 @@ QString headerValue(const QList<QPair<QString, QString>> &params, const QString 
     return {};
 }
 
+// Customer and object names are kept in the parameters as stored (backticks); shown with quotes.
+QString headerName(const QList<QPair<QString, QString>> &params, const QString &name) {
+    return TextValues::nameFromStored(headerValue(params, name));
+}
+
 } // namespace
 
 void TForm1::setupFile() {
@@ -207,8 +212,8 @@ bool TForm1::spdSaveClick() {
         return keepChanged(error + QStringLiteral("\nФайл «%1» не изменён.").arg(shown(m_fileName)));
 
     const auto params = documentParameters();
-    const QString customer = headerValue(params, DocParam::customer);
-    const QString object = headerValue(params, DocParam::object);
+    const QString customer = headerName(params, DocParam::customer);
+    const QString object = headerName(params, DocParam::object);
     Registration::Entry entry;
     entry.date = TextValues::parseShortDate(headerValue(params, DocParam::date));
     if (!entry.date.isValid())
@@ -264,8 +269,8 @@ bool TForm1::spdSaveKakClick() {
     } else if (CheckBossDir->isChecked()) {
         const auto params = documentParameters();
         folder = CustomerFolder::makeFolderForDocument(
-            *m_module, DocumentFile::documentsFolder(m_dataFolder), headerValue(params, DocParam::customer),
-            headerValue(params, DocParam::object),
+            *m_module, DocumentFile::documentsFolder(m_dataFolder), headerName(params, DocParam::customer),
+            headerName(params, DocParam::object),
             CustomerFolder::Options::fromFlags([this](const QString &key) { return m_settings.flag(key); }));
     }
     QString f = dialogs().saveFile(QStringLiteral("Сохранить как"), folder, QString(), kSaveFilter,
@@ -410,8 +415,8 @@ void TForm1::TimerAutosaveTimer() {
     const QString fallback =
         m_fileName.isEmpty() ? (m_draft ? QStringLiteral("Новый черновик") : QStringLiteral("Новый документ"))
                              : QFileInfo(m_fileName).completeBaseName();
-    const QString id = AutosaveName::identification(headerValue(params, DocParam::customer),
-                                                    headerValue(params, DocParam::object),
+    const QString id = AutosaveName::identification(headerName(params, DocParam::customer),
+                                                    headerName(params, DocParam::object),
                                                     headerValue(params, DocParam::number), fallback);
     m_autosave->startCopy(m_module->filePath(Db::Smeta),
                           AutosaveName::fileName(QDateTime::currentDateTime(), id));

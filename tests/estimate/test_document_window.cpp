@@ -1,11 +1,7 @@
 // The main window's file commands: save, save as, open, drafts, recent list, autosave, refusals.
 
-#include "ScriptedDialogs.h"
-#include "TestFolder.h"
-#include "app/TForm1.h"
+#include "MainWindowFixture.h"
 #include "estimate/Autosave.h"
-#include "estimate/EstimateGrid.h"
-#include "storage/ModuleSQL.h"
 
 #include <QAction>
 #include <QDir>
@@ -20,38 +16,15 @@
 
 namespace {
 
-class DocumentWindowTest : public ::testing::Test {
+class DocumentWindowTest : public MainWindowFixture {
 protected:
     void SetUp() override {
-        ensureApplication();
-        previousDir = QDir::currentPath();
-        QDir::setCurrent(folder.path());
-        window = std::make_unique<TForm1>(QStringList{});
-        module = std::make_unique<TModuleSQL>(window->dataFolder());
-        window->attachModule(module.get());
-        window->FormShow();
+        MainWindowFixture::SetUp();
         window->CheckBossDir->setChecked(false);
     }
-    void TearDown() override {
-        window.reset();
-        module.reset();
-        QDir::setCurrent(previousDir);
-    }
-    void edit(const QString &text = "Окраска стен") {
-        window->gridDoc()->setData(window->gridDoc()->index(0, EstimateCol::Name), text, Qt::EditRole);
-    }
+    void edit(const QString &text = "Окраска стен") { MainWindowFixture::edit(text); }
     QString firstName() const { return window->gridDoc()->cell(EstimateGrid::kFixedRows, EstimateCol::Name); }
-    int count(Db db, const QString &sql) {
-        QSqlQuery q(module->database(db));
-        return q.exec(sql) && q.next() ? q.value(0).toInt() : -1;
-    }
     QString tab() const { return window->PageControlDoc->tabText(0); }
-
-    ScriptedDialogsGuard dialogs;
-    TestFolder folder;
-    QString previousDir;
-    std::unique_ptr<TForm1> window;
-    std::unique_ptr<TModuleSQL> module;
 };
 
 TEST_F(DocumentWindowTest, CancelInTheSaveDialogLeavesTheDocumentUnsaved) {
@@ -245,6 +218,36 @@ TEST_F(DocumentWindowTest, RecentMenuOpensAndStartUpLoadsTheLastDocument) {
     window->FormShow();
     EXPECT_EQ(window->currentFile(), paths.at(0));
     EXPECT_EQ(firstName(), "Sm/Первая.sim");
+}
+
+TEST_F(DocumentWindowTest, TheCustomerNamesTheFolderTheRegisterRowAndTheCounter) {
+    window->CheckBossDir->setChecked(true);
+    window->applyHeaderParameters({{"Customer", "ООО `Ромашка`"},
+                                   {"Object", "Кухня"},
+                                   {"NumericSmeta", "7"},
+                                   {"DateSmeta", "05.02.2025"}});
+    edit();
+    const QString path = folder.file("Sm/Смета Ромашка.sim");
+    dialogs->queueFile(path);
+    ASSERT_TRUE(window->spdSaveClick());
+    // The per-customer folder was made for the dialog to start in.
+    EXPECT_TRUE(
+        QDir(folder.file("Sm")).entryList(QDir::Dirs | QDir::NoDotAndDotDot).join("|").contains("Ромашка"))
+        << QDir(folder.file("Sm")).entryList(QDir::Dirs).join("|").toStdString();
+    QSqlQuery q(module->database(Db::MyDoc));
+    ASSERT_TRUE(q.exec("SELECT client, object, data, date_compare, month, year, name FROM documents") &&
+                q.next());
+    EXPECT_EQ(q.value(0).toString(), "ООО `Ромашка`");
+    EXPECT_EQ(q.value(1).toString(), "Кухня");
+    EXPECT_EQ(q.value(2).toString(), "05.02.2025");
+    EXPECT_EQ(q.value(3).toLongLong(), 20250205000000LL);
+    EXPECT_EQ(q.value(4).toString(), "2");
+    EXPECT_EQ(q.value(5).toString(), "2025");
+    EXPECT_EQ(q.value(6).toString(), "Смета Ромашка");
+    edit("ещё");
+    ASSERT_TRUE(window->spdSaveClick());
+    EXPECT_EQ(
+        count(Db::People, "SELECT COUNT(*) FROM NumDoc WHERE Client='ООО `Ромашка`' AND Object='Кухня'"), 1);
 }
 
 } // namespace
