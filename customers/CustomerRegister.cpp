@@ -83,11 +83,11 @@ QList<QPair<QString, QString>> CustomerRegister::allObjects() {
     return list;
 }
 
-CustomerData CustomerRegister::customer(const QString &name) {
+CustomerData CustomerRegister::load(const QString &column, const QVariant &value) {
     CustomerData d;
     QSqlQuery q(cash());
-    q.prepare(QStringLiteral("SELECT * FROM customer WHERE fio=?"));
-    q.addBindValue(nameToStored(name));
+    q.prepare(QStringLiteral("SELECT * FROM customer WHERE %1=?").arg(column));
+    q.addBindValue(value);
     if (!q.exec() || !q.next())
         return d;
     d.found = true;
@@ -100,13 +100,12 @@ CustomerData CustomerRegister::customer(const QString &name) {
     return d;
 }
 
+CustomerData CustomerRegister::customer(const QString &name) {
+    return load(QStringLiteral("fio"), nameToStored(name));
+}
+
 CustomerData CustomerRegister::customerById(const QString &id) {
-    QSqlQuery q(cash());
-    q.prepare(QStringLiteral("SELECT fio FROM customer WHERE _id=?"));
-    q.addBindValue(id);
-    if (id.isEmpty() || !q.exec() || !q.next())
-        return {};
-    return customer(nameFromStored(q.value(0).toString()));
+    return id.isEmpty() ? CustomerData{} : load(QStringLiteral("_id"), id);
 }
 
 bool CustomerRegister::exists(const QString &name) {

@@ -67,6 +67,7 @@ private:
     bool run(QSqlDatabase db, const QString &sql, const QVariantList &values = {},
              int *rowsAffected = nullptr);
     bool inTransaction(QSqlDatabase db, const std::function<bool()> &body);
+    CustomerData load(const QString &column, const QVariant &value);
     bool objectExists(const QString &customer, const QString &object);
     bool writeRequisites(QSqlDatabase db, const QString &id, const Fields &customer,
                          const Fields &requisites);

@@ -59,15 +59,16 @@ void TZakazAndObject::build() {
     auto *root = new QVBoxLayout(this);
     auto *tools = new QHBoxLayout;
     spdAddCustomer =
-        toolButton(this, "spdAddCustomer", "Заказчик", "Добавить заказчика", QStyle::SP_FileIcon);
-    spdDelZakaz = toolButton(this, "spdDelZakaz", "Заказчик", "Удалить заказчика", QStyle::SP_TrashIcon);
-    spdClear =
-        toolButton(this, "spdClear", "Очистить", "Удалить все данные в базе", QStyle::SP_DialogDiscardButton);
-    spdAddObject =
-        toolButton(this, "spdAddObject", "Объект", "Добавить объект", QStyle::SP_FileDialogNewFolder);
-    spdEditObject = toolButton(this, "spdEditObject", "Объект", "Редактировать наименование объекта",
-                               QStyle::SP_FileDialogDetailedView);
-    spdDelObject = toolButton(this, "spdDelObject", "Объект", "Удалить объект", QStyle::SP_TrashIcon);
+        toolButton(this, "spdAddCustomer", "Добавить заказчика", "Добавить заказчика", QStyle::SP_FileIcon);
+    spdDelZakaz =
+        toolButton(this, "spdDelZakaz", "Удалить заказчика", "Удалить заказчика", QStyle::SP_TrashIcon);
+    spdClear = toolButton(this, "spdClear", "Очистить базу", "Удалить все данные в базе",
+                          QStyle::SP_DialogDiscardButton);
+    spdAddObject = toolButton(this, "spdAddObject", "Добавить объект", "Добавить объект",
+                              QStyle::SP_FileDialogNewFolder);
+    spdEditObject = toolButton(this, "spdEditObject", "Переименовать объект",
+                               "Редактировать наименование объекта", QStyle::SP_FileDialogDetailedView);
+    spdDelObject = toolButton(this, "spdDelObject", "Удалить объект", "Удалить объект", QStyle::SP_TrashIcon);
     btnAllObject = named(new QPushButton(QStringLiteral("Объекты"), this), QStringLiteral("btnAllObject"));
     btnAllObject->setToolTip(QStringLiteral("Отобразить все объекты"));
     btnOK = named(new QPushButton(QStringLiteral("Сохранить"), this), QStringLiteral("btnOK"));
