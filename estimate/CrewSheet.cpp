@@ -62,9 +62,15 @@ CrewSheet::PriceLookup CrewSheet::priceListLookup(std::function<QSqlDatabase()> 
 CrewSheet::CrewSheet(EstimateGrid *grid, CrewGrid *crew, QObject *parent)
     : QObject(parent), m_grid(grid), m_crew(crew) {
     connect(grid, &QAbstractItemModel::dataChanged, this, &CrewSheet::onDataChanged);
+    connect(grid, &QAbstractItemModel::rowsAboutToBeInserted, this, &CrewSheet::onRowsAboutToBeInserted);
     connect(grid, &QAbstractItemModel::rowsInserted, this, &CrewSheet::onRowsInserted);
+    connect(grid, &QAbstractItemModel::rowsAboutToBeRemoved, this, &CrewSheet::onRowsAboutToBeRemoved);
     connect(grid, &QAbstractItemModel::rowsRemoved, this, &CrewSheet::onRowsRemoved);
-    connect(grid, &QAbstractItemModel::rowsMoved, this, &CrewSheet::onRowsMoved);
+    connect(grid, &QAbstractItemModel::rowsAboutToBeMoved, this, &CrewSheet::onRowsAboutToBeMoved);
+    connect(grid, &QAbstractItemModel::rowsMoved, this, [this] {
+        m_dirty = true;
+        changed();
+    });
     connect(grid, &QAbstractItemModel::modelReset, this, &CrewSheet::onGridReset);
     connect(crew, &QAbstractItemModel::modelReset, this, &CrewSheet::onCrewReset);
     connect(crew, &CrewGrid::cellEdited, this, &CrewSheet::onCrewEdited);
@@ -225,13 +231,18 @@ void CrewSheet::onDataChanged(const QModelIndex &topLeft, const QModelIndex &bot
     changed();
 }
 
-void CrewSheet::onRowsInserted(const QModelIndex &, int first, int last) {
+void CrewSheet::onRowsAboutToBeInserted(const QModelIndex &, int first, int last) {
     const int count = last - first + 1;
     m_rows.insert(m_rows.begin() + first, static_cast<size_t>(count), RowState{});
     m_koef.insert(m_koef.begin() + first, static_cast<size_t>(count), QString());
     m_writing = true;
     m_crew->insertGridRows(first + CrewGrid::kFixedRows, count);
+    m_writing = false;
+}
+
+void CrewSheet::onRowsInserted(const QModelIndex &, int first, int last) {
     // The crew grid keeps one data row of its own when emptied: match the estimate's count.
+    m_writing = true;
     m_crew->setGridRowCount(m_grid->rowCount() + CrewGrid::kFixedRows);
     m_writing = false;
     for (int m = first; m <= last; ++m)
@@ -240,17 +251,20 @@ void CrewSheet::onRowsInserted(const QModelIndex &, int first, int last) {
     changed();
 }
 
-void CrewSheet::onRowsRemoved(const QModelIndex &, int first, int last) {
+void CrewSheet::onRowsAboutToBeRemoved(const QModelIndex &, int first, int last) {
     m_rows.erase(m_rows.begin() + first, m_rows.begin() + last + 1);
     m_koef.erase(m_koef.begin() + first, m_koef.begin() + last + 1);
     m_writing = true;
     m_crew->removeGridRows(first + CrewGrid::kFixedRows, last - first + 1);
     m_writing = false;
+}
+
+void CrewSheet::onRowsRemoved() {
     m_dirty = true;
     changed();
 }
 
-void CrewSheet::onRowsMoved(const QModelIndex &, int start, int end, const QModelIndex &, int row) {
+void CrewSheet::onRowsAboutToBeMoved(const QModelIndex &, int start, int end, const QModelIndex &, int row) {
     auto rotate = [&](auto &v) {
         auto b = v.begin();
         if (row > end)
@@ -269,8 +283,6 @@ void CrewSheet::onRowsMoved(const QModelIndex &, int start, int end, const QMode
             m_crew->moveGridRow(start + i + k, row + i + k);
     }
     m_writing = false;
-    m_dirty = true;
-    changed();
 }
 
 void CrewSheet::flush() {

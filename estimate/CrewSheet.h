@@ -75,9 +75,14 @@ private:
         qint64 customer = 0;
     };
     void onDataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles);
+    // The crew rows follow the estimate's structure as it is announced, so that cells written by
+    // other listeners right after a change land in the right crew rows.
+    void onRowsAboutToBeInserted(const QModelIndex &parent, int first, int last);
     void onRowsInserted(const QModelIndex &parent, int first, int last);
-    void onRowsRemoved(const QModelIndex &parent, int first, int last);
-    void onRowsMoved(const QModelIndex &parent, int start, int end, const QModelIndex &dest, int row);
+    void onRowsAboutToBeRemoved(const QModelIndex &parent, int first, int last);
+    void onRowsRemoved();
+    void onRowsAboutToBeMoved(const QModelIndex &parent, int start, int end, const QModelIndex &dest,
+                              int row);
     void onGridReset();
     void onCrewReset();
     void onCrewEdited(int gridRow, int col, const QString &oldText, const QString &newText);

@@ -28,12 +28,18 @@ bool equivalent(const QStringList &a, const QStringList &b) {
     const RowKind ka = rowKindFromMarker(at(a, Kind)), kb = rowKindFromMarker(at(b, Kind));
     if (ka != kb)
         return false;
-    // Totals rows hold nothing but computed text.
-    if (ka == RowKind::SectionTotal || ka == RowKind::SubsectionTotal)
-        return true;
-    const bool grandA = ka == RowKind::Work && EstimateStructure::isGrandTotalName(at(a, Name));
+    const bool totalsRow = ka == RowKind::SectionTotal || ka == RowKind::SubsectionTotal;
+    const bool grand = ka == RowKind::Work && EstimateStructure::isGrandTotalName(at(a, Name));
+    // The amount is typed only where there is neither quantity nor price.
+    auto typed = [&](const QStringList &l) {
+        return TextValues::isBlank(at(l, Qty)) && TextValues::isBlank(at(l, Price));
+    };
     for (int c = 0; c < kRowWidth; ++c) {
         if (c == Num || c == Itogo)
+            continue;
+        if (c == Sum && (totalsRow || grand || !typed(a) || !typed(b)))
+            continue;
+        if (c == Name && totalsRow)
             continue;
         if (c == Name && ka == RowKind::SectionStart) {
             if (EstimateStructure::sectionTitle(at(a, c)) != EstimateStructure::sectionTitle(at(b, c)))
@@ -44,14 +50,6 @@ bool equivalent(const QStringList &a, const QStringList &b) {
             if (EstimateStructure::subsectionTitle(at(a, c)) != EstimateStructure::subsectionTitle(at(b, c)))
                 return false;
             continue;
-        }
-        if (c == Sum) {
-            // The amount is typed only where there is neither quantity nor price.
-            const bool typedA =
-                !grandA && TextValues::isBlank(at(a, Qty)) && TextValues::isBlank(at(a, Price));
-            const bool typedB = TextValues::isBlank(at(b, Qty)) && TextValues::isBlank(at(b, Price));
-            if (!typedA || !typedB)
-                continue;
         }
         if (at(a, c) != at(b, c))
             return false;

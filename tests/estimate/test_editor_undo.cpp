@@ -1,0 +1,162 @@
+// Undo and redo of every command back to the identical grid, the journal in ReturnAction, copy and
+// paste through PopupMenuEdit.
+
+#include "estimate/CrewSheet.h"
+#include "test_editor_fixture.h"
+
+#include <QSqlQuery>
+
+using namespace EstimateCol;
+
+namespace {
+
+class UndoTest : public EditorTest {
+protected:
+    // [br 2, w 3, w 4, bp 5, w 6, ip 7, ir 8, w 9, Итого 10]
+    void build() {
+        work(2, "Снос", "10", "150");
+        editor->appendRow();
+        work(3, "Вывоз", "2", "1000");
+        editor->appendRow();
+        work(4, "Стяжка", "5", "500");
+        ASSERT_TRUE(editor->createSection(2, 4, "Демонтаж"));
+        ASSERT_TRUE(editor->createSubsection(5, 5, "Пол"));
+        const int r = editor->appendRow();
+        work(r, "Уборка", "1", "2000");
+        editor->crew()->setPerRow(true);
+        ASSERT_TRUE(crew.setData(crew.index(1, CrewCol::Koef), "0,8", Qt::EditRole)); // estimate row 3
+        ASSERT_EQ(grid.gridRowCount(), 11);
+    }
+    int journalRecords(const QString &where = "1") {
+        QSqlQuery q(module->database(Db::ReturnAction));
+        q.exec("SELECT COUNT(*) FROM ReturnAction WHERE " + where);
+        return q.next() ? q.value(0).toInt() : -1;
+    }
+};
+
+TEST_F(UndoTest, EveryCommandUndoesAndRedoesToTheIdenticalGrid) {
+    build();
+    struct Case {
+        const char *what;
+        std::function<bool()> step;
+    };
+    const std::vector<Case> cases = {
+        {"append a row", [&] { return editor->appendRow() == 10; }},
+        {"insert a row above", [&] { return editor->insertRowAbove(6) == 6; }},
+        {"delete rows", [&] { return editor->deleteRows(3, 4); }},
+        {"move rows down", [&] { return editor->moveRowsDown(3, 4); }},
+        {"move a subsection up", [&] { return editor->moveRows(5, 7, 4); }},
+        {"drag a row far down", [&] { return editor->moveRows(3, 3, 9); }},
+        {"create a section around a row", [&] { return editor->createSection(9, 9, "Уборка"); }},
+        {"create an empty section", [&] { return editor->createSection(10, 10, "Новый"); }},
+        {"create a subsection", [&] { return editor->createSubsection(3, 4, "Стены"); }},
+        {"delete a section", [&] { return editor->deleteSection(6); }},
+        {"delete a subsection", [&] { return editor->deleteSubsection(6); }},
+        {"type a quantity", [&] { return grid.setData(grid.index(1, Qty), "7", Qt::EditRole); }},
+        {"rename a section", [&] { return grid.setData(grid.index(0, Name), "Снос и вывоз", Qt::EditRole); }},
+        {"type a crew coefficient",
+         [&] { return crew.setData(crew.index(4, CrewCol::Koef), "0,9", Qt::EditRole); }},
+        {"paste copied rows", [&] { return editor->copyRows(3, 4) == 2 && editor->pasteRows(6) == 2; }},
+        {"a scoped change by other code",
+         [&] {
+             EstimateEditor::Scope step(*editor, QStringLiteral("Вставка расценки"));
+             grid.insertGridRows(4, 2);
+             grid.setCell(4, Name, "Грунтовка");
+             grid.setCell(5, Kind, "");
+             grid.setCell(9, Price, "99");
+             grid.removeGridRows(7, 1);
+             return true;
+         }},
+        {"an unscoped change by other code",
+         [&] {
+             grid.setCell(3, Qty, "11");
+             grid.insertGridRows(9, 1);
+             settle();
+             return true;
+         }},
+    };
+    for (const Case &c : cases) {
+        const auto before = everything();
+        const int steps = editor->canUndo() ? 1 : 0;
+        ASSERT_TRUE(c.step()) << c.what << ": " << editor->lastError().toStdString();
+        const auto after = everything();
+        ASSERT_NE(after, before) << c.what;
+        ASSERT_TRUE(editor->canUndo()) << c.what;
+        ASSERT_TRUE(editor->undo()) << c.what;
+        EXPECT_EQ(everything(), before) << c.what;
+        ASSERT_TRUE(editor->canRedo()) << c.what;
+        ASSERT_TRUE(editor->redo()) << c.what;
+        EXPECT_EQ(everything(), after) << c.what;
+        ASSERT_TRUE(editor->undo()) << c.what;
+        EXPECT_EQ(everything(), before) << c.what;
+        (void)steps;
+    }
+}
+
+TEST_F(UndoTest, ManyStepsBackAndForthAndTheJournalInActionsDb) {
+    const auto empty = everything();
+    build();
+    const auto built = everything();
+    int undone = 0;
+    while (editor->canUndo()) {
+        ASSERT_TRUE(editor->undo());
+        ++undone;
+    }
+    EXPECT_GE(undone, 12);
+    EXPECT_EQ(everything(), empty);
+    while (editor->canRedo())
+        ASSERT_TRUE(editor->redo());
+    EXPECT_EQ(everything(), built);
+
+    // The journal: one record per changed row, grouped by step, with the step's caption.
+    EXPECT_GT(journalRecords(), 0);
+    EXPECT_EQ(journalRecords("_action='insert' AND hint='Создать раздел'"), 3); // br, ir, "Итого по смете"
+    {
+        QSqlQuery q(module->database(Db::ReturnAction));
+        ASSERT_TRUE(q.exec(
+            "SELECT nameras, kolvo, cells FROM ReturnAction WHERE hint='Правка ячейки' AND kolvo='5'"));
+        ASSERT_TRUE(q.next());
+        EXPECT_EQ(q.value(0).toString(), "Стяжка");
+        EXPECT_TRUE(q.value(2).toString().contains("\"old\""));
+    }
+
+    // A new step drops the undone ones.
+    ASSERT_TRUE(editor->undo());
+    ASSERT_TRUE(editor->undo());
+    editor->appendRow();
+    EXPECT_FALSE(editor->canRedo());
+    EXPECT_EQ(editor->undoTitle(), "Добавить строку");
+
+    // A new document empties the journal.
+    QString error;
+    ASSERT_TRUE(EstimateStore::createNewDoc(*module, grid, crew, &error)) << error.toStdString();
+    editor->reset();
+    EXPECT_FALSE(editor->canUndo());
+    EXPECT_EQ(journalRecords(), 0);
+}
+
+TEST_F(UndoTest, CopyAndPasteThroughPopupMenuEdit) {
+    build();
+    // Rows 2..4: the section start is not copied, the works are.
+    EXPECT_EQ(editor->copyRows(2, 4), 2);
+    QSqlQuery q(module->database(Db::ReturnAction));
+    ASSERT_TRUE(q.exec("SELECT edras, nameras, kolvo, KoefBrig FROM PopupMenuEdit WHERE 1"));
+    ASSERT_TRUE(q.next());
+    EXPECT_EQ(q.value(1).toString(), "Снос");
+    EXPECT_EQ(q.value(2).toString(), "10");
+    EXPECT_EQ(q.value(3).toString(), "0,8");
+    // Pasted below row 9 ("Уборка"): above the closing "Итого".
+    EXPECT_EQ(editor->pasteRows(9), 2);
+    EXPECT_EQ(cell(10, Name), "Снос");
+    EXPECT_EQ(cell(11, Name), "Вывоз");
+    EXPECT_EQ(cell(10, Price), "150");
+    EXPECT_EQ(cell(10, Qty), ""); // the quantity is typed for the new place
+    EXPECT_EQ(editor->crew()->rowKoef(10), "0,8");
+    EXPECT_EQ(cell(10, Num), "5");
+    EXPECT_TRUE(editor->isGrandTotalRow(12));
+    // Nothing to copy.
+    EXPECT_EQ(editor->copyRows(8, 8), 0);
+    EXPECT_FALSE(editor->lastError().isEmpty());
+}
+
+} // namespace
