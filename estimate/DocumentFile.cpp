@@ -4,6 +4,7 @@
 #include "storage/ModuleSQL.h"
 #include "storage/SqliteSnapshot.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -45,7 +46,9 @@ QString open(TModuleSQL &module, const QString &path) {
         return notADocument(path, why);
 
     const QString working = module.filePath(Db::Smeta);
-    const QString staging = QFileInfo(working).absolutePath() + QStringLiteral("/.smeta-open.db");
+    // One private copy per process: two copies of the program may share the data folder.
+    const QString staging = QFileInfo(working).absolutePath() +
+                            QStringLiteral("/.smeta-open-%1.db").arg(QCoreApplication::applicationPid());
     removeWithCompanions(staging);
     why = SqliteSnapshot::copyFile(path, staging);
     if (!why.isEmpty()) {
