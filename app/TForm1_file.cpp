@@ -103,7 +103,7 @@ void TForm1::setupFile() {
     });
     // Old copies go soon after the start, then every half hour.
     m_autosave->TimerDelAutosaveTimer->start(60 * 1000);
-    connect(m_autosave->TimerDelAutosaveTimer, &QTimer::timeout, this, [this] {
+    connect(m_autosave, &Autosave::cleanupDue, this, [this] {
         m_autosave->setRetention(
             m_settings.integer(QStringLiteral("AutosaveKeepDays"), Autosave::kDefaultKeepDays),
             m_settings.integer(QStringLiteral("AutosaveMaxCopies"), Autosave::kDefaultMaxCopies));

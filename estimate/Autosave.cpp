@@ -58,7 +58,10 @@ Autosave::Autosave(QObject *parent) : QObject(parent) {
     TimerDelAutosaveTimer = new QTimer(this);
     TimerDelAutosaveTimer->setObjectName(QStringLiteral("TimerDelAutosaveTimer"));
     TimerDelAutosaveTimer->setInterval(kCleanupInterval);
-    connect(TimerDelAutosaveTimer, &QTimer::timeout, this, &Autosave::cleanup);
+    connect(TimerDelAutosaveTimer, &QTimer::timeout, this, [this] {
+        emit cleanupDue(); // listeners may set the retention from their settings first
+        cleanup();
+    });
 }
 
 Autosave::~Autosave() {

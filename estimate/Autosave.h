@@ -65,6 +65,8 @@ signals:
     void tick();
     void copied(const QString &path);
     void copyFailed(const QString &message);
+    // TimerDelAutosaveTimer fired; old copies are removed right after this signal.
+    void cleanupDue();
 
 private:
     void cleanup();

@@ -11,6 +11,7 @@
 #include <QRegularExpression>
 #include <QSqlQuery>
 #include <QTabWidget>
+#include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
 
@@ -158,6 +159,17 @@ TEST_F(DocumentWindowTest, AnEditStartsAutosaveAndTheTickCopiesTheDocument) {
     c = QSqlDatabase();
     QSqlDatabase::removeDatabase("autosaved");
     EXPECT_TRUE(window->isChanged());
+
+    // The removal of old copies follows the settings.
+    for (const char *extra : {"Sm/Autosave/2020-01-01  10.00 a.sim", "Sm/Autosave/2020-01-02  10.00 b.sim"}) {
+        QFile f(folder.file(QString::fromUtf8(extra)));
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    }
+    window->settings().set("AutosaveKeepDays", "3650");
+    window->settings().set("AutosaveMaxCopies", "2");
+    window->autosave()->TimerDelAutosaveTimer->start(1);
+    QTest::qWait(100);
+    EXPECT_EQ(QDir(folder.file("Sm/Autosave")).entryList({"*.sim"}, QDir::Files).size(), 2);
 
     // A save stops the timer; with the option off an edit does not start it.
     dialogs->queueFile(folder.file("Sm/a.sim"));
