@@ -222,13 +222,22 @@ void CrewSheet::onDataChanged(const QModelIndex &topLeft, const QModelIndex &bot
         return;
     if (!roles.isEmpty() && !roles.contains(Qt::DisplayRole) && !roles.contains(Qt::EditRole))
         return;
+    using namespace EstimateCol;
+    const int c0 = topLeft.column(), c1 = bottomRight.column();
+    auto covers = [&](int col) { return col >= c0 && col <= c1; };
+    // Numbers and units are only mirrored; these change the crew's arithmetic.
+    const bool recompute = covers(Name) || covers(Qty) || covers(Price) || covers(Sum) || covers(IdRas) ||
+                           covers(NamePrice) || covers(Kind);
     const int last = std::min(bottomRight.row(), static_cast<int>(m_rows.size()) - 1);
     for (int m = topLeft.row(); m <= last; ++m) {
-        mirror(m, topLeft.column(), bottomRight.column());
-        m_rows[static_cast<size_t>(m)].dirty = true;
+        mirror(m, c0, c1);
+        if (recompute)
+            m_rows[static_cast<size_t>(m)].dirty = true;
     }
-    m_dirty = true;
-    changed();
+    if (recompute) {
+        m_dirty = true;
+        changed();
+    }
 }
 
 void CrewSheet::onRowsAboutToBeInserted(const QModelIndex &, int first, int last) {

@@ -80,6 +80,8 @@ void EstimateTotals::onDataChanged(const QModelIndex &topLeft, const QModelIndex
             st.shownNumber = -1;
         if (covers(Sum) || covers(Itogo))
             st.shownTotal = kUnknownTotal;
+        if (covers(Name) || covers(Kind))
+            st.nameDirty = true;
     }
     m_needPass = true;
     changed();
@@ -214,8 +216,44 @@ void EstimateTotals::writeTotal(int m, qint64 kopecks) {
     write(r, Itogo, text);
 }
 
-void EstimateTotals::pass() {
+QString EstimateTotals::writeSectionText(int m, int section, int subsection, const QString &inheritedTitle) {
     using namespace EstimateStructure;
+    RowState &st = m_rows[static_cast<size_t>(m)];
+    const int r = EstimateGrid::toGridRow(m);
+    const bool opens = st.kind == RowKind::SectionStart || st.kind == RowKind::SubsectionStart;
+    bool rewrite = st.nameDirty || st.shownSection != section || st.shownSubsection != subsection;
+    if (opens && st.nameDirty) {
+        const QString text = m_grid->cell(r, Name);
+        st.title = st.kind == RowKind::SectionStart ? sectionTitle(text) : subsectionTitle(text);
+    } else if (!opens && st.title != inheritedTitle) {
+        st.title = inheritedTitle;
+        rewrite = true;
+    }
+    if (rewrite) {
+        switch (st.kind) {
+        case RowKind::SectionStart:
+            write(r, Name, sectionName(section, st.title));
+            break;
+        case RowKind::SubsectionStart:
+            write(r, Name, subsectionName(section, subsection, st.title));
+            break;
+        case RowKind::SectionTotal:
+            write(r, Name, sectionTotalName(section, st.title));
+            break;
+        case RowKind::SubsectionTotal:
+            write(r, Name, subsectionTotalName(section, subsection, st.title));
+            break;
+        case RowKind::Work:
+            break;
+        }
+        st.nameDirty = false;
+        st.shownSection = section;
+        st.shownSubsection = subsection;
+    }
+    return st.title;
+}
+
+void EstimateTotals::pass() {
     int number = 0, section = 0, subsection = 0;
     qint64 all = 0, sectionSum = 0, subsectionSum = 0;
     QString sectionText, subsectionText;
@@ -223,7 +261,6 @@ void EstimateTotals::pass() {
     const int n = static_cast<int>(m_rows.size());
     for (int m = 0; m < n; ++m) {
         const RowState &st = m_rows[static_cast<size_t>(m)];
-        const int r = EstimateGrid::toGridRow(m);
         switch (st.kind) {
         case RowKind::Work:
             if (st.grand) {
@@ -242,26 +279,24 @@ void EstimateTotals::pass() {
             ++section;
             subsection = 0;
             sectionSum = subsectionSum = 0;
-            sectionText = sectionTitle(m_grid->cell(r, Name));
-            write(r, Name, sectionName(section, sectionText));
+            sectionText = writeSectionText(m, section, 0, QString());
             writeNumber(m, 0);
             break;
         case RowKind::SubsectionStart:
             ++subsection;
             subsectionSum = 0;
-            subsectionText = subsectionTitle(m_grid->cell(r, Name));
-            write(r, Name, subsectionName(section, subsection, subsectionText));
+            subsectionText = writeSectionText(m, section, subsection, QString());
             writeNumber(m, 0);
             break;
         case RowKind::SubsectionTotal:
             writeTotal(m, subsectionSum);
-            write(r, Name, subsectionTotalName(section, subsection, subsectionText));
+            writeSectionText(m, section, subsection, subsectionText);
             subsectionSum = 0;
             writeNumber(m, 0);
             break;
         case RowKind::SectionTotal:
             writeTotal(m, sectionSum);
-            write(r, Name, sectionTotalName(section, sectionText));
+            writeSectionText(m, section, 0, sectionText);
             sectionSum = subsectionSum = 0;
             writeNumber(m, 0);
             break;

@@ -51,6 +51,12 @@ private:
         qint64 amount = 0;
         int shownNumber = -1;              // number written into col 0; 0 = empty; -1 unknown
         qint64 shownTotal = kUnknownTotal; // sum written into a totals row
+        // Section rows: the numbers and the title last written into the text; the text must be read
+        // again when someone else wrote it.
+        bool nameDirty = true;
+        int shownSection = -1;
+        int shownSubsection = -1;
+        QString title;
     };
     static constexpr qint64 kUnknownTotal = std::numeric_limits<qint64>::min();
 
@@ -65,6 +71,8 @@ private:
     void write(int gridRow, int col, const QString &text);
     void writeNumber(int modelRow, int number);
     void writeTotal(int modelRow, qint64 kopecks);
+    // Writes a section row's text when its numbers or title changed; returns the title.
+    QString writeSectionText(int modelRow, int section, int subsection, const QString &inheritedTitle);
     void mark(int gridRow, int col, const QString &problem);
 
     EstimateGrid *m_grid;

@@ -24,35 +24,37 @@ bool equivalent(const Row &a, const Row &b) {
 
 bool equivalent(const QStringList &a, const QStringList &b) {
     using namespace EstimateCol;
-    auto at = [](const QStringList &l, int c) { return c < l.size() ? l.at(c) : QString(); };
+    static const QString none;
+    auto at = [](const QStringList &l, int c) -> const QString & { return c < l.size() ? l.at(c) : none; };
     const RowKind ka = rowKindFromMarker(at(a, Kind)), kb = rowKindFromMarker(at(b, Kind));
     if (ka != kb)
         return false;
     const bool totalsRow = ka == RowKind::SectionTotal || ka == RowKind::SubsectionTotal;
-    const bool grand = ka == RowKind::Work && EstimateStructure::isGrandTotalName(at(a, Name));
-    // The amount is typed only where there is neither quantity nor price.
-    auto typed = [&](const QStringList &l) {
-        return TextValues::isBlank(at(l, Qty)) && TextValues::isBlank(at(l, Price));
-    };
     for (int c = 0; c < kRowWidth; ++c) {
         if (c == Num || c == Itogo)
             continue;
-        if (c == Sum && (totalsRow || grand || !typed(a) || !typed(b)))
+        const QString &x = at(a, c), &y = at(b, c);
+        if (x == y)
             continue;
+        // Computed text: the amount where a quantity or price stands, totals rows' texts and sums,
+        // the numbers inside section texts.
+        if (c == Sum) {
+            const bool grand = ka == RowKind::Work && EstimateStructure::isGrandTotalName(at(a, Name));
+            auto typed = [&](const QStringList &l) {
+                return TextValues::isBlank(at(l, Qty)) && TextValues::isBlank(at(l, Price));
+            };
+            if (totalsRow || grand || !typed(a) || !typed(b))
+                continue;
+        }
         if (c == Name && totalsRow)
             continue;
-        if (c == Name && ka == RowKind::SectionStart) {
-            if (EstimateStructure::sectionTitle(at(a, c)) != EstimateStructure::sectionTitle(at(b, c)))
-                return false;
+        if (c == Name && ka == RowKind::SectionStart &&
+            EstimateStructure::sectionTitle(x) == EstimateStructure::sectionTitle(y))
             continue;
-        }
-        if (c == Name && ka == RowKind::SubsectionStart) {
-            if (EstimateStructure::subsectionTitle(at(a, c)) != EstimateStructure::subsectionTitle(at(b, c)))
-                return false;
+        if (c == Name && ka == RowKind::SubsectionStart &&
+            EstimateStructure::subsectionTitle(x) == EstimateStructure::subsectionTitle(y))
             continue;
-        }
-        if (at(a, c) != at(b, c))
-            return false;
+        return false;
     }
     return true;
 }
