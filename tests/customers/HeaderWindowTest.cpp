@@ -9,8 +9,7 @@
 #include "estimate/EstimateStore.h"
 #include "storage/ModuleSQL.h"
 
-#include "ScriptedDialogs.h"
-#include "TestFolder.h"
+#include "MainWindowFixture.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -35,23 +34,12 @@ QStringList items(QComboBox *box) {
     return out;
 }
 
-class HeaderWindowTest : public ::testing::Test {
+class HeaderWindowTest : public MainWindowFixture {
 protected:
     void SetUp() override {
-        ensureApplication();
-        previousDir = QDir::currentPath();
-        QDir::setCurrent(folder.path());
-        window = std::make_unique<TForm1>(QStringList{});
-        module = std::make_unique<TModuleSQL>(window->dataFolder());
-        window->attachModule(module.get());
-        window->FormShow();
+        MainWindowFixture::SetUp();
         if (auto *a = window->findChild<QAction *>("CheckBossDir"))
             a->setChecked(false);
-    }
-    void TearDown() override {
-        window.reset();
-        module.reset();
-        QDir::setCurrent(previousDir);
     }
     // The user picks an entry of a header list.
     void pick(QComboBox *box, const QString &text) {
@@ -79,12 +67,6 @@ protected:
         QSqlDatabase::removeDatabase("check-file");
         return out;
     }
-
-    ScriptedDialogsGuard dialogs;
-    TestFolder folder;
-    QString previousDir;
-    std::unique_ptr<TForm1> window;
-    std::unique_ptr<TModuleSQL> module;
 };
 
 } // namespace
