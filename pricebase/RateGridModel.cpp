@@ -318,6 +318,7 @@ bool RateGridModel::setData(const QModelIndex &index, const QVariant &value, int
     if (role != Qt::EditRole || !(flags(index) & Qt::ItemIsEditable))
         return false;
     setCell(gridRow, index.column(), value.toString());
+    emit cellEdited(gridRow, index.column());
     return true;
 }
 

@@ -82,6 +82,8 @@ public:
 signals:
     // The list was changed by an edit (the rate grid then has unsaved changes).
     void listEdited();
+    // A cell typed in place (edit mode).
+    void cellEdited(int gridRow, int col);
 
 private:
     bool matchesFilter(const RateRow &row) const;

@@ -43,6 +43,11 @@ TRatePanel::TRatePanel(PriceBase &base, QWidget *parent) : QWidget(parent), m_ba
         cursorToStart();
     });
     connect(&m_base.model(), &RateGridModel::listEdited, this, [this] { m_edited = true; });
+    // A typed name, unit or price can change what a row is: the numbers follow.
+    connect(&m_base.model(), &RateGridModel::cellEdited, this, [this](int, int col) {
+        if (col == PriceCol::Name || col == PriceCol::Unit || col == PriceCol::Price)
+            PereschetNomeraRascenok();
+    });
     // A row dragged to another place: numbers follow once the move is complete.
     connect(&m_base.model(), &QAbstractItemModel::rowsMoved, this, [this] {
         if (m_base.model().editMode())

@@ -38,7 +38,7 @@ TEST(PriceStore, ReadFillsRowsByKindAndTheSectionIndex) {
 
 TEST(PriceStore, EmptyListGivesOneEmptyRowAndOnlyAll) {
     PriceFixture f;
-    PriceBase base(*f.module);
+    PriceBase base(f.module.get());
     ASSERT_TRUE(base.read());
     EXPECT_EQ(base.model().rowCount(), 1);
     EXPECT_EQ(base.model().gridRowCount(), 2);
@@ -49,7 +49,7 @@ TEST(PriceStore, WritingInDollarsEmptiesTheOtherCurrencies) {
     PriceFixture f;
     f.addRates("price2", kList, "rub");
     QSqlQuery(f.price()).exec("UPDATE price2 SET dol='1,5' WHERE rec='3'");
-    PriceBase base(*f.module);
+    PriceBase base(f.module.get());
     base.setTab(PriceTab::Price2);
     base.setCurrency(1);
     ASSERT_TRUE(base.read());
@@ -123,7 +123,7 @@ TEST(PriceStore, CrewPriceStopsAtAPriceThatIsNotANumber) {
 
 TEST(PriceBase, CurrentListFollowsTabAndCrewSwitch) {
     PriceFixture f;
-    PriceBase base(*f.module);
+    PriceBase base(f.module.get());
     struct Case {
         PriceTab tab;
         bool crew;
@@ -147,7 +147,7 @@ TEST(PriceBase, CurrentListFollowsTabAndCrewSwitch) {
 TEST(PriceBase, LiveSearchHoldsTheWholeListWhileTheGridIsFiltered) {
     PriceFixture f;
     f.addRates("price1", kList);
-    PriceBase base(*f.module);
+    PriceBase base(f.module.get());
     ASSERT_TRUE(base.read());
     ASSERT_TRUE(base.showSection(2));
     EXPECT_EQ(base.model().visibleCount(), 1);

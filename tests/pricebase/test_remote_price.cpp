@@ -56,7 +56,7 @@ protected:
 TEST_F(RemotePrice, ConnectionErrorsCarryTheServersReasonAndKeepLocalLists) {
     PriceFixture f;
     f.addRates("price1", {{"1", "Отделка", "", "", "1"}, {"1-1", "Грунтовка", "м2", "50", "2"}});
-    PriceBase base(*f.module);
+    PriceBase base(f.module.get());
     ASSERT_TRUE(base.read());
     struct Case {
         QString what;
@@ -87,7 +87,7 @@ TEST_F(RemotePrice, ConnectionErrorsCarryTheServersReasonAndKeepLocalLists) {
 
 TEST_F(RemotePrice, WriteReadAndNavigateTheRemoteList) {
     PriceFixture f;
-    PriceBase base(*f.module);
+    PriceBase base(f.module.get());
     QString error;
     ASSERT_TRUE(base.connectServer(settings, &error)) << error.toStdString();
     base.setTab(PriceTab::Server);
@@ -138,7 +138,7 @@ TEST_F(RemotePrice, WriteReadAndNavigateTheRemoteList) {
 
 TEST_F(RemotePrice, TooLongTextStopsTheWriteBeforeAnythingIsDropped) {
     PriceFixture f;
-    PriceBase base(*f.module);
+    PriceBase base(f.module.get());
     ASSERT_TRUE(base.connectServer(settings));
     base.setTab(PriceTab::Server);
     base.model().setRows({rate("1", "Раздел", "", "", "1"), rate("1-1", "Короткая", "м2", "10", "2")});

@@ -1,0 +1,277 @@
+// The rate panel in the main window: live search typed into the estimate grid and chosen from
+// MemoPrice, insertion from the rate grid with the duplicate dialog, ticked rows, edit mode, section
+// navigation and the crew switch. Leaves a picture of the window in the temporary folder.
+
+#include "MainWindowFixture.h"
+#include "app/Dialogs.h"
+#include "estimate/EstimateEditor.h"
+#include "pricebase/CalcDocKolvo_frame.h"
+#include "pricebase/LiveSearchList.h"
+#include "pricebase/PriceBase.h"
+#include "pricebase/RatePanel_frame.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QStandardItemModel>
+#include <QTabWidget>
+#include <QTableView>
+#include <QTest>
+#include <QTimer>
+#include <QTreeView>
+
+inline void PrintTo(const QString &s, std::ostream *os) {
+    *os << '"' << s.toStdString() << '"';
+}
+
+namespace {
+
+// QTest's key helpers take Latin keys only: Cyrillic is typed as the events a keyboard sends.
+void typeText(QWidget *widget, const QString &text) {
+    for (QChar ch : text) {
+        const int key = ch == ' ' ? int(Qt::Key_Space) : int(ch.toUpper().unicode());
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, QString(ch));
+        QApplication::sendEvent(widget, &press);
+        QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier, QString(ch));
+        QApplication::sendEvent(widget, &release);
+    }
+}
+
+// A double-click as the user makes it: the views want the press before the second click.
+void doubleClick(QWidget *viewport, const QPoint &at) {
+    QTest::mouseClick(viewport, Qt::LeftButton, {}, at);
+    QTest::mouseDClick(viewport, Qt::LeftButton, {}, at);
+}
+
+class PriceWindow : public MainWindowFixture {
+protected:
+    void SetUp() override {
+        MainWindowFixture::SetUp();
+        QSqlQuery q(module->database(Db::Price));
+        const QStringList rates = {
+            "'1','Отделка стен','','','1'",
+            "'1-1','Подготовка','пв','','2'",
+            "'1-1-1','Грунтовка СТЕН','м2','50','3'",
+            "'1-1-2','Покраска стен','м2','300','4'",
+            "'1-2','Шпатлёвка стен','м2','1 200.5','5'",
+            "'2','Полы','','','6'",
+            "'2-1','Укладка плитки','м2','900','7'",
+            "'2-2','Стяжка пола','м2','450-600','8'",
+        };
+        for (const QString &r : rates)
+            ASSERT_TRUE(q.exec("INSERT INTO price1 (edras, nameras, edizm, rub, rec) VALUES (" + r + ")"));
+        ASSERT_TRUE(q.exec(
+            "INSERT INTO resurs1 (name, edizm, cena, ras, norma) VALUES ('Грунт','л','120','3','0,2')"));
+        ASSERT_TRUE(q.exec(
+            "INSERT INTO resurs1 (name, edizm, cena, ras, norma) VALUES ('Краска','л','400','4','0,25')"));
+        window->resize(1500, 900);
+        window->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+        window->RatePanel->ReadSqlRAS();
+        grid = window->gridDoc();
+    }
+    RateGridModel &rates() { return window->priceBase()->model(); }
+    QString cell(int row, int col) { return grid->cell(row, col); }
+    QStringList materials() {
+        QStringList out;
+        QSqlQuery q(module->database(Db::Smeta));
+        q.exec("SELECT namemat, ifnull(kolvo,''), price, ifnull(summa,'') FROM materials ORDER BY _id");
+        while (q.next())
+            out << QStringList{q.value(0).toString(), q.value(1).toString(), q.value(2).toString(),
+                               q.value(3).toString()}
+                       .join('|');
+        return out;
+    }
+    // Starts typing into the name cell of estimate row r and returns the cell editor.
+    QLineEdit *typeName(int row, const QString &text) {
+        // The editor of an earlier insertion is deleted once control returns to the event loop.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        window->StringGridDoc->setFocus();
+        window->StringGridDoc->setCurrentIndex(grid->index(EstimateGrid::toModelRow(row), EstimateCol::Name));
+        typeText(window->StringGridDoc, text.left(1));
+        auto *editor = window->StringGridDoc->viewport()->findChild<QLineEdit *>();
+        if (editor)
+            typeText(editor, text.mid(1));
+        return editor;
+    }
+    void settle() {
+        for (int i = 0; i < 5; ++i)
+            QCoreApplication::processEvents();
+    }
+    void doubleClickRate(int gridRow) {
+        QTableView *view = window->RatePanel->StringGridRas;
+        view->scrollTo(rates().index(RateGridModel::toModelRow(gridRow), 1));
+        const QRect r = view->visualRect(rates().index(RateGridModel::toModelRow(gridRow), 1));
+        doubleClick(view->viewport(), r.center());
+    }
+    EstimateGrid *grid = nullptr;
+};
+
+TEST_F(PriceWindow, TypedNameChosenFromMemoPriceFillsRowTotalsAndMaterials) {
+    window->CheckBoxLiveSearch->setChecked(true);
+    QLineEdit *editor = typeName(2, QStringLiteral("стен"));
+    ASSERT_NE(editor, nullptr);
+    ASSERT_TRUE(window->MemoPrice->isVisible());
+    // Lower case typed finds capitals; section titles are names too.
+    ASSERT_EQ(window->MemoPrice->model()->rowCount(), 4);
+    EXPECT_EQ(window->MemoPrice->model()->index(0, 0).data().toString(), QStringLiteral("Отделка стен"));
+    QTest::keyClick(editor, Qt::Key_Down);
+    QTest::keyClick(editor, Qt::Key_Down); // "Покраска стен"
+    QTest::keyClick(editor, Qt::Key_Return);
+    settle();
+    EXPECT_FALSE(window->MemoPrice->isVisible());
+    EXPECT_EQ(cell(2, EstimateCol::Name), QStringLiteral("Покраска стен"));
+    EXPECT_EQ(cell(2, EstimateCol::Num), QStringLiteral("1"));
+    EXPECT_EQ(cell(2, EstimateCol::Ras), QStringLiteral("1-1-2"));
+    EXPECT_EQ(cell(2, EstimateCol::Unit), QStringLiteral("м2"));
+    EXPECT_EQ(cell(2, EstimateCol::Price), QStringLiteral("300,00"));
+    EXPECT_EQ(cell(2, EstimateCol::IdRas), QStringLiteral("4"));
+    EXPECT_EQ(cell(2, EstimateCol::NamePrice), QStringLiteral("resurs1"));
+    EXPECT_EQ(window->currentRow(), 3); // a new row, ready for the next name
+    EXPECT_EQ(cell(3, EstimateCol::Num), QStringLiteral("2"));
+
+    // Typing only blanks hides the list; a double-click on an entry inserts it.
+    editor = typeName(3, QStringLiteral("  "));
+    ASSERT_NE(editor, nullptr);
+    EXPECT_FALSE(window->MemoPrice->isVisible());
+    editor->clear(); // the typed text is matched as typed: "  грунт" would find nothing
+    typeText(editor, QStringLiteral("грунт"));
+    ASSERT_TRUE(window->MemoPrice->isVisible());
+    ASSERT_EQ(window->MemoPrice->model()->rowCount(), 1);
+    const QRect first = window->MemoPrice->visualRect(window->MemoPrice->model()->index(0, 0));
+    doubleClick(window->MemoPrice->viewport(), first.center());
+    settle();
+    EXPECT_EQ(cell(3, EstimateCol::Name), QStringLiteral("Грунтовка СТЕН"));
+    EXPECT_EQ(cell(3, EstimateCol::Price), QStringLiteral("50,00"));
+    EXPECT_EQ(materials(), (QStringList{"Краска||400|", "Грунт||120|"}));
+
+    // Quantities bring the materials' quantities from the norms and the totals.
+    grid->setData(grid->index(0, EstimateCol::Qty), "20", Qt::EditRole);
+    settle();
+    grid->setData(grid->index(1, EstimateCol::Qty), "10", Qt::EditRole);
+    settle();
+    EXPECT_EQ(cell(2, EstimateCol::Sum), QStringLiteral("6000,00"));
+    EXPECT_EQ(materials(), (QStringList{"Краска|5|400|2000,00", "Грунт|2|120|240,00"}));
+    EXPECT_DOUBLE_EQ(window->editor()->worksRaw(), 6500.0);
+    EXPECT_DOUBLE_EQ(window->editor()->materialsRaw(), 2240.0);
+    EXPECT_NE(window->Edit6->text(), QStringLiteral("0,00"));
+
+    const QString picture = QDir::temp().filePath("virn-price-window.png");
+    EXPECT_TRUE(window->grab().save(picture));
+    std::cout << "picture of the main window: " << picture.toStdString() << std::endl;
+
+    // Quantity 0 removes what only that row needed; deleting the row, too.
+    grid->setData(grid->index(1, EstimateCol::Qty), "0", Qt::EditRole);
+    settle();
+    EXPECT_EQ(materials(), (QStringList{"Краска|5|400|2000,00"}));
+    grid->removeGridRows(2, 1);
+    settle();
+    EXPECT_TRUE(materials().isEmpty());
+}
+
+TEST_F(PriceWindow, DoubleClickInsertsAndTheSameNameInTheSectionOpensFound) {
+    window->CheckBoxControlPrice->setChecked(true);
+    doubleClickRate(3); // "Грунтовка СТЕН"
+    EXPECT_EQ(cell(2, EstimateCol::Name), QStringLiteral("Грунтовка СТЕН"));
+    EXPECT_EQ(window->StringGridDoc->currentIndex().column(), EstimateCol::Qty);
+    grid->setData(grid->index(0, EstimateCol::Qty), "3", Qt::EditRole);
+    settle();
+    QString caption;
+    QTimer::singleShot(0, [&caption] {
+        auto *dialog = qobject_cast<TCalcDocKolvo *>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        caption = dialog->windowTitle();
+        EXPECT_EQ(dialog->EditNumber->text(), QStringLiteral("1"));
+        EXPECT_EQ(dialog->EditKolvo->text(), QStringLiteral("3"));
+        dialog->EditKolvoAdd->setText("2,5");
+        dialog->accept();
+    });
+    doubleClickRate(3);
+    settle();
+    EXPECT_EQ(caption, QStringLiteral("Найдено совпадение"));
+    EXPECT_EQ(grid->gridRowCount(), 3); // nothing inserted
+    EXPECT_EQ(cell(2, EstimateCol::Qty), QStringLiteral("5,5"));
+    EXPECT_EQ(materials(), (QStringList{"Грунт|1,1|120|132,00"}));
+    // A price range inserts its low end; the quantity cell takes the focus.
+    doubleClickRate(8);
+    EXPECT_EQ(cell(3, EstimateCol::Price), QStringLiteral("450,00"));
+    EXPECT_EQ(window->currentRow(), 3);
+}
+
+TEST_F(PriceWindow, TickedRowsGoInListOrderAndEditModeRefuses) {
+    window->CheckRowMat->setChecked(true);
+    rates().setChecked(7, true);
+    rates().setChecked(4, true);
+    doubleClickRate(3);
+    EXPECT_EQ(cell(2, EstimateCol::Name), QStringLiteral("Покраска стен"));
+    EXPECT_EQ(cell(3, EstimateCol::Name), QStringLiteral("Укладка плитки"));
+    EXPECT_EQ(grid->gridRowCount(), 4);
+    EXPECT_TRUE(rates().checkedIndices().empty());
+
+    window->RatePanel->ToolEditRasRight->setChecked(true);
+    window->StringGridRasDblClickCell(3);
+    EXPECT_EQ(dialogs->lastCaption(), QStringLiteral("Предупреждение"));
+    EXPECT_EQ(dialogs->lastText(), QStringLiteral("Нельзя добавить во время редактирования"));
+    EXPECT_EQ(grid->gridRowCount(), 4);
+    // In edit mode: a row inserted above "Полы", typed in place, numbers follow (the rate after the
+    // subsection belongs to it), written on leaving.
+    window->RatePanel->StringGridRas->setCurrentIndex(rates().index(5, 1));
+    window->RatePanel->ToolInsertRas->trigger();
+    rates().setData(rates().index(5, 1), "Плинтус", Qt::EditRole);
+    rates().setData(rates().index(5, 2), "м.п.", Qt::EditRole);
+    rates().setData(rates().index(5, 3), "150", Qt::EditRole);
+    window->RatePanel->ToolEditRasRight->setChecked(false);
+    QSqlQuery q(module->database(Db::Price));
+    q.exec("SELECT group_concat(edras || ' ' || nameras, ';') FROM price1");
+    ASSERT_TRUE(q.next());
+    EXPECT_EQ(q.value(0).toString(),
+              QStringLiteral("1 Отделка стен;1-1 Подготовка;1-1-1 Грунтовка СТЕН;1-1-2 Покраска "
+                             "стен;1-1-3 Шпатлёвка стен;1-1-4 Плинтус;2 Полы;2-1 Укладка плитки;2-2 "
+                             "Стяжка пола"));
+}
+
+TEST_F(PriceWindow, TreeAndComboNarrowTheGridAndTheCrewSwitchFillsCrewPrices) {
+    TRatePanel *panel = window->RatePanel;
+    ASSERT_EQ(panel->ComboBox2->count(), 3);
+    EXPECT_EQ(panel->ComboBox2->itemText(0), QStringLiteral("   Все"));
+    EXPECT_EQ(panel->ComboBox2->itemText(2), QStringLiteral("2 Полы"));
+    auto *tree = qobject_cast<QStandardItemModel *>(panel->ListBox1->model());
+    ASSERT_EQ(tree->rowCount(), 3);
+    const QModelIndex sub = tree->index(0, 0, tree->index(1, 0));
+    EXPECT_EQ(sub.data().toString(), QStringLiteral("1-1 Подготовка"));
+    QTest::mouseClick(panel->ListBox1->viewport(), Qt::LeftButton, {},
+                      panel->ListBox1->visualRect(tree->index(2, 0)).center());
+    EXPECT_EQ(panel->ComboBox2->currentIndex(), 2);
+    EXPECT_EQ(rates().visibleCount(), 2);
+    EXPECT_EQ(rates().cell(1, 0), QStringLiteral("2-1"));
+    panel->ListBox1->expandAll();
+    QTest::mouseClick(panel->ListBox1->viewport(), Qt::LeftButton, {},
+                      panel->ListBox1->visualRect(sub).center());
+    EXPECT_EQ(panel->ComboBox2->currentIndex(), 1);
+    EXPECT_EQ(rates().visibleCount(), 3); // 1-1 with its two rates, not 1-2
+    panel->ComboBox2Select(0);
+    EXPECT_EQ(rates().visibleCount(), 8);
+
+    panel->spdRasBrig->setChecked(true);
+    EXPECT_EQ(panel->PageControlRas->tabText(1), QStringLiteral("Для бригады"));
+    EXPECT_EQ(panel->spdRasBrig->toolTip(), QStringLiteral("Вернуться к расценкам 2"));
+    EXPECT_FALSE(panel->StringGridRas->isColumnHidden(PriceCol::Link));
+    EXPECT_EQ(rates().cell(3, PriceCol::Link), QStringLiteral("35,00")); // 50 x 0,7
+    EXPECT_EQ(rates().cell(3, PriceCol::Koef), QStringLiteral("0,7"));
+    panel->spdRasBrig->setChecked(false);
+    EXPECT_EQ(panel->PageControlRas->tabText(1), QStringLiteral("Расценки 2"));
+    EXPECT_TRUE(panel->StringGridRas->isColumnHidden(PriceCol::Link));
+    // Price list 2 is empty: one empty row and "   Все" alone.
+    panel->PageControlRas->setCurrentIndex(1);
+    EXPECT_EQ(window->priceBase()->table(), QStringLiteral("price2"));
+    EXPECT_EQ(rates().rowCount(), 1);
+    EXPECT_EQ(panel->ComboBox2->count(), 1);
+    // The currency combo chooses the price column of every read.
+    panel->PageControlRas->setCurrentIndex(0);
+    window->EditValuta->setCurrentIndex(1);
+    EXPECT_TRUE(rates().cell(3, PriceCol::Price).isEmpty());
+}
+
+} // namespace
