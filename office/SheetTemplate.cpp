@@ -129,6 +129,24 @@ QStringList placeholders(const QString &text) {
     return names;
 }
 
+QVector<int> rowsToDrop(const Grid &grid, const SheetData &data) {
+    QVector<int> rows;
+    if (data.dropRowsWithout.isEmpty())
+        return rows;
+    for (int r = 0; r < grid.size(); ++r) {
+        bool drop = false;
+        for (const QString &text : grid.at(r)) {
+            for (const QString &name : placeholders(text)) {
+                if (data.dropRowsWithout.contains(name) && data.values.value(name).text.isEmpty())
+                    drop = true;
+            }
+        }
+        if (drop)
+            rows << r;
+    }
+    return rows;
+}
+
 Layout analyse(const Grid &grid, const SheetData &data) {
     Layout layout;
     const QHash<QString, int> kinds = kindLists(data);
@@ -215,6 +233,15 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
     Grid grid;
     if (!engine.sheet(&grid))
         return engineFailed();
+    const QVector<int> drop = rowsToDrop(grid, data);
+    if (!drop.isEmpty()) {
+        for (int i = drop.size() - 1; i >= 0; --i) {
+            if (!engine.deleteRows(drop.at(i) + 1, 1))
+                return engineFailed();
+        }
+        if (!engine.sheet(&grid))
+            return engineFailed();
+    }
     const Layout layout = analyse(grid, data);
     const QHash<QString, int> kinds = kindLists(data);
 

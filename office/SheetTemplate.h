@@ -10,8 +10,9 @@
 //   The block is replaced by one row per item of the list, each a copy of the template row of the
 //   item's kind (formatting and merged cells included), with the rows below moved down. A kind with
 //   no template row of its own falls back along the list's fallback chain.
-// A named item without data leaves its placeholder in the sheet; after filling, any placeholder whose
-// data was given and is still there is an error.
+// A named item without data leaves its placeholder in the sheet (unless its row is an optional one,
+// see SheetData::dropRowsWithout); after filling, any placeholder whose data was given and is still
+// there is an error.
 
 #include "office/SheetText.h"
 #include "office/TemplateFile.h"
@@ -48,6 +49,9 @@ struct SheetList {
 struct SheetData {
     QHash<QString, SheetValue> values; // named items
     QVector<SheetList> lists;
+    // Named items whose rows are left out of the document when the item has no data or an empty text
+    // (optional lines, such as a second and third service of an invoice).
+    QStringList dropRowsWithout;
 };
 
 namespace SheetTemplate {
@@ -67,6 +71,10 @@ struct Layout {
     QStringList named;     // named items the template holds
     int width = 0;         // columns in use
 };
+
+// Rows (from 0) to leave out: those holding an item of data.dropRowsWithout that has no data or an
+// empty text.
+QVector<int> rowsToDrop(const SheetText::Grid &grid, const SheetData &data);
 
 // Finds the row blocks and named items of a template sheet for the given data.
 Layout analyse(const SheetText::Grid &grid, const SheetData &data);

@@ -1,6 +1,7 @@
 // Against the real engine. All cases share one helper process (the profile is kept between runs in
 // the system temporary folder), so the run costs one engine start.
 
+#include "EngineFixture.h"
 #include "OfficeFiles.h"
 #include "ZipStore.h"
 
@@ -21,34 +22,25 @@
 
 namespace {
 
-class Engine : public ::testing::Test {
-public:
-    static void SetUpTestSuite() {
-        ensureApplication();
-        s_engine =
-            new OfficeEngine(QDir::temp().filePath(QStringLiteral("virn-office-tests-%1").arg(getuid())));
-    }
-    static void TearDownTestSuite() {
-        delete s_engine;
-        s_engine = nullptr;
-    }
+std::unique_ptr<OfficeEngine> g_engine;
 
-protected:
-    OfficeEngine &engine() { return *s_engine; }
-    // Opens a file written by the engine and saves it again in another format, for the checks.
-    QString convert(const QString &path, const QString &format) {
-        const QString out =
-            m_folder.file(QFileInfo(path).completeBaseName() + QStringLiteral("-check.") + format);
-        EXPECT_TRUE(engine().load(path)) << engine().error().toStdString();
-        EXPECT_TRUE(engine().saveAs(out, format)) << engine().error().toStdString();
-        engine().close();
-        return out;
-    }
-    TestFolder m_folder;
-    static OfficeEngine *s_engine;
+class StopEngine : public ::testing::Environment {
+public:
+    void TearDown() override { g_engine.reset(); }
 };
 
-OfficeEngine *Engine::s_engine = nullptr;
+const auto *g_stop = ::testing::AddGlobalTestEnvironment(new StopEngine);
+
+} // namespace
+
+OfficeEngine &sharedEngine() {
+    if (!g_engine)
+        g_engine = std::make_unique<OfficeEngine>(
+            QDir::temp().filePath(QStringLiteral("virn-office-tests-%1").arg(getuid())));
+    return *g_engine;
+}
+
+namespace {
 
 // ---------------------------------------------------------------------------------------------
 // Word-processor template
