@@ -6,7 +6,7 @@ void LiveSearch::load(const std::vector<RateRow> &rows) {
     std::vector<QString> names;
     names.reserve(rows.size());
     for (const RateRow &r : rows)
-        names.push_back(r[PriceCol::Name]);
+        names.push_back(r.name());
     loadNames(names);
 }
 
@@ -26,12 +26,16 @@ void LiveSearch::loadNames(const std::vector<QString> &names) {
         m_lowered += QChar(0);
     }
     m_lowered.squeeze();
+    m_frequency.assign(0x10000, 0);
+    for (QChar c : std::as_const(m_lowered))
+        ++m_frequency[c.unicode()];
 }
 
 void LiveSearch::clear() {
     m_names.clear();
     m_lowered.clear();
     m_starts.clear();
+    m_frequency.clear();
 }
 
 void LiveSearch::find(const QString &typed, std::vector<int> &out) const {
@@ -42,19 +46,35 @@ void LiveSearch::find(const QString &typed, std::vector<int> &out) const {
     // A NUL in the typed text could match across two names.
     if (needle.contains(QChar(0)))
         return;
+    // Scan (vectorised) for the needle's rarest letter in the lowered names, then compare the rest
+    // in place: few false starts, and no table to build per keystroke.
+    qsizetype anchor = 0;
+    for (qsizetype i = 1; i < needle.size(); ++i)
+        if (m_frequency[needle.at(i).unicode()] < m_frequency[needle.at(anchor).unicode()])
+            anchor = i;
+    const QChar anchorChar = needle.at(anchor);
     const QStringView hay(m_lowered);
-    qsizetype from = 0;
-    while (from < hay.size()) {
-        const qsizetype pos = hay.indexOf(needle, from);
+    const QStringView whole(needle);
+    const qsizetype size = hay.size();
+    const size_t count = m_starts.size();
+    size_t k = 0; // the name that holds the last match; matches only move forward
+    qsizetype from = anchor;
+    while (from < size) {
+        const qsizetype pos = hay.indexOf(anchorChar, from);
         if (pos < 0)
             break;
-        const auto it = std::upper_bound(m_starts.begin(), m_starts.end(), static_cast<int>(pos));
-        const int k = static_cast<int>(it - m_starts.begin()) - 1;
-        out.push_back(k);
-        // Continue with the next name: one entry per name.
-        if (static_cast<size_t>(k + 1) >= m_starts.size())
+        const qsizetype begin = pos - anchor;
+        if (begin + whole.size() > size || hay.mid(begin, whole.size()) != whole) {
+            from = pos + 1;
+            continue;
+        }
+        while (k + 1 < count && m_starts[k + 1] <= begin)
+            ++k;
+        out.push_back(static_cast<int>(k));
+        // One entry per name: go on with the next one.
+        if (k + 1 >= count)
             break;
-        from = m_starts[static_cast<size_t>(k + 1)];
+        from = m_starts[k + 1] + anchor;
     }
 }
 

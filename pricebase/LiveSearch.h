@@ -24,9 +24,10 @@ public:
     std::vector<int> find(const QString &typed) const;
 
 private:
-    std::vector<QString> m_names; // shares the text of the grid rows
-    QString m_lowered;            // lower-cased names, each followed by a NUL
-    std::vector<int> m_starts;    // start of each name in m_lowered
+    std::vector<QString> m_names;     // shares the text of the grid rows
+    QString m_lowered;                // lower-cased names, each followed by a NUL
+    std::vector<int> m_starts;        // start of each name in m_lowered
+    std::vector<quint32> m_frequency; // how often each UTF-16 unit occurs in m_lowered
 };
 
 // MemoPrice's list: the names found by the last keystroke.

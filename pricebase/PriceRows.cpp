@@ -1,14 +1,64 @@
 #include "PriceRows.h"
 
+RateRow::RateRow(const Cells &cells) {
+    pack(cells);
+}
+
+void RateRow::pack(const Cells &cells) {
+    m_name = cells[PriceCol::Name];
+    qsizetype total = 0;
+    for (int c = 0; c < PriceCol::TextCount; ++c)
+        if (c != PriceCol::Name)
+            total += cells[static_cast<size_t>(c)].size();
+    QString packed;
+    packed.reserve(total);
+    for (int c = 0; c < PriceCol::TextCount; ++c) {
+        if (c == PriceCol::Name)
+            continue;
+        packed += cells[static_cast<size_t>(c)];
+        m_ends[static_cast<size_t>(slot(c))] = static_cast<quint32>(packed.size());
+    }
+    m_packed = std::move(packed);
+}
+
+QString RateRow::operator[](int col) const {
+    if (col == PriceCol::Name)
+        return m_name;
+    if (col < 0 || col >= PriceCol::TextCount)
+        return {};
+    const int i = slot(col);
+    const quint32 begin = i == 0 ? 0 : m_ends[static_cast<size_t>(i - 1)];
+    const quint32 end = m_ends[static_cast<size_t>(i)];
+    if (end == begin)
+        return {};
+    return m_packed.mid(begin, end - begin);
+}
+
+RateRow::Cells RateRow::cells() const {
+    Cells c;
+    for (int i = 0; i < PriceCol::TextCount; ++i)
+        c[static_cast<size_t>(i)] = (*this)[i];
+    return c;
+}
+
+void RateRow::set(int col, const QString &text) {
+    if (col == PriceCol::Name) {
+        m_name = text;
+        return;
+    }
+    if (col < 0 || col >= PriceCol::TextCount)
+        return;
+    Cells c = cells();
+    c[static_cast<size_t>(col)] = text;
+    pack(c);
+}
+
 bool RateRow::isBlank() const {
-    for (const QString &c : cells)
-        if (!c.trimmed().isEmpty())
-            return false;
-    return true;
+    return m_name.trimmed().isEmpty() && m_packed.trimmed().isEmpty();
 }
 
 QString RateRow::bound(int col) const {
-    const QString &c = (*this)[col];
+    const QString c = (*this)[col];
     return c.isNull() ? QStringLiteral("") : c;
 }
 
@@ -33,15 +83,15 @@ void renumberRates(std::vector<RateRow> &rows) {
             ++s;
             p = 0;
             n = 0;
-            row[PriceCol::Ras] = QString::number(s);
+            row.set(PriceCol::Ras, QString::number(s));
         } else if (isSubsectionUnit(unit) && price.isEmpty()) {
             ++p;
             n = 0;
-            row[PriceCol::Ras] = QStringLiteral("%1-%2").arg(s).arg(p);
+            row.set(PriceCol::Ras, QStringLiteral("%1-%2").arg(s).arg(p));
         } else {
             ++n;
-            row[PriceCol::Ras] = p != 0 ? QStringLiteral("%1-%2-%3").arg(s).arg(p).arg(n)
-                                        : QStringLiteral("%1-%2").arg(s).arg(n);
+            row.set(PriceCol::Ras, p != 0 ? QStringLiteral("%1-%2-%3").arg(s).arg(p).arg(n)
+                                          : QStringLiteral("%1-%2").arg(s).arg(n));
         }
     }
 }

@@ -25,17 +25,36 @@ enum : int {
 };
 }
 
-// One row of the rate grid: nine text cells and the tick.
-struct RateRow {
-    std::array<QString, PriceCol::TextCount> cells;
-    bool checked = false;
+// One row of the rate grid: nine text cells and the tick. A list holds 100,000 rows, so the cells
+// are kept compactly: the name on its own (live search shares it), the other eight packed into one
+// text with their end offsets.
+class RateRow {
+public:
+    using Cells = std::array<QString, PriceCol::TextCount>;
 
-    const QString &operator[](int col) const { return cells[static_cast<size_t>(col)]; }
-    QString &operator[](int col) { return cells[static_cast<size_t>(col)]; }
+    RateRow() = default;
+    explicit RateRow(const Cells &cells);
+
+    QString operator[](int col) const;
+    const QString &name() const { return m_name; }
+    void set(int col, const QString &text);
+    Cells cells() const;
     bool isBlank() const;
     // The cell as a value to bind: an empty cell is written as '' (never NULL), as every text column
     // of a price list holds text.
     QString bound(int col) const;
+
+    bool checked = false;
+
+private:
+    static constexpr int kPacked = PriceCol::TextCount - 1;
+    // Index of a column other than the name among the packed ones.
+    static int slot(int col) { return col < PriceCol::Name ? col : col - 1; }
+    void pack(const Cells &cells);
+
+    QString m_name;
+    QString m_packed;
+    std::array<quint32, kPacked> m_ends{};
 };
 
 enum class PriceRowKind { Section, Subsection, Rate };

@@ -53,24 +53,24 @@ bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData
     if (!q.exec(sql))
         return failQuery(error, q);
     while (q.next()) {
-        RateRow row;
-        row[PriceCol::Id] = q.value(0).toString();
-        row[PriceCol::Ras] = q.value(1).toString();
-        row[PriceCol::Name] = q.value(2).toString();
-        row[PriceCol::Unit] = q.value(3).toString();
-        row[PriceCol::Rec] = q.value(5).toString();
+        RateRow::Cells c;
+        c[PriceCol::Id] = q.value(0).toString();
+        c[PriceCol::Ras] = q.value(1).toString();
+        c[PriceCol::Name] = q.value(2).toString();
+        c[PriceCol::Unit] = q.value(3).toString();
+        c[PriceCol::Rec] = q.value(5).toString();
         if (list1)
-            row[PriceCol::Koef] = q.value(8).toString();
+            c[PriceCol::Koef] = q.value(8).toString();
         // Titles carry no price and no crew price; a section title shows no unit either.
-        const PriceRowKind kind = priceRowKind(row);
+        const PriceRowKind kind = priceRowKind(c[PriceCol::Ras], c[PriceCol::Unit]);
         if (kind == PriceRowKind::Rate) {
-            row[PriceCol::Price] = q.value(4).toString();
-            row[PriceCol::Link] = q.value(6).toString();
+            c[PriceCol::Price] = q.value(4).toString();
+            c[PriceCol::Link] = q.value(6).toString();
         } else if (kind == PriceRowKind::Section) {
-            row[PriceCol::Unit].clear();
+            c[PriceCol::Unit].clear();
         }
-        addToSectionIndex(out.sections, row);
-        out.rows.push_back(std::move(row));
+        out.rows.emplace_back(c);
+        addToSectionIndex(out.sections, out.rows.back());
     }
     return true;
 }
@@ -199,15 +199,16 @@ bool findRateByName(QSqlDatabase db, const QString &table, int currency, const Q
     if (!q.next())
         return false;
     const QSqlRecord rec = q.record();
-    out = RateRow();
-    out[PriceCol::Id] = q.value(rec.indexOf("id")).toString();
-    out[PriceCol::Ras] = q.value(rec.indexOf("edras")).toString();
-    out[PriceCol::Name] = q.value(rec.indexOf("nameras")).toString();
-    out[PriceCol::Unit] = q.value(rec.indexOf("edizm")).toString();
-    out[PriceCol::Price] = q.value(rec.indexOf(currencyColumn(currency))).toString();
-    out[PriceCol::Rec] = q.value(rec.indexOf("rec")).toString();
-    out[PriceCol::Koef] = q.value(rec.indexOf("koef")).toString();
-    out[PriceCol::Link] = q.value(rec.indexOf("link")).toString();
+    RateRow::Cells c;
+    c[PriceCol::Id] = q.value(rec.indexOf("id")).toString();
+    c[PriceCol::Ras] = q.value(rec.indexOf("edras")).toString();
+    c[PriceCol::Name] = q.value(rec.indexOf("nameras")).toString();
+    c[PriceCol::Unit] = q.value(rec.indexOf("edizm")).toString();
+    c[PriceCol::Price] = q.value(rec.indexOf(currencyColumn(currency))).toString();
+    c[PriceCol::Rec] = q.value(rec.indexOf("rec")).toString();
+    c[PriceCol::Koef] = q.value(rec.indexOf("koef")).toString();
+    c[PriceCol::Link] = q.value(rec.indexOf("link")).toString();
+    out = RateRow(c);
     return true;
 }
 

@@ -57,10 +57,10 @@ void RateGridModel::setCell(int gridRow, int col, const QString &text) {
         gridRow = insertRowAt(1);
         i = sourceIndex(gridRow);
     }
-    QString &target = m_rows[static_cast<size_t>(i)][col];
-    if (target == text)
+    RateRow &row = m_rows[static_cast<size_t>(i)];
+    if (row[col] == text)
         return;
-    target = text;
+    row.set(col, text);
     const QModelIndex idx = index(toModelRow(gridRow), col);
     emit dataChanged(idx, idx);
     emit listEdited();
@@ -163,7 +163,7 @@ void RateGridModel::fillMissingRecs() {
     long long next = nextRec().toLongLong();
     for (RateRow &r : m_rows)
         if (r[PriceCol::Rec].trimmed().isEmpty() && !r.isBlank())
-            r[PriceCol::Rec] = QString::number(next++);
+            r.set(PriceCol::Rec, QString::number(next++));
 }
 
 int RateGridModel::insertRowAt(int gridRow) {
@@ -176,7 +176,7 @@ int RateGridModel::insertRowAt(int gridRow) {
     else if (m_filtered && !m_visible.empty())
         pos = static_cast<size_t>(m_visible.back()) + 1;
     RateRow row;
-    row[PriceCol::Rec] = nextRec();
+    row.set(PriceCol::Rec, nextRec());
     // The placeholder row disappears as the first real row arrives: reset for that case.
     const bool wasEmpty = visible == 0;
     if (wasEmpty)

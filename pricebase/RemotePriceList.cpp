@@ -145,22 +145,22 @@ bool RemotePriceList::readList(const QString &likePattern, PriceListData &out, Q
     if (!q.exec())
         return fail(error, reasonOf(q.lastError()));
     while (q.next()) {
-        RateRow row;
-        row[PriceCol::Id] = q.value(0).toString();
-        row[PriceCol::Ras] = q.value(1).toString();
-        row[PriceCol::Name] = q.value(2).toString();
-        row[PriceCol::Unit] = q.value(3).toString();
-        row[PriceCol::Rec] = q.value(5).toString();
-        row[PriceCol::Koef] = q.value(8).toString();
-        const PriceRowKind kind = priceRowKind(row);
+        RateRow::Cells c;
+        c[PriceCol::Id] = q.value(0).toString();
+        c[PriceCol::Ras] = q.value(1).toString();
+        c[PriceCol::Name] = q.value(2).toString();
+        c[PriceCol::Unit] = q.value(3).toString();
+        c[PriceCol::Rec] = q.value(5).toString();
+        c[PriceCol::Koef] = q.value(8).toString();
+        const PriceRowKind kind = priceRowKind(c[PriceCol::Ras], c[PriceCol::Unit]);
         if (kind == PriceRowKind::Rate) {
-            row[PriceCol::Price] = q.value(4).toString();
-            row[PriceCol::Link] = q.value(6).toString();
+            c[PriceCol::Price] = q.value(4).toString();
+            c[PriceCol::Link] = q.value(6).toString();
         } else if (kind == PriceRowKind::Section) {
-            row[PriceCol::Unit].clear();
+            c[PriceCol::Unit].clear();
         }
-        addToSectionIndex(out.sections, row);
-        out.rows.push_back(std::move(row));
+        out.rows.emplace_back(c);
+        addToSectionIndex(out.sections, out.rows.back());
     }
     return true;
 }
@@ -220,14 +220,15 @@ bool RemotePriceList::findRateByName(const QString &name, RateRow &out, QString 
         return fail(error, reasonOf(q.lastError()));
     if (!q.next())
         return false;
-    out = RateRow();
-    out[PriceCol::Id] = q.value(0).toString();
-    out[PriceCol::Ras] = q.value(1).toString();
-    out[PriceCol::Name] = q.value(2).toString();
-    out[PriceCol::Unit] = q.value(3).toString();
-    out[PriceCol::Price] = q.value(4).toString();
-    out[PriceCol::Rec] = q.value(5).toString();
-    out[PriceCol::Link] = q.value(6).toString();
-    out[PriceCol::Koef] = q.value(7).toString();
+    RateRow::Cells c;
+    c[PriceCol::Id] = q.value(0).toString();
+    c[PriceCol::Ras] = q.value(1).toString();
+    c[PriceCol::Name] = q.value(2).toString();
+    c[PriceCol::Unit] = q.value(3).toString();
+    c[PriceCol::Price] = q.value(4).toString();
+    c[PriceCol::Rec] = q.value(5).toString();
+    c[PriceCol::Link] = q.value(6).toString();
+    c[PriceCol::Koef] = q.value(7).toString();
+    out = RateRow(c);
     return true;
 }

@@ -52,11 +52,11 @@ QString PriceFixture::scalar(QSqlDatabase db, const QString &sql) {
 
 RateRow rate(const QString &ras, const QString &name, const QString &unit, const QString &price,
              const QString &rec) {
-    RateRow r;
-    r[PriceCol::Ras] = ras;
-    r[PriceCol::Name] = name;
-    r[PriceCol::Unit] = unit;
-    r[PriceCol::Price] = price;
-    r[PriceCol::Rec] = rec;
-    return r;
+    RateRow::Cells c;
+    c[PriceCol::Ras] = ras;
+    c[PriceCol::Name] = name;
+    c[PriceCol::Unit] = unit;
+    c[PriceCol::Price] = price;
+    c[PriceCol::Rec] = rec;
+    return RateRow(c);
 }
