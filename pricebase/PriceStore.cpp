@@ -49,6 +49,10 @@ bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData
                         QStringLiteral(", rec, link, mat") + (list1 ? QStringLiteral(",koef") : QString()) +
                         QStringLiteral(" FROM ") + table + QStringLiteral(" WHERE 1");
     QSqlQuery q(db);
+    // The count first: the rows are laid out once, without the spare room of a growing vector.
+    if (q.exec(QStringLiteral("SELECT count(*) FROM ") + table) && q.next())
+        out.rows.reserve(static_cast<size_t>(q.value(0).toLongLong()));
+    q.finish();
     q.setForwardOnly(true);
     if (!q.exec(sql))
         return failQuery(error, q);

@@ -9,6 +9,7 @@
 #include "pricebase/LiveSearchList.h"
 #include "pricebase/PriceBase.h"
 #include "pricebase/RatePanel_frame.h"
+#include "pricebase/RemotePriceList.h"
 
 #include <QAction>
 #include <QApplication>
@@ -272,6 +273,80 @@ TEST_F(PriceWindow, TreeAndComboNarrowTheGridAndTheCrewSwitchFillsCrewPrices) {
     panel->PageControlRas->setCurrentIndex(0);
     window->EditValuta->setCurrentIndex(1);
     EXPECT_TRUE(rates().cell(3, PriceCol::Price).isEmpty());
+}
+
+} // namespace
+
+namespace {
+
+QString env(const char *name) {
+    return QString::fromLocal8Bit(qgetenv(name));
+}
+
+TEST_F(PriceWindow, ServerButtonConnectsReadsTheRemoteListAndReportsFailures) {
+    if (env("VIRN_TEST_MYSQL_HOST").isEmpty())
+        GTEST_SKIP() << "VIRN_TEST_MYSQL_HOST is not set: start scripts/services/mariadb.sh (make test does)";
+    TRatePanel *panel = window->RatePanel;
+    ServerSettings s;
+    s.host = env("VIRN_TEST_MYSQL_HOST");
+    s.port = env("VIRN_TEST_MYSQL_PORT").toInt();
+    s.user = env("VIRN_TEST_MYSQL_USER");
+    s.password = "не тот пароль";
+    s.database = env("VIRN_TEST_MYSQL_DB");
+    s.table = QStringLiteral("price_w%1").arg(QCoreApplication::applicationPid());
+    s.save(*window->settingsStore());
+
+    // A wrong password: the server's reason in Russian words, the local list stays on screen.
+    panel->ToolServerRas->setChecked(true);
+    EXPECT_EQ(dialogs->lastCaption(), QStringLiteral("Ошибка"));
+    EXPECT_TRUE(dialogs->lastText().startsWith(QStringLiteral("Не удалось подключиться к серверу Вирн: ")));
+    EXPECT_TRUE(dialogs->lastText().contains(QStringLiteral("Access denied")))
+        << dialogs->lastText().toStdString();
+    EXPECT_FALSE(panel->ToolServerRas->isChecked());
+    EXPECT_EQ(panel->ToolServerRas->toolTip(), QStringLiteral("Подключиться к серверу Вирн"));
+    EXPECT_EQ(panel->PageControlRas->currentIndex(), 0);
+    EXPECT_EQ(rates().visibleCount(), 8);
+
+    // Right settings: choosing the server's tab connects and shows the (new, empty) remote list.
+    s.password = env("VIRN_TEST_MYSQL_PASSWORD");
+    s.save(*window->settingsStore());
+    panel->PageControlRas->setCurrentIndex(3);
+    ASSERT_TRUE(window->priceBase()->serverConnected()) << dialogs->lastText().toStdString();
+    EXPECT_TRUE(panel->ToolServerRas->isChecked());
+    EXPECT_EQ(panel->ToolServerRas->toolTip(), QStringLiteral("Отключиться от сервера"));
+    EXPECT_EQ(window->priceBase()->table(), s.table);
+    EXPECT_EQ(rates().visibleCount(), 0);
+    // Rates typed in edit mode go to the server when edit mode ends.
+    panel->ToolEditRasRight->setChecked(true);
+    rates().setData(rates().index(0, 1), "Кровля", Qt::EditRole);
+    panel->ToolAddRas->trigger();
+    rates().setData(rates().index(1, 1), "Монтаж профнастила", Qt::EditRole);
+    rates().setData(rates().index(1, 2), "м2", Qt::EditRole);
+    rates().setData(rates().index(1, 3), "700", Qt::EditRole);
+    panel->ToolEditRasRight->setChecked(false);
+    EXPECT_FALSE(rates().editMode());
+    ASSERT_EQ(rates().visibleCount(), 2);
+    EXPECT_EQ(rates().cell(2, PriceCol::Ras), QStringLiteral("1-1"));
+    EXPECT_EQ(panel->ComboBox2->itemText(1), QStringLiteral("1 Кровля"));
+    doubleClickRate(2);
+    EXPECT_EQ(cell(2, EstimateCol::Name), QStringLiteral("Монтаж профнастила"));
+    EXPECT_EQ(cell(2, EstimateCol::NamePrice), QStringLiteral("resurs_s"));
+
+    panel->ToolServerRas->setChecked(false);
+    EXPECT_FALSE(window->priceBase()->serverConnected());
+    EXPECT_EQ(panel->PageControlRas->currentIndex(), 0);
+    EXPECT_EQ(rates().visibleCount(), 8);
+    // The test's table goes again.
+    QSqlDatabase db = QSqlDatabase::addDatabase("QMYSQL", "cleanup-window");
+    db.setHostName(s.host);
+    db.setPort(s.port);
+    db.setUserName(s.user);
+    db.setPassword(s.password);
+    db.setDatabaseName(s.database);
+    if (db.open())
+        QSqlQuery(db).exec("DROP TABLE IF EXISTS " + s.table);
+    db = QSqlDatabase();
+    QSqlDatabase::removeDatabase("cleanup-window");
 }
 
 } // namespace
