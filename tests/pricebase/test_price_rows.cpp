@@ -4,6 +4,7 @@
 #include "pricebase/LiveSearch.h"
 #include "pricebase/RateGridModel.h"
 
+#include <QMimeData>
 #include <gtest/gtest.h>
 
 namespace {
@@ -113,6 +114,34 @@ TEST(RateGridModel, EditsUnderAFilterLandInTheWholeList) {
         names << r[PriceCol::Ras] + " " + r[PriceCol::Name];
     EXPECT_EQ(names, (QStringList{"1 Демонтаж", "1-1 Снятие обоев", "1-2 Новая", "1-3 Вывоз мусора",
                                   "2 Кровля", "2-1 Кровля из профнастила", "2-2 Демонтаж окон"}));
+}
+
+TEST(RateGridModel, DraggedRowLandsWhereItWasDropped) {
+    struct Case {
+        int from;    // grid row dragged
+        int dropRow; // Qt row the view drops before (-1: onto `onto`)
+        int onto;    // Qt row dropped onto
+        QStringList expected;
+    };
+    const Case cases[] = {
+        {2, 4, -1, {"1", "1-1-1", "1-2", "1-1", "10", "10-1", "1-10"}}, // down, between rows
+        {6, 0, -1, {"10-1", "1", "1-1", "1-1-1", "1-2", "10", "1-10"}}, // up to the top
+        {1, -1, 6, {"1-1", "1-1-1", "1-2", "10", "10-1", "1-10", "1"}}, // onto the last row
+    };
+    for (const Case &c : cases) {
+        RateGridModel m;
+        m.setRows(sampleList());
+        QMimeData *mime = m.mimeData({m.index(RateGridModel::toModelRow(c.from), 1)});
+        EXPECT_FALSE(m.dropMimeData(mime, Qt::MoveAction, c.dropRow, 0, {})); // not in edit mode
+        m.setEditMode(true);
+        const QModelIndex parent = c.onto >= 0 ? m.index(c.onto, 1) : QModelIndex();
+        m.dropMimeData(mime, Qt::MoveAction, c.dropRow, 0, parent);
+        delete mime;
+        QStringList numbers;
+        for (const RateRow &r : m.allRows())
+            numbers << r[PriceCol::Ras];
+        EXPECT_EQ(numbers, c.expected) << "from " << c.from;
+    }
 }
 
 TEST(RateGridModel, EmptyListShowsOneRowThatBecomesRealWhenTyped) {

@@ -10,12 +10,14 @@
 #include "pricebase/PriceBase.h"
 #include "pricebase/RatePanel_frame.h"
 #include "pricebase/RemotePriceList.h"
+#include "pricebase/ServerRasSettings_frame.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QSpinBox>
 #include <QStandardItemModel>
 #include <QTabWidget>
 #include <QTableView>
@@ -254,6 +256,12 @@ TEST_F(PriceWindow, TreeAndComboNarrowTheGridAndTheCrewSwitchFillsCrewPrices) {
     EXPECT_EQ(rates().visibleCount(), 3); // 1-1 with its two rates, not 1-2
     panel->ComboBox2Select(0);
     EXPECT_EQ(rates().visibleCount(), 8);
+    // In edit mode a node does not filter: the grid goes to its title.
+    panel->ToolEditRasRight->setChecked(true);
+    panel->ListBox1Click(tree->index(2, 0));
+    EXPECT_EQ(rates().visibleCount(), 8);
+    EXPECT_EQ(panel->StringGridRas->currentIndex().row(), 5); // grid row 6, "Полы"
+    panel->ToolEditRasRight->setChecked(false);
 
     panel->spdRasBrig->setChecked(true);
     EXPECT_EQ(panel->PageControlRas->tabText(1), QStringLiteral("Для бригады"));
@@ -281,6 +289,31 @@ namespace {
 
 QString env(const char *name) {
     return QString::fromLocal8Bit(qgetenv(name));
+}
+
+TEST_F(PriceWindow, ServerSettingsDialogRefusesWhatCannotWork) {
+    struct Case {
+        QString host, database, table;
+        bool accepted;
+    };
+    const Case cases[] = {
+        {"127.0.0.1", "virn", "price_virn", true},  {"", "virn", "price_virn", false},
+        {"db.local", "virn", "цены", false},        {"db.local", "virn", "price-list", false},
+        {"db.local", "virn; DROP", "price", false}, {"db.local", "virn", "Price_2", true},
+    };
+    for (const Case &c : cases) {
+        ServerSettings s;
+        s.host = c.host;
+        s.database = c.database;
+        s.table = c.table;
+        TServerRasSettings dialog(s, window.get());
+        dialog.EditPort->setValue(3307);
+        dialogs->clear();
+        dialog.accept();
+        EXPECT_EQ(dialog.result() == QDialog::Accepted, c.accepted) << c.table.toStdString();
+        EXPECT_EQ(dialogs->shown().isEmpty(), c.accepted);
+        EXPECT_EQ(dialog.settings().port, 3307);
+    }
 }
 
 TEST_F(PriceWindow, ServerButtonConnectsReadsTheRemoteListAndReportsFailures) {
