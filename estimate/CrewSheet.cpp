@@ -106,6 +106,7 @@ void CrewSheet::setGlobalKoef(const QString &text) {
     m_global = text;
     markAll();
     changed();
+    emit settingsChanged();
 }
 
 void CrewSheet::setPerRow(bool perRow) {
@@ -115,6 +116,7 @@ void CrewSheet::setPerRow(bool perRow) {
     markAll();
     changed();
     emit perRowChanged(perRow);
+    emit settingsChanged();
 }
 
 QString CrewSheet::rowKoef(int estimateGridRow) const {

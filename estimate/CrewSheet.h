@@ -64,6 +64,8 @@ signals:
     // The user typed a coefficient into a row (the mode may have switched to "per row").
     void rowKoefEdited(int estimateGridRow);
     void perRowChanged(bool perRow);
+    // The global coefficient or the mode changed.
+    void settingsChanged();
 
 private:
     struct RowState {

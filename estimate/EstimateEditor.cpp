@@ -5,6 +5,7 @@
 #include "CrewSheet.h"
 #include "EstimateGrid.h"
 #include "EstimateMaterials.h"
+#include "EstimateStore.h"
 #include "EstimateStructure.h"
 #include "EstimateTotals.h"
 #include "KoefModel.h"
@@ -68,6 +69,7 @@ EstimateEditor::EstimateEditor(EstimateGrid *grid, CrewGrid *crew, DatabaseProvi
             &EstimateEditor::recomputeCoefficients);
     connect(m_koef.get(), &KoefModel::linesChanged, this, &EstimateEditor::recomputeCoefficients);
     connect(m_crew.get(), &CrewSheet::totalsChanged, this, &EstimateEditor::totalsChanged);
+    connect(m_crew.get(), &CrewSheet::settingsChanged, this, &EstimateEditor::storeCrewSettings);
     takeSnapshot();
     recomputeCoefficients();
 }
@@ -80,6 +82,17 @@ void EstimateEditor::reset() {
     m_journal = std::make_unique<UndoJournal>(m_databases ? m_databases(Db::ReturnAction) : QSqlDatabase());
     m_journal->clear();
     m_crew->forgetPrices();
+    {
+        // The crew settings stored with the document, else the program's.
+        m_loading = true;
+        const QSqlDatabase db = m_databases ? m_databases(Db::Smeta) : QSqlDatabase();
+        const QMap<QString, QString> params =
+            db.isOpen() ? EstimateStore::readParameters(db) : QMap<QString, QString>();
+        m_crew->setGlobalKoef(params.value(DocParam::koefBrig, m_crewKoef));
+        const QString perRow = params.value(DocParam::koefBrigPerRow);
+        m_crew->setPerRow(perRow.isEmpty() ? m_crewPerRow : perRow == QLatin1String("1"));
+        m_loading = false;
+    }
     m_koef->reload();
     m_materials->reload();
     m_totals->flush();
@@ -87,6 +100,21 @@ void EstimateEditor::reset() {
     recomputeCoefficients();
     emit totalsChanged();
     emit undoStateChanged();
+}
+
+void EstimateEditor::setCrewDefaults(const QString &koef, bool perRow) {
+    m_crewKoef = koef;
+    m_crewPerRow = perRow;
+}
+
+void EstimateEditor::storeCrewSettings() {
+    if (m_loading || !m_databases)
+        return;
+    QSqlDatabase db = m_databases(Db::Smeta);
+    if (db.isOpen())
+        EstimateStore::writeParameters(
+            db, {{DocParam::koefBrig, m_crew->globalKoef()},
+                 {DocParam::koefBrigPerRow, m_crew->perRow() ? QStringLiteral("1") : QStringLiteral("0")}});
 }
 
 void EstimateEditor::materialsChanged() {

@@ -67,6 +67,9 @@ public:
     // A new or loaded document: empties the undo journal, reloads the coefficient lines, the
     // materials and the crew settings of the document, recomputes everything.
     void reset();
+    // The crew sheet's coefficient and mode for a document that stores none of its own (the program's
+    // settings "EditKoefBrig" and "RadioButtonKoefBrig"). A document keeps its own in `parametrs`.
+    void setCrewDefaults(const QString &koef, bool perRow);
 
     // ----- Commands. Rows are grid rows (data from 2). A refused command changes nothing and leaves
     // its reason in lastError().
@@ -144,6 +147,7 @@ private:
     void takeSnapshot();
     void recomputeCoefficients();
     bool applyStep(bool undoing);
+    void storeCrewSettings();
 
     EstimateGrid *m_grid;
     CrewGrid *m_crewGrid;
@@ -160,4 +164,7 @@ private:
     bool m_applying = false;
     bool m_commitScheduled = false;
     QString m_error;
+    QString m_crewKoef = QStringLiteral("1");
+    bool m_crewPerRow = false;
+    bool m_loading = false;
 };
