@@ -35,9 +35,9 @@ void fill(EstimateGrid &grid, int rows) {
             for (int w = 0; w < 22; ++w, ++n)
                 row(QStringLiteral("Работа %1").arg(n), "", QString::number(n % 17 + 1),
                     QStringLiteral("%1,50").arg(n % 900));
-            row(EstimateStructure::subsectionTotalName(s, p, QStringLiteral("Подраздел")), "ip", "", "");
+            row(EstimateStructure::subsectionTotalName(s, p), "ip", "", "");
         }
-        row(EstimateStructure::sectionTotalName(s, QStringLiteral("Раздел")), "ir", "", "");
+        row(EstimateStructure::sectionTotalName(s), "ir", "", "");
     }
     while (static_cast<int>(all.size()) < rows - 1)
         row(QStringLiteral("Работа %1").arg(n++), "", "3", "100");

@@ -125,7 +125,7 @@ bool EstimateEditor::createSection(int first, int last, const QString &name) {
     Scope step(this, QStringLiteral("Создать раздел"));
     if (wrap) {
         m_grid->insertGridRows(last + 1, 1);
-        setMarkerRow(m_grid, last + 1, RowKind::SectionTotal, sectionTotalName(0, title));
+        setMarkerRow(m_grid, last + 1, RowKind::SectionTotal, sectionTotalName(0));
         m_grid->insertGridRows(first, 1);
         setMarkerRow(m_grid, first, RowKind::SectionStart, sectionName(0, title));
     } else {
@@ -138,7 +138,7 @@ bool EstimateEditor::createSection(int first, int last, const QString &name) {
             at = first;
         m_grid->insertGridRows(at, 3);
         setMarkerRow(m_grid, at, RowKind::SectionStart, sectionName(0, title));
-        setMarkerRow(m_grid, at + 2, RowKind::SectionTotal, sectionTotalName(0, title));
+        setMarkerRow(m_grid, at + 2, RowKind::SectionTotal, sectionTotalName(0));
     }
     // An estimate with sections ends with the grand total.
     bool hasGrand = false;
@@ -176,7 +176,7 @@ bool EstimateEditor::createSubsection(int first, int last, const QString &name) 
     Scope step(this, QStringLiteral("Создать подраздел"));
     if (wrap) {
         m_grid->insertGridRows(last + 1, 1);
-        setMarkerRow(m_grid, last + 1, RowKind::SubsectionTotal, subsectionTotalName(0, 0, title));
+        setMarkerRow(m_grid, last + 1, RowKind::SubsectionTotal, subsectionTotalName(0, 0));
         m_grid->insertGridRows(first, 1);
         setMarkerRow(m_grid, first, RowKind::SubsectionStart, subsectionName(0, 0, title));
         return true;
@@ -192,7 +192,7 @@ bool EstimateEditor::createSubsection(int first, int last, const QString &name) 
         at = first;
     m_grid->insertGridRows(at, 3);
     setMarkerRow(m_grid, at, RowKind::SubsectionStart, subsectionName(0, 0, title));
-    setMarkerRow(m_grid, at + 2, RowKind::SubsectionTotal, subsectionTotalName(0, 0, title));
+    setMarkerRow(m_grid, at + 2, RowKind::SubsectionTotal, subsectionTotalName(0, 0));
     return true;
 }
 

@@ -33,16 +33,16 @@ QString sectionName(int n, const QString &title) {
     return RowText::sectionPrefix + QString::number(n) + QStringLiteral(". ") + title;
 }
 
-QString sectionTotalName(int n, const QString &title) {
-    return RowText::sectionTotalPrefix + QString::number(n) + QStringLiteral(". ") + title;
+QString sectionTotalName(int n) {
+    return RowText::sectionTotalPrefix + QString::number(n);
 }
 
 QString subsectionName(int n, int m, const QString &title) {
     return RowText::subsectionPrefix + QStringLiteral("%1.%2. ").arg(n).arg(m) + title;
 }
 
-QString subsectionTotalName(int n, int m, const QString &title) {
-    return RowText::subsectionTotalPrefix + QStringLiteral("%1.%2. ").arg(n).arg(m) + title;
+QString subsectionTotalName(int n, int m) {
+    return RowText::subsectionTotalPrefix + QStringLiteral("%1.%2").arg(n).arg(m);
 }
 
 std::vector<RowKind> kinds(const EstimateGrid &grid) {

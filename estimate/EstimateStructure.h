@@ -18,12 +18,11 @@ bool isGrandTotalName(const QString &name);
 QString sectionTitle(const QString &name);
 QString subsectionTitle(const QString &name);
 
-// "РАЗДЕЛ n. title", "Итого по разделу n. title", "       § n.m. title",
-// "              Итого по § n.m. title".
+// "РАЗДЕЛ n. title", "Итого по разделу n", "       § n.m. title", "              Итого по § n.m".
 QString sectionName(int n, const QString &title);
-QString sectionTotalName(int n, const QString &title);
+QString sectionTotalName(int n);
 QString subsectionName(int n, int m, const QString &title);
-QString subsectionTotalName(int n, int m, const QString &title);
+QString subsectionTotalName(int n, int m);
 
 // Kinds of the data rows of a grid, index 0 = grid row 2.
 std::vector<RowKind> kinds(const EstimateGrid &grid);

@@ -216,47 +216,40 @@ void EstimateTotals::writeTotal(int m, qint64 kopecks) {
     write(r, Itogo, text);
 }
 
-QString EstimateTotals::writeSectionText(int m, int section, int subsection, const QString &inheritedTitle) {
+void EstimateTotals::writeSectionText(int m, int section, int subsection) {
     using namespace EstimateStructure;
     RowState &st = m_rows[static_cast<size_t>(m)];
     const int r = EstimateGrid::toGridRow(m);
-    const bool opens = st.kind == RowKind::SectionStart || st.kind == RowKind::SubsectionStart;
-    bool rewrite = st.nameDirty || st.shownSection != section || st.shownSubsection != subsection;
-    if (opens && st.nameDirty) {
-        const QString text = m_grid->cell(r, Name);
-        st.title = st.kind == RowKind::SectionStart ? sectionTitle(text) : subsectionTitle(text);
-    } else if (!opens && st.title != inheritedTitle) {
-        st.title = inheritedTitle;
-        rewrite = true;
+    if (!st.nameDirty && st.shownSection == section && st.shownSubsection == subsection)
+        return;
+    switch (st.kind) {
+    case RowKind::SectionStart:
+        if (st.nameDirty)
+            st.title = sectionTitle(m_grid->cell(r, Name));
+        write(r, Name, sectionName(section, st.title));
+        break;
+    case RowKind::SubsectionStart:
+        if (st.nameDirty)
+            st.title = subsectionTitle(m_grid->cell(r, Name));
+        write(r, Name, subsectionName(section, subsection, st.title));
+        break;
+    case RowKind::SectionTotal:
+        write(r, Name, sectionTotalName(section));
+        break;
+    case RowKind::SubsectionTotal:
+        write(r, Name, subsectionTotalName(section, subsection));
+        break;
+    case RowKind::Work:
+        break;
     }
-    if (rewrite) {
-        switch (st.kind) {
-        case RowKind::SectionStart:
-            write(r, Name, sectionName(section, st.title));
-            break;
-        case RowKind::SubsectionStart:
-            write(r, Name, subsectionName(section, subsection, st.title));
-            break;
-        case RowKind::SectionTotal:
-            write(r, Name, sectionTotalName(section, st.title));
-            break;
-        case RowKind::SubsectionTotal:
-            write(r, Name, subsectionTotalName(section, subsection, st.title));
-            break;
-        case RowKind::Work:
-            break;
-        }
-        st.nameDirty = false;
-        st.shownSection = section;
-        st.shownSubsection = subsection;
-    }
-    return st.title;
+    st.nameDirty = false;
+    st.shownSection = section;
+    st.shownSubsection = subsection;
 }
 
 void EstimateTotals::pass() {
     int number = 0, section = 0, subsection = 0;
     qint64 all = 0, sectionSum = 0, subsectionSum = 0;
-    QString sectionText, subsectionText;
     std::vector<int> grandRows;
     const int n = static_cast<int>(m_rows.size());
     for (int m = 0; m < n; ++m) {
@@ -279,24 +272,24 @@ void EstimateTotals::pass() {
             ++section;
             subsection = 0;
             sectionSum = subsectionSum = 0;
-            sectionText = writeSectionText(m, section, 0, QString());
+            writeSectionText(m, section, 0);
             writeNumber(m, 0);
             break;
         case RowKind::SubsectionStart:
             ++subsection;
             subsectionSum = 0;
-            subsectionText = writeSectionText(m, section, subsection, QString());
+            writeSectionText(m, section, subsection);
             writeNumber(m, 0);
             break;
         case RowKind::SubsectionTotal:
             writeTotal(m, subsectionSum);
-            writeSectionText(m, section, subsection, subsectionText);
+            writeSectionText(m, section, subsection);
             subsectionSum = 0;
             writeNumber(m, 0);
             break;
         case RowKind::SectionTotal:
             writeTotal(m, sectionSum);
-            writeSectionText(m, section, 0, sectionText);
+            writeSectionText(m, section, 0);
             sectionSum = subsectionSum = 0;
             writeNumber(m, 0);
             break;

@@ -71,8 +71,8 @@ private:
     void write(int gridRow, int col, const QString &text);
     void writeNumber(int modelRow, int number);
     void writeTotal(int modelRow, qint64 kopecks);
-    // Writes a section row's text when its numbers or title changed; returns the title.
-    QString writeSectionText(int modelRow, int section, int subsection, const QString &inheritedTitle);
+    // Writes a section or totals row's text when its numbers or title changed.
+    void writeSectionText(int modelRow, int section, int subsection);
     void mark(int gridRow, int col, const QString &problem);
 
     EstimateGrid *m_grid;

@@ -40,16 +40,16 @@ TEST_F(StructureTest, TwoSectionsWithSubsectionsAreNumberedAndTotalled) {
         "|РАЗДЕЛ 1. Демонтаж||br",
         "1|Снос стен|1500,00|",
         "2|Вывоз мусора|2000,00|",
-        "|Итого по разделу 1. Демонтаж|3500,00|ir",
+        "|Итого по разделу 1|3500,00|ir",
         "|РАЗДЕЛ 2. Отделка||br",
         "|       § 2.1. Стены||bp",
         "3|Шпаклёвка|6000,00|",
-        "|              Итого по § 2.1. Стены|6000,00|ip",
+        "|              Итого по § 2.1|6000,00|ip",
         "|       § 2.2. Пол||bp",
         "4|Стяжка|10000,00|",
         "5|Ламинат|16000,00|",
-        "|              Итого по § 2.2. Пол|26000,00|ip",
-        "|Итого по разделу 2. Отделка|32000,00|ir",
+        "|              Итого по § 2.2|26000,00|ip",
+        "|Итого по разделу 2|32000,00|ir",
         "|Итого по смете|35500,00|",
     };
     EXPECT_EQ(outline(), expected);
@@ -144,12 +144,13 @@ TEST_F(StructureTest, AppendingKeepsTheGrandTotalLastAndSectionTextsFollowRenami
     // The grand total row is not typed into, whatever its kind allows.
     EXPECT_FALSE(editor->canEditCell(last + 1, Qty));
     EXPECT_TRUE(editor->canEditCell(last, Qty));
-    // Renaming a section: the prefix and number come back, the total row follows.
+    // Renaming a section: the prefix and the number come back whatever is typed.
     type(6, Name, "Чистовая отделка");
     EXPECT_EQ(cell(6, Name), "РАЗДЕЛ 2. Чистовая отделка");
-    EXPECT_EQ(cell(14, Name), "Итого по разделу 2. Чистовая отделка");
-    type(7, Name, "       § 2.1. Стены и потолки");
-    EXPECT_EQ(cell(9, Name), "              Итого по § 2.1. Стены и потолки");
+    type(7, Name, "       § 7.7. Стены и потолки");
+    EXPECT_EQ(cell(7, Name), "       § 2.1. Стены и потолки");
+    EXPECT_EQ(cell(14, Name), "Итого по разделу 2");
+    EXPECT_EQ(cell(9, Name), "              Итого по § 2.1");
 }
 
 TEST(SectionTexts, TitlesAreTakenFromTheRowText) {

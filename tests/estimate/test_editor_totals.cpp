@@ -5,6 +5,7 @@
 #include "estimate/KoefModel.h"
 #include "test_editor_fixture.h"
 
+#include <QFile>
 #include <QSqlQuery>
 
 using namespace EstimateCol;
@@ -74,9 +75,9 @@ TEST_F(EditorTest, NestedSubsectionTotalsAndChangesMadeByOtherCode) {
         "|       § 1.1. Подготовка||bp",
         "1|Грунтовка|500,00|",
         "2|Шпаклёвка|600,00|",
-        "|              Итого по § 1.1. Подготовка|1100,00|ip",
+        "|              Итого по § 1.1|1100,00|ip",
         "3|Покраска|400,00|",
-        "|Итого по разделу 1. Стены|1500,00|ir",
+        "|Итого по разделу 1|1500,00|ir",
         "|Итого по смете|1500,00|",
     };
     EXPECT_EQ(outline(), expected);
@@ -210,6 +211,41 @@ TEST(Coefficients, LinesApplyPerBaseInTheFixedOrder) {
         EXPECT_DOUBLE_EQ(r.vat, c.vat) << c.what;
         EXPECT_DOUBLE_EQ(r.grand, c.grand) << c.what;
     }
+}
+
+} // namespace
+
+namespace {
+
+// The sample document of the program: the totals it was saved with are the ones computed again.
+TEST_F(EditorTest, SampleDocumentLoadsWithItsOwnTotals) {
+    QFile file(QStringLiteral(VIRN_SOURCE_DIR "/resources/sample/estimate.sql"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QSqlDatabase db = module->database(Db::Smeta);
+    QSqlQuery q(db);
+    for (const QString &statement : QString::fromUtf8(file.readAll()).split(QStringLiteral(";\n"))) {
+        QString sql;
+        for (const QString &line : statement.split(QLatin1Char('\n')))
+            if (!line.startsWith(QStringLiteral("--")))
+                sql += line + QLatin1Char('\n');
+        if (!sql.trimmed().isEmpty())
+            ASSERT_TRUE(q.exec(sql)) << sql.toStdString();
+    }
+    std::vector<QStringList> stored;
+    ASSERT_TRUE(q.exec("SELECT numpos, nameras, summa, section FROM smeta WHERE 1"));
+    while (q.next())
+        stored.push_back(
+            {q.value(0).toString(), q.value(1).toString(), q.value(2).toString(), q.value(3).toString()});
+    ASSERT_TRUE(EstimateStore::readSmeta(db, grid, crew));
+    editor->reset();
+    ASSERT_EQ(grid.rowCount(), static_cast<int>(stored.size()));
+    for (size_t i = 0; i < stored.size(); ++i) {
+        const int r = static_cast<int>(i) + 2;
+        EXPECT_EQ(cell(r, Num), stored[i][0]) << r;
+        EXPECT_EQ(cell(r, Name), stored[i][1]) << r;
+        EXPECT_EQ(cell(r, Sum), stored[i][2]) << r;
+    }
+    EXPECT_FALSE(editor->canUndo()); // loading is no step
 }
 
 } // namespace
