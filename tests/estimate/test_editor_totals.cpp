@@ -249,3 +249,44 @@ TEST_F(EditorTest, SampleDocumentLoadsWithItsOwnTotals) {
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(EditorTest, MaterialsGridComputesWritesAndMarks) {
+    EstimateMaterials &mats = *editor->materials();
+    const int row = mats.addRow();
+    ASSERT_EQ(row, 0);
+    struct Case {
+        int col;
+        QString text;
+        QString sum;
+        bool bad;
+        double total;
+    };
+    const std::vector<Case> cases = {
+        {MatCol::Name, "Штукатурка гипсовая", "", false, 0},
+        {MatCol::Qty, "12", "", false, 0},
+        {MatCol::Price, "450.5", "5406,00", false, 5406},
+        {MatCol::Qty, "-2", "-901,00", false, -901}, // returned to the shop
+        {MatCol::Price, "бесплатно", "", true, 0},
+        {MatCol::Price, "", "", false, 0},
+    };
+    for (const Case &c : cases) {
+        ASSERT_TRUE(mats.setData(mats.index(row, c.col), c.text, Qt::EditRole)) << c.text.toStdString();
+        EXPECT_EQ(mats.index(row, MatCol::Sum).data().toString(), c.sum) << c.text.toStdString();
+        EXPECT_EQ(!mats.cellProblem(row, c.col).isEmpty(), c.bad) << c.text.toStdString();
+        EXPECT_DOUBLE_EQ(editor->materialsRaw(), c.total) << c.text.toStdString();
+    }
+    // Everything typed is in the working database.
+    QSqlQuery q(module->database(Db::Smeta));
+    ASSERT_TRUE(q.exec("SELECT namemat, kolvo, price, summa FROM materials") && q.next());
+    EXPECT_EQ(q.value(0).toString(), "Штукатурка гипсовая");
+    EXPECT_EQ(q.value(1).toString(), "-2");
+    EXPECT_EQ(q.value(3).toString(), "");
+    q.finish();
+    EXPECT_FALSE(mats.setData(mats.index(row, MatCol::Sum), "1", Qt::EditRole)); // computed, not typed
+    ASSERT_TRUE(mats.removeRows(0, 0));
+    EXPECT_EQ(mats.rowCount(), 0);
+}
+
+} // namespace

@@ -2,9 +2,11 @@
 // paste through PopupMenuEdit.
 
 #include "estimate/CrewSheet.h"
+#include "estimate/RowDiff.h"
 #include "test_editor_fixture.h"
 
 #include <QSqlQuery>
+#include <random>
 
 using namespace EstimateCol;
 
@@ -157,6 +159,87 @@ TEST_F(UndoTest, CopyAndPasteThroughPopupMenuEdit) {
     // Nothing to copy.
     EXPECT_EQ(editor->copyRows(8, 8), 0);
     EXPECT_FALSE(editor->lastError().isEmpty());
+}
+
+} // namespace
+
+namespace {
+
+// The row difference, applied forward and backward, on random edits of random lists of rows.
+TEST(RowDiffTest, RandomChangesRoundTrip) {
+    std::mt19937 rng(20240611);
+    auto makeRow = [&](int id) {
+        RowDiff::Row r;
+        for (int c = 0; c < EstimateCol::Count; ++c)
+            r.cells << QString();
+        r.cells[EstimateCol::Name] = QStringLiteral("Работа %1").arg(id);
+        r.cells[EstimateCol::Qty] = QString::number(id % 7);
+        return r;
+    };
+    auto apply = [](std::vector<QStringList> rows, const std::vector<RowDiff::Op> &ops, bool backward) {
+        auto at = [&](int gridRow) { return rows.begin() + (gridRow - 2); };
+        if (backward) {
+            for (auto it = ops.rbegin(); it != ops.rend(); ++it) {
+                if (it->kind == RowDiff::Op::Edit)
+                    *at(it->row) = it->before;
+                else if (it->kind == RowDiff::Op::Insert)
+                    rows.erase(at(it->row));
+                else
+                    rows.insert(at(it->row), it->before);
+            }
+        } else {
+            for (const auto &op : ops) {
+                if (op.kind == RowDiff::Op::Edit)
+                    *at(op.row) = op.after;
+                else if (op.kind == RowDiff::Op::Insert)
+                    rows.insert(at(op.row), op.after);
+                else
+                    rows.erase(at(op.row));
+            }
+        }
+        return rows;
+    };
+    int next = 0;
+    for (int round = 0; round < 300; ++round) {
+        std::vector<RowDiff::Row> before;
+        const int n = 1 + static_cast<int>(rng() % 30);
+        for (int i = 0; i < n; ++i)
+            before.push_back(makeRow(next++));
+        std::vector<RowDiff::Row> after = before;
+        const int changes = static_cast<int>(rng() % 6);
+        for (int k = 0; k < changes; ++k) {
+            const int pos = after.empty() ? 0 : static_cast<int>(rng() % after.size());
+            switch (rng() % 4) {
+            case 0:
+                after.insert(after.begin() + pos, makeRow(next++));
+                break;
+            case 1:
+                if (after.size() > 1)
+                    after.erase(after.begin() + pos);
+                break;
+            case 2:
+                if (!after.empty())
+                    after[static_cast<size_t>(pos)].cells[EstimateCol::Qty] += QLatin1Char('5');
+                break;
+            default:
+                if (!after.empty()) { // a move
+                    RowDiff::Row r = after[static_cast<size_t>(pos)];
+                    after.erase(after.begin() + pos);
+                    after.insert(after.begin() + static_cast<int>(rng() % (after.size() + 1)), r);
+                }
+            }
+        }
+        const auto ops = RowDiff::diff(before, after, 2);
+        std::vector<QStringList> b, a;
+        for (const auto &r : before)
+            b.push_back(r.wide());
+        for (const auto &r : after)
+            a.push_back(r.wide());
+        ASSERT_EQ(apply(b, ops, false), a) << "round " << round;
+        ASSERT_EQ(apply(a, ops, true), b) << "round " << round;
+        // Only what changed is recorded: at most two records per change.
+        EXPECT_LE(ops.size(), static_cast<size_t>(2 * changes)) << "round " << round;
+    }
 }
 
 } // namespace
