@@ -3,10 +3,12 @@
 #include "DataFolder.h"
 #include "Dialogs.h"
 #include "TForm1.h"
+#include "office/EstimateExport.h"
 #include "storage/ModuleSQL.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QFileInfo>
 #include <QLocale>
 #include <QTextStream>
 #include <QTimer>
@@ -39,9 +41,41 @@ int prepareData(const QString &folder) {
     return failures == 0 ? 0 : 1;
 }
 
+// --export FILE.sim OUT.pdf|OUT.xls: renders the document's estimate without a window, with the
+// templates of the data folder the program would use for that document.
+int exportDocument(const QString &document, const QString &out) {
+    const QString folder =
+        DataFolder::decide({document}, DataFolder::storedFolder(), QDir::currentPath()).folder;
+    QString error;
+    if (!EstimateExport::exportFile(document, out, folder, &error)) {
+        err() << error << Qt::endl;
+        return 1;
+    }
+    QTextStream(stdout) << QDir::toNativeSeparators(QFileInfo(out).absoluteFilePath()) << Qt::endl;
+    return 0;
+}
+
+void usage() {
+    QTextStream(stdout) << "virn-smeta [FILE.sim]                  открыть программу (и документ)\n"
+                           "virn-smeta --export FILE.sim OUT.pdf   вывести смету документа в PDF без окна\n"
+                           "virn-smeta --export FILE.sim OUT.xls   то же в таблицу Excel\n"
+                           "virn-smeta --prepare-data DIR          создать папку данных с базами\n";
+}
+
 } // namespace
 
 int virnMain(int argc, char **argv) {
+    if (argc >= 2 && (qstrcmp(argv[1], "--help") == 0 || qstrcmp(argv[1], "-h") == 0)) {
+        QCoreApplication core(argc, argv);
+        usage();
+        return 0;
+    }
+    if (argc >= 4 && qstrcmp(argv[1], "--export") == 0) {
+        // No window: works on machines without a display.
+        QCoreApplication core(argc, argv);
+        QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
+        return exportDocument(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3]));
+    }
     if (argc >= 3 && qstrcmp(argv[1], "--prepare-data") == 0) {
         // No window: works on machines without a display.
         QCoreApplication core(argc, argv);

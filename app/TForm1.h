@@ -273,7 +273,37 @@ private:
 public:
 
     // ----- office output (TForm1_output.cpp)
+    // The estimate's printed forms through the office engine, made on the engine's own thread behind a
+    // progress window: the template is the one of the document title (ComboBoxShablon).
+    void MPreviewClick();     // "Предварительный просмотр"
+    void MPrintClick();       // "Печать"
+    void MExportPDFClick();   // "Экспорт в формат PDF"
+    void MExportExcelClick(); // "Экспорт в формат Excel"
+    // TEditFromAktSmeta: the titles of the printed sheets (section View of the settings).
+    void MEditFromAktSmetaClick();
+    // The estimate as it prints now, and the sheet titles in force.
+    struct EstimatePrint estimatePrint() const;
+    struct ViewTitles viewTitles() const;
+    // FormShow: the default templates are put into Sh where missing.
+    void outputShow();
+    // True while a document is being made (a second request waits for it to end).
+    bool outputBusy() const { return m_outputBusy; }
+    class TFCustomPreview *FCustomPreview = nullptr;
+    QAction *MPreview = nullptr;
+    QAction *MPrint = nullptr;
+    QAction *MExportPDF = nullptr;
+    QAction *MExportExcel = nullptr;
+    QAction *MEditFromAktSmeta = nullptr;
+    // Emitted when a requested document has been made (ok) or has failed (the user was told why).
+    Q_SIGNAL void outputFinished(bool ok, const QString &path);
 
+private:
+    enum class OutputKind { Preview, Print, Pdf, Excel };
+    void runOutput(OutputKind kind);
+    class OfficeService *m_office = nullptr;
+    bool m_outputBusy = false;
+
+public:
     // A checkable option whose objectName is its settings key; its state follows the settings.
     QAction *addOption(QMenu *menu, const QString &key, const QString &caption);
 

@@ -52,6 +52,7 @@ void TForm1::FormShow() {
     if (m_startupDocument.isEmpty())
         DataFolder::storeFolder(m_dataFolder);
     applySettings();
+    outputShow();
 
     // Open the working database now: it is created and completed with its tables on first use.
     m_module->database(Db::Smeta);

@@ -72,7 +72,7 @@ OfficeEngine::~OfficeEngine() {
         QDir(m_profileDir).removeRecursively();
 }
 
-bool OfficeEngine::available(QString *why) const {
+bool OfficeEngine::available(QString *why) {
     QString reason;
     const QDir install(installDir());
     if (!install.exists(QStringLiteral("libmergedlo.so")) &&
@@ -287,6 +287,14 @@ bool OfficeEngine::deleteRows(int row, int count) {
                     {QStringLiteral("row"), row},
                     {QStringLiteral("count"), count}},
                    kDefaultLimitMs);
+}
+
+bool OfficeEngine::fitRows(const QVector<QPair<int, int>> &ranges) {
+    QJsonArray list;
+    for (const auto &r : ranges)
+        list.append(QJsonArray{r.first, r.second});
+    return request({{QStringLiteral("op"), QStringLiteral("fitRows")}, {QStringLiteral("ranges"), list}},
+                   kDefaultLimitMs + 20 * static_cast<int>(ranges.size()));
 }
 
 bool OfficeEngine::copy(const QString &range) {

@@ -33,7 +33,7 @@ public:
     OfficeEngine &operator=(const OfficeEngine &) = delete;
 
     // False with a Russian reason when the helper or LibreOffice is missing (nothing is started).
-    bool available(QString *why = nullptr) const;
+    static bool available(QString *why = nullptr);
 
     // Every request returns false on failure; error() then holds the Russian reason.
     bool start();
@@ -51,6 +51,8 @@ public:
     // Rows from 1: inserts count rows above row (rows below move down, merged cells with them).
     bool insertRows(int row, int count);
     bool deleteRows(int row, int count);
+    // Rows (first from 1, count) take the height their contents need.
+    bool fitRows(const QVector<QPair<int, int>> &ranges);
     bool copy(const QString &range);
     bool paste(const QString &range);
 

@@ -6,6 +6,8 @@
 #include <QRegularExpression>
 #include <QSet>
 
+#include <algorithm>
+
 SheetValue SheetValue::ofNumber(double v, const QString &shown) {
     return {true, v, shown};
 }
@@ -100,6 +102,37 @@ bool cellInput(const QString &cell, const QString &text, const SheetData &data,
         return false;
     *out = textInput(cell, result);
     return true;
+}
+
+// The rows that received values get the height their contents need (the heights stored in a template
+// fit its placeholders). Named rows and blocks are given as in the template; their rows moved by the
+// rows each block above them gained or lost.
+bool fitFilledRows(OfficeEngine &engine, const Layout &layout, const SheetData &data,
+                   const QVector<int> &namedRows) {
+    auto shiftAbove = [&](int row) {
+        int shift = 0;
+        for (const Block &b : layout.blocks)
+            if (b.lastRow < row)
+                shift += data.lists.at(b.list).rows.size() - (b.lastRow - b.firstRow + 1);
+        return shift;
+    };
+    QVector<int> rows;
+    for (int r : namedRows)
+        rows << r + shiftAbove(r);
+    for (const Block &b : layout.blocks) {
+        const int first = b.firstRow + shiftAbove(b.firstRow);
+        for (int i = 0; i < data.lists.at(b.list).rows.size(); ++i)
+            rows << first + i;
+    }
+    std::sort(rows.begin(), rows.end());
+    QVector<QPair<int, int>> ranges;
+    for (int r : rows) {
+        if (!ranges.isEmpty() && ranges.last().first + ranges.last().second - 1 == r) // rows from 1
+            ++ranges.last().second;
+        else if (ranges.isEmpty() || ranges.last().first + ranges.last().second - 1 < r + 1)
+            ranges.append({r + 1, 1});
+    }
+    return ranges.isEmpty() || engine.fitRows(ranges);
 }
 
 bool enterAll(OfficeEngine &engine, const QVector<Input> &inputs, QString *error, const Progress &progress,
@@ -251,13 +284,17 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
         for (int r = b.firstRow; r <= b.lastRow; ++r)
             blockRows.insert(r);
     QVector<Input> inputs;
+    QVector<int> namedRows; // rows of the template that receive a named item
     for (int r = 0; r < grid.size(); ++r) {
         if (blockRows.contains(r))
             continue;
         for (int c = 0; c < grid.at(r).size(); ++c) {
             Input in;
-            if (cellInput(SheetText::cellName(r, c), grid.at(r).at(c), data, kinds, nullptr, &in))
+            if (cellInput(SheetText::cellName(r, c), grid.at(r).at(c), data, kinds, nullptr, &in)) {
                 inputs << in;
+                if (namedRows.isEmpty() || namedRows.last() != r)
+                    namedRows << r;
+            }
         }
     }
     if (!enterAll(engine, inputs, error, {}, 0, 0))
@@ -321,6 +358,8 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
             return engineFailed();
     }
     report(90);
+    if (!fitFilledRows(engine, layout, data, namedRows))
+        return engineFailed();
 
     Grid filled;
     if (!engine.sheet(&filled))

@@ -27,6 +27,11 @@ inline const QString vat = QStringLiteral("ндс");
 inline const QString grandTotal = QStringLiteral("всего");
 inline const QString grandWords = QStringLiteral("сумма прописью");
 inline const QString basis = QStringLiteral("основание"); // "Смета № 5, договор № 12"
+// The parties of the act forms in one line each, the blank parts left out:
+// "Кудрявцев О. Н., г. Ярославль, ул. Садовая, 14, тел. +7 999 214-57-38".
+inline const QString customerLine = QStringLiteral("заказчик, адрес, телефон");
+inline const QString contractorLine = QStringLiteral("подрядчик, адрес, телефон");
+inline const QString siteLine = QStringLiteral("стройка, адрес");
 
 // The list of estimate rows and its kinds.
 inline const QString rowWork = QStringLiteral("строки");

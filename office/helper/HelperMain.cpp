@@ -119,6 +119,8 @@ public:
             ok = goTo(req.value(QStringLiteral("range")).toString(), &error);
         } else if (op == QLatin1String("insertRows") || op == QLatin1String("deleteRows")) {
             ok = rows(op == QLatin1String("insertRows"), req, &error);
+        } else if (op == QLatin1String("fitRows")) {
+            ok = fitRows(req.value(QStringLiteral("ranges")).toArray(), &error);
         } else if (op == QLatin1String("copy") || op == QLatin1String("paste")) {
             ok = goTo(req.value(QStringLiteral("range")).toString(), &error) &&
                  m_s.uno(op == QLatin1String("copy") ? ".uno:Copy" : ".uno:Paste", "", kStep, &error);
@@ -235,6 +237,23 @@ private:
         }
         return goTo(SheetText::rangeName(row - 1, 0, row + count - 2, 0), error) &&
                m_s.uno(insert ? ".uno:InsertRows" : ".uno:DeleteRows", "", kStep, error);
+    }
+
+    // Each range [first, count] of rows (from 1) gets the height its contents need: rows read from
+    // ".xls" keep the heights the file gives them, which fit the placeholders rather than the values.
+    bool fitRows(const QJsonArray &ranges, std::string *error) {
+        for (const QJsonValue &v : ranges) {
+            const QJsonArray r = v.toArray();
+            const int first = r.at(0).toInt();
+            const int count = r.at(1).toInt();
+            if (first < 1 || count < 1)
+                continue;
+            if (!goTo(SheetText::rangeName(first - 1, 0, first + count - 2, 0), error) ||
+                !m_s.uno(".uno:SetOptimalRowHeight",
+                         R"({"aExtraHeight":{"type":"unsigned short","value":0}})", kStep, error))
+                return false;
+        }
+        return true;
     }
 
     bool enterCells(const QJsonArray &cells, std::string *error) {

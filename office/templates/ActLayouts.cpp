@@ -71,18 +71,6 @@ void signature(SheetBuilder &s, int row, const QString &who, const QString &posi
 
 const QString kAuthority = QStringLiteral("Утверждена постановлением Госкомстата России от 11.11.99 № 100");
 
-QString customerLine() {
-    return QStringLiteral("%1, %2, тел. %3")
-        .arg(ph(QStringLiteral("ComboBoxZakaz")), ph(QStringLiteral("ZEditAddress")),
-             ph(QStringLiteral("ZEditPhone")));
-}
-
-QString contractorLine() {
-    return QStringLiteral("%1, %2, тел. %3")
-        .arg(ph(QStringLiteral("ComboBoxPodryad")), ph(QStringLiteral("PEditAddress")),
-             ph(QStringLiteral("PEditPhone")));
-}
-
 } // namespace
 
 QByteArray ks2Sheet() {
@@ -96,16 +84,16 @@ QByteArray ks2Sheet() {
     s.cell(4, 8, QStringLiteral("0322005"), codeBox());
     party(s, 5, QStringLiteral("Инвестор"), QString(), QStringLiteral("(организация, адрес, телефон, факс)"),
           2, 4, true);
-    party(s, 7, QStringLiteral("Заказчик (Генподрядчик)"), customerLine(),
+    party(s, 7, QStringLiteral("Заказчик (Генподрядчик)"), ph(customerLine),
           QStringLiteral("(организация, адрес, телефон, факс)"), 2, 4, true);
-    party(s, 9, QStringLiteral("Подрядчик (Субподрядчик)"), contractorLine(),
+    party(s, 9, QStringLiteral("Подрядчик (Субподрядчик)"), ph(contractorLine),
           QStringLiteral("(организация, адрес, телефон, факс)"), 2, 4, true);
-    party(s, 11, QStringLiteral("Стройка"),
-          QStringLiteral("%1, %2").arg(ph(QStringLiteral("EditNameWork")), ph(QStringLiteral("AddressWork"))),
-          QStringLiteral("(наименование, адрес)"), 2, 4, false);
+    party(s, 11, QStringLiteral("Стройка"), ph(siteLine), QStringLiteral("(наименование, адрес)"), 2, 4,
+          false);
     party(s, 13, QStringLiteral("Объект"), ph(QStringLiteral("ComboBoxObject")),
           QStringLiteral("(наименование)"), 2, 4, false);
-    s.cell(14, 7, QStringLiteral("Вид деятельности по ОКДП"), CellLook().pt(8).right().w());
+    s.cell(14, 7, QStringLiteral("Вид деятельности по ОКДП"), CellLook().pt(7).right().w());
+    s.setRowHeight(14, 0.65);
     s.cell(14, 8, QString(), codeBox());
     s.cell(15, 5, QStringLiteral("Договор подряда (контракт)"), CellLook().pt(8).right(), 2);
     s.cell(15, 7, QStringLiteral("номер"), CellLook().pt(8).right());
@@ -166,14 +154,14 @@ QByteArray ks3Sheet() {
     s.cell(4, 7, QStringLiteral("0322001"), codeBox());
     party(s, 5, QStringLiteral("Инвестор"), QString(), QStringLiteral("(организация, адрес, телефон, факс)"),
           2, 3, true);
-    party(s, 7, QStringLiteral("Заказчик (Генподрядчик)"), customerLine(),
+    party(s, 7, QStringLiteral("Заказчик (Генподрядчик)"), ph(customerLine),
           QStringLiteral("(организация, адрес, телефон, факс)"), 2, 3, true);
-    party(s, 9, QStringLiteral("Подрядчик (Субподрядчик)"), contractorLine(),
+    party(s, 9, QStringLiteral("Подрядчик (Субподрядчик)"), ph(contractorLine),
           QStringLiteral("(организация, адрес, телефон, факс)"), 2, 3, true);
-    party(s, 11, QStringLiteral("Стройка"),
-          QStringLiteral("%1, %2").arg(ph(QStringLiteral("EditNameWork")), ph(QStringLiteral("AddressWork"))),
-          QStringLiteral("(наименование, адрес)"), 2, 3, false);
-    s.cell(12, 6, QStringLiteral("Вид деятельности по ОКДП"), CellLook().pt(8).right().w());
+    party(s, 11, QStringLiteral("Стройка"), ph(siteLine), QStringLiteral("(наименование, адрес)"), 2, 3,
+          false);
+    s.cell(12, 6, QStringLiteral("Вид деятельности по ОКДП"), CellLook().pt(7).right().w());
+    s.setRowHeight(12, 0.65);
     s.cell(12, 7, QString(), codeBox());
     s.cell(13, 4, QStringLiteral("Договор подряда (контракт)"), CellLook().pt(8).right(), 2);
     s.cell(13, 6, QStringLiteral("номер"), CellLook().pt(8).right());
@@ -210,21 +198,23 @@ QByteArray ks3Sheet() {
     int row = h + 3;
     const CellLook amount = LayoutParts::dataMoney();
     s.cell(row, 1, QString(), LayoutParts::dataText());
-    s.cell(row, 2, QStringLiteral("Всего работ и затрат, включаемых в стоимость работ"),
-           LayoutParts::dataText().b(), 2);
+    // Merged name cells do not wrap: the engine would size the row by the first column alone.
+    const CellLook name = CellLook().box().top();
+    s.cell(row, 2, QStringLiteral("Всего работ и затрат, включаемых в стоимость работ"), CellLook(name).b(),
+           2);
     s.cell(row, 4, QString(), LayoutParts::dataText());
     for (int c = 5; c <= 7; ++c)
         s.cell(row, c, ph(subtotal), CellLook(amount).b());
     ++row;
     s.cell(row, 1, QString(), LayoutParts::dataText());
-    s.cell(row, 2, QStringLiteral("в том числе:"), LayoutParts::dataText().i(), 2);
+    s.cell(row, 2, QStringLiteral("в том числе:"), CellLook(name).i(), 2);
     s.cell(row, 4, QString(), LayoutParts::dataText());
     for (int c = 5; c <= 7; ++c)
         s.cell(row, c, QString(), amount);
     ++row;
     // One line per section of the estimate (or one for the whole work).
     s.cell(row, 1, ph(rowWork, colNumber), LayoutParts::dataQty().center());
-    s.cell(row, 2, ph(rowWork, colName), LayoutParts::dataText(), 2);
+    s.cell(row, 2, ph(rowWork, colName), name, 2);
     s.cell(row, 4, ph(rowWork, colCode), LayoutParts::dataText().center().text());
     for (int c = 5; c <= 7; ++c)
         s.cell(row, c, ph(rowWork, colSum), amount);

@@ -75,8 +75,8 @@ QByteArray offerSheet() {
         CellLook().pt(9).heavyUnder(), w);
     s.cell(5, 1, ph(title), CellLook().pt(16).b().center(), w);
     s.cell(6, 1, QStringLiteral("№ %1 от %2").arg(ph(number), ph(date)), CellLook().center(), w);
-    labelled(s, 8, QStringLiteral("Кому:"), ph(customer), 1, w);
-    labelled(s, 9, QStringLiteral("Объект:"), ph(object), 1, w);
+    s.cell(8, 1, QStringLiteral("Кому: %1").arg(ph(customer)), CellLook().w().top(), w);
+    s.cell(9, 1, QStringLiteral("Объект: %1").arg(ph(object)), CellLook().w().top(), w);
     s.cell(
         11, 1,
         QStringLiteral("Благодарим за интерес к нашей работе. Предлагаем выполнить работы «%1» на следующих "
@@ -134,8 +134,8 @@ QByteArray localSheet() {
     s.setRowHeight(3, 0.9);
     s.cell(4, 1, QStringLiteral("«____» ________________ 20____ г."), CellLook(), 3);
     s.cell(4, 5, QStringLiteral("«____» ________________ 20____ г."), CellLook(), 3);
-    labelled(s, 6, QStringLiteral("Наименование стройки:"), ph(works), 2, w);
-    labelled(s, 7, QStringLiteral("Наименование объекта:"), ph(object), 2, w);
+    labelled(s, 6, QStringLiteral("Стройка:"), ph(works), 2, w);
+    labelled(s, 7, QStringLiteral("Объект:"), ph(object), 2, w);
     s.cell(9, 1, QStringLiteral("%1 № %2").arg(ph(title), ph(number)), CellLook().pt(13).b().center(), w);
     s.cell(10, 1, ph(subtitle), CellLook().pt(11).b().center(), w);
     s.cell(11, 1, QStringLiteral("на %1").arg(ph(works)), CellLook().center().w().under(), w);

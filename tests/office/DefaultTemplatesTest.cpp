@@ -64,10 +64,17 @@ TEST_F(DefaultTemplate, EstimateAndActSheetsHaveTheRowBlockAndTheClosingLines) {
 }
 
 TEST_F(DefaultTemplate, ActFormsNameTheActDataFields) {
-    const QStringList fields{"ComboBoxZakaz", "ZEditAddress",     "ZEditPhone",      "ComboBoxPodryad",
-                             "PEditAddress",  "PEditPhone",       "EditNameWork",    "AddressWork",
-                             "EditNumDoc",    "DateEditContract", "EditSdal",        "EditDolSdal",
-                             "EditPrinal",    "EditDolPrinal",    "DateEditPeriodS", "DateEditPeriodPo"};
+    const QStringList fields{"заказчик, адрес, телефон",
+                             "подрядчик, адрес, телефон",
+                             "стройка, адрес",
+                             "EditNumDoc",
+                             "DateEditContract",
+                             "EditSdal",
+                             "EditDolSdal",
+                             "EditPrinal",
+                             "EditDolPrinal",
+                             "DateEditPeriodS",
+                             "DateEditPeriodPo"};
     for (const char *name : {"Шаблон КС-2.xls", "Шаблон КС-3.xls"}) {
         const QStringList named =
             SheetTemplate::analyse(sheetOf(QString::fromUtf8(name)), estimateLists()).named;
@@ -76,6 +83,8 @@ TEST_F(DefaultTemplate, ActFormsNameTheActDataFields) {
     }
     EXPECT_TRUE(SheetTemplate::analyse(sheetOf(QStringLiteral("Шаблон КС-2.xls")), estimateLists())
                     .named.contains(QStringLiteral("ComboBoxObject")));
+    EXPECT_TRUE(SheetTemplate::analyse(sheetOf(QStringLiteral("Шаблон КС-2.xls")), estimateLists())
+                    .named.contains(QStringLiteral("EditSumSmet")));
 }
 
 TEST_F(DefaultTemplate, InvoiceReceivesTheStoredItems) {

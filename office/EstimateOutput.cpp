@@ -1,0 +1,292 @@
+#include "EstimateOutput.h"
+
+#include "office/InWord.h"
+#include "office/OfficeEngine.h"
+#include "office/OfficeTemplates.h"
+#include "office/TemplateNames.h"
+#include "storage/TextValues.h"
+
+#include <QFileInfo>
+
+namespace EstimateOutput {
+
+namespace {
+
+using namespace TemplateNames;
+
+SheetValue money(double v) {
+    const double r = TextValues::roundMoney(v);
+    return SheetValue::ofNumber(r, TextValues::formatMoneyGrouped(r));
+}
+
+// A grid text as a typed value: a number when it reads as one, else the text itself.
+SheetValue amountOrText(const QString &text, bool isMoney) {
+    if (const auto v = TextValues::parseAmount(text))
+        return isMoney ? money(*v) : SheetValue::ofNumber(*v, TextValues::formatQuantity(*v));
+    return SheetValue::ofText(text);
+}
+
+SheetValue numberOrText(const QString &text) {
+    bool ok = false;
+    const int n = text.toInt(&ok);
+    return ok ? SheetValue::ofNumber(n, text) : SheetValue::ofText(text);
+}
+
+SheetRow workRow(const EstimatePrint::Row &r) {
+    SheetRow row;
+    row.kind = rowWork;
+    row.cells.insert(colNumber, numberOrText(r.number));
+    row.cells.insert(colPosition, numberOrText(r.number));
+    row.cells.insert(colCode, SheetValue::ofText(r.code));
+    row.cells.insert(colName, SheetValue::ofText(r.name));
+    row.cells.insert(colUnit, SheetValue::ofText(r.unit));
+    row.cells.insert(colQuantity, amountOrText(r.quantity, false));
+    row.cells.insert(colPrice, amountOrText(r.price, true));
+    row.cells.insert(colSum, amountOrText(r.sum, true));
+    return row;
+}
+
+SheetRow namedRow(const QString &kind, const QString &name, const SheetValue &sum = SheetValue::ofText({})) {
+    SheetRow row;
+    row.kind = kind;
+    row.cells.insert(colName, SheetValue::ofText(name));
+    row.cells.insert(colSum, sum);
+    return row;
+}
+
+// Acts number their lines 1, 2, … through works and materials ("по порядку"), beside the position in
+// the estimate; estimates number the materials on their own.
+SheetList estimateRows(const EstimatePrint &p, bool runningNumbers) {
+    SheetList list;
+    list.kinds = {rowWork, rowSection, rowSubsection, rowSectionTotal, rowSubsectionTotal};
+    list.fallback = {{rowSubsection, rowSection},
+                     {rowSubsectionTotal, rowSectionTotal},
+                     {rowSection, rowWork},
+                     {rowSectionTotal, rowWork}};
+    for (const EstimatePrint::Row &r : p.rows) {
+        switch (r.kind) {
+        case EstimatePrint::Kind::Work:
+            list.rows << workRow(r);
+            break;
+        case EstimatePrint::Kind::Section:
+            list.rows << namedRow(rowSection, r.name);
+            break;
+        case EstimatePrint::Kind::Subsection:
+            list.rows << namedRow(rowSubsection, r.name);
+            break;
+        case EstimatePrint::Kind::SectionTotal:
+            list.rows << namedRow(rowSectionTotal, r.name, amountOrText(r.sum, true));
+            break;
+        case EstimatePrint::Kind::SubsectionTotal:
+            list.rows << namedRow(rowSubsectionTotal, r.name, amountOrText(r.sum, true));
+            break;
+        }
+    }
+    if (!p.materialRows.isEmpty()) {
+        list.rows << namedRow(rowSection, QStringLiteral("МАТЕРИАЛЫ"));
+        for (const EstimatePrint::Row &m : p.materialRows)
+            list.rows << workRow(m);
+        if (runningNumbers) {
+            int n = 0;
+            for (SheetRow &r : list.rows)
+                if (r.kind == rowWork) {
+                    ++n;
+                    r.cells.insert(colNumber, SheetValue::ofNumber(n, QString::number(n)));
+                }
+        }
+        list.rows << namedRow(rowSectionTotal, QStringLiteral("Итого по материалам"), money(p.materialsRaw));
+    }
+    return list;
+}
+
+// КС-3: one line per section of the estimate with the section's total (or one line for all the works),
+// the materials and what the coefficient lines added.
+SheetList statementRows(const EstimatePrint &p) {
+    SheetList list;
+    list.kinds = {rowWork};
+    QString section;
+    auto add = [&list](const QString &name, const SheetValue &sum) {
+        SheetRow row = namedRow(rowWork, name, sum);
+        const int n = list.rows.size() + 1;
+        row.cells.insert(colNumber, SheetValue::ofNumber(n, QString::number(n)));
+        row.cells.insert(colCode, SheetValue::ofText(QString()));
+        list.rows << row;
+    };
+    for (const EstimatePrint::Row &r : p.rows) {
+        if (r.kind == EstimatePrint::Kind::Section)
+            section = r.name;
+        else if (r.kind == EstimatePrint::Kind::SectionTotal)
+            add(section.isEmpty() ? r.name : section, amountOrText(r.sum, true));
+    }
+    if (list.rows.isEmpty())
+        add(p.nameOfWorks.isEmpty() ? QStringLiteral("Выполненные работы") : p.nameOfWorks,
+            money(p.worksRaw));
+    if (p.materialsRaw != 0)
+        add(QStringLiteral("Материалы"), money(p.materialsRaw));
+    const double added =
+        TextValues::roundMoney(p.worksTotal + p.materialsTotal - p.worksRaw - p.materialsRaw);
+    if (added != 0)
+        add(QStringLiteral("Начисления по коэффициентам"), money(added));
+    return list;
+}
+
+SheetList closingLines(const EstimatePrint &p, Form form) {
+    SheetList list;
+    list.kinds = {rowTotals};
+    auto add = [&list](const QString &name, double amount) {
+        list.rows << namedRow(rowTotals, name, money(amount));
+    };
+    if (form == Form::Ks3) {
+        add(QStringLiteral("Итого"), p.worksTotal + p.materialsTotal);
+        add(QStringLiteral("Сумма НДС"), p.vat);
+        add(QStringLiteral("Всего с учетом НДС"), p.grand);
+        return list;
+    }
+    const bool detailed = !p.materialRows.isEmpty() || !p.koefLines.isEmpty() || p.vat != 0;
+    if (detailed)
+        add(QStringLiteral("Итого по работам"), p.worksRaw);
+    for (const EstimatePrint::Line &line : p.koefLines)
+        add(line.name, line.amount);
+    if (!p.materialRows.isEmpty())
+        add(QStringLiteral("Итого по материалам"), p.materialsRaw);
+    if (p.vat != 0) {
+        const QString vat = p.vatName.isEmpty() ? QStringLiteral("НДС") : p.vatName;
+        add(p.vatIncluded ? QStringLiteral("В том числе %1").arg(vat) : vat, p.vat);
+    }
+    const bool act = form == Form::Act || form == Form::Ks2;
+    add(act ? QStringLiteral("Всего по акту") : QStringLiteral("ВСЕГО по смете"), p.grand);
+    return list;
+}
+
+QString folded(const QString &s) {
+    return s.simplified().toUpper();
+}
+
+} // namespace
+
+Sheet sheetFor(const QString &documentTitle, const ViewTitles &titles) {
+    const QString t = folded(documentTitle);
+    if (t == QStringLiteral("ЛОКАЛЬНЫЙ РЕСУРСНЫЙ СМЕТНЫЙ РАСЧЕТ"))
+        return {Form::Local, QStringLiteral("Шаблон Локальная.xls"), titles.local, titles.afterLocal};
+    if (t == QStringLiteral("ЛОКАЛЬНЫЙ СМЕТНЫЙ РАСЧЕТ"))
+        return {Form::Local, QStringLiteral("Шаблон Локальная.xls"), documentTitle.simplified(),
+                QStringLiteral("(ЛОКАЛЬНАЯ СМЕТА)")};
+    if (t == QStringLiteral("СМЕТА"))
+        return {Form::Estimate, QStringLiteral("Шаблон Смета.xls"), titles.smetaName, titles.smeta};
+    if (t == QStringLiteral("КОММЕРЧЕСКОЕ ПРЕДЛОЖЕНИЕ") || t == QStringLiteral("КП"))
+        return {Form::Offer, QStringLiteral("Шаблон КП.xls"), QStringLiteral("КОММЕРЧЕСКОЕ ПРЕДЛОЖЕНИЕ"),
+                QString()};
+    if (t == QStringLiteral("СТРОЙКООПЕРАТИВ"))
+        return {Form::Cooperative, QStringLiteral("Шаблон Стройкооператив.xls"), titles.smetaName,
+                titles.smeta};
+    if (t == QStringLiteral("АКТ"))
+        return {Form::Act, QStringLiteral("Шаблон Смета.xls"), titles.aktName, titles.akt};
+    if (t == QStringLiteral("АКТ КС-2") || t == QStringLiteral("КС-2"))
+        return {Form::Ks2, QStringLiteral("Шаблон КС-2.xls"), QStringLiteral("АКТ"),
+                QStringLiteral("О ПРИЕМКЕ ВЫПОЛНЕННЫХ РАБОТ")};
+    if (t == QStringLiteral("АКТ КС-3") || t == QStringLiteral("КС-3"))
+        return {Form::Ks3, QStringLiteral("Шаблон КС-3.xls"), QStringLiteral("СПРАВКА"),
+                QStringLiteral("О СТОИМОСТИ ВЫПОЛНЕННЫХ РАБОТ И ЗАТРАТ")};
+    const QString own = documentTitle.simplified();
+    return {Form::Estimate, QStringLiteral("Шаблон Смета.xls"), own.isEmpty() ? titles.smetaName : own,
+            titles.smeta};
+}
+
+QString currencySign(int currency) {
+    static const char *signs[] = {"руб.", "$", "грн.", "Br", "тг."};
+    return QString::fromUtf8(signs[currency >= 0 && currency < 5 ? currency : 0]);
+}
+
+SheetData sheetData(const EstimatePrint &p, const Sheet &sheet, const ViewTitles &titles) {
+    SheetData d;
+    auto text = [&d](const QString &name, const QString &value) {
+        d.values.insert(name, SheetValue::ofText(value));
+    };
+    text(title, sheet.title);
+    text(subtitle, sheet.subtitle);
+    text(contractorLabel, titles.podryad);
+    text(contractor, p.contractor);
+    text(contractorPhone, p.contractorPhone);
+    text(contractorEmail, p.contractorEmail);
+    text(contractorAddress, p.contractorAddress);
+    text(customer, p.customer);
+    text(object, p.object);
+    text(works, p.nameOfWorks);
+    text(number, p.number);
+    text(date, p.date.isValid() ? TextValues::shortDate(p.date) : QString());
+    text(currency, currencySign(p.currency));
+    text(basis, EstimatePrintBuilder::basis(p));
+    text(grandWords, TInWord::amount(p.grand, p.currency));
+    d.values.insert(worksTotal, money(p.worksTotal));
+    d.values.insert(materialsTotal, money(p.materialsTotal));
+    d.values.insert(vat, money(p.vat));
+    d.values.insert(grandTotal, money(p.grand));
+    d.values.insert(subtotal, money(p.worksTotal + p.materialsTotal));
+    // The act's own fields under their names; a stored contract value prints as money.
+    for (auto it = p.act.cbegin(); it != p.act.cend(); ++it) {
+        if (it.key() == QLatin1String("EditSumSmet"))
+            d.values.insert(it.key(), amountOrText(it.value(), true));
+        else
+            text(it.key(), it.value());
+    }
+    // The parties in one line each, blank parts left out.
+    auto joined = [](const QStringList &parts) {
+        QStringList kept;
+        for (const QString &part : parts)
+            if (!part.trimmed().isEmpty() && part.trimmed() != QStringLiteral("тел."))
+                kept << part.trimmed();
+        return kept.join(QStringLiteral(", "));
+    };
+    auto act = [&p](const char *field, const QString &fallback = QString()) {
+        const QString v = p.act.value(QString::fromLatin1(field)).trimmed();
+        return v.isEmpty() ? fallback : v;
+    };
+    text(customerLine, joined({act("ComboBoxZakaz", p.customer), act("ZEditAddress"),
+                               QStringLiteral("тел. ") + act("ZEditPhone")}));
+    text(contractorLine,
+         joined({act("ComboBoxPodryad", p.contractor), act("PEditAddress", p.contractorAddress),
+                 QStringLiteral("тел. ") + act("PEditPhone", p.contractorPhone)}));
+    text(siteLine, joined({act("EditNameWork", p.nameOfWorks), act("AddressWork")}));
+    // The contract value defaults to the estimate's total.
+    if (act("EditSumSmet").isEmpty())
+        d.values.insert(QStringLiteral("EditSumSmet"), money(p.grand));
+    // Act fields left blank take what the estimate's header says.
+    const QPair<QString, QString> fromHeader[] = {{QStringLiteral("ComboBoxZakaz"), p.customer},
+                                                  {QStringLiteral("ComboBoxPodryad"), p.contractor},
+                                                  {QStringLiteral("ComboBoxObject"), p.object},
+                                                  {QStringLiteral("EditNameWork"), p.nameOfWorks},
+                                                  {QStringLiteral("PEditAddress"), p.contractorAddress},
+                                                  {QStringLiteral("PEditPhone"), p.contractorPhone},
+                                                  {QStringLiteral("PEditFax"), p.contractorEmail}};
+    for (const auto &f : fromHeader) {
+        if (p.act.value(f.first).trimmed().isEmpty() && !f.second.isEmpty())
+            text(f.first, f.second);
+    }
+    d.lists << (sheet.form == Form::Ks3 ? statementRows(p) : estimateRows(p, sheet.form == Form::Ks2));
+    d.lists << closingLines(p, sheet.form);
+    return d;
+}
+
+bool produce(OfficeEngine &engine, const QString &dataFolder, const EstimatePrint &print,
+             const ViewTitles &titles, const QVector<TemplateFile::Output> &outputs, QString *error,
+             const SheetTemplate::Progress &progress) {
+    const Sheet sheet = sheetFor(print.title, titles);
+    return SheetTemplate::fill(engine, OfficeTemplates::path(dataFolder, sheet.templateFile),
+                               sheetData(print, sheet, titles), outputs, error, progress);
+}
+
+QString outputBaseName(const QString &documentPath, const QString &documentTitle) {
+    QString base = QFileInfo(documentPath).completeBaseName().trimmed();
+    if (base.isEmpty())
+        base = documentTitle.simplified();
+    if (base.isEmpty())
+        base = QStringLiteral("Смета");
+    // Characters a file name cannot hold on the user's systems.
+    static const QString forbidden = QStringLiteral("\\/:*?\"<>|");
+    for (QChar &c : base)
+        if (forbidden.contains(c))
+            c = u'_';
+    return base;
+}
+
+} // namespace EstimateOutput

@@ -1,0 +1,45 @@
+#pragma once
+// The estimate's printed forms: the document title chosen in ComboBoxShablon picks the template and
+// the sheet's headings; the estimate fills its header, its rows with sections, subsections and their
+// totals, the materials, the coefficient lines, the totals and the amount in words.
+
+#include "office/EstimatePrint.h"
+#include "office/SheetTemplate.h"
+#include "office/TemplateFile.h"
+#include "office/ViewTitles.h"
+
+#include <QString>
+
+class OfficeEngine;
+
+namespace EstimateOutput {
+
+enum class Form { Estimate, Offer, Local, Cooperative, Act, Ks2, Ks3 };
+
+struct Sheet {
+    Form form = Form::Estimate;
+    QString templateFile; // in Sh
+    QString title;        // [заголовок]
+    QString subtitle;     // [подзаголовок]
+};
+
+// The form for a document title: the two local estimate titles, "СМЕТА", "Коммерческое предложение",
+// "Стройкооператив", "АКТ", "АКТ КС-2", "АКТ КС-3"; any other title prints as an estimate headed by it.
+Sheet sheetFor(const QString &documentTitle, const ViewTitles &titles);
+
+// "руб.", "$", "грн.", "Br", "тг." for the EditValuta index.
+QString currencySign(int currency);
+
+// Everything the template of the sheet receives.
+SheetData sheetData(const EstimatePrint &print, const Sheet &sheet, const ViewTitles &titles);
+
+// Fills the sheet's template from <dataFolder>/Sh and saves the outputs (".xls", ".pdf").
+bool produce(OfficeEngine &engine, const QString &dataFolder, const EstimatePrint &print,
+             const ViewTitles &titles, const QVector<TemplateFile::Output> &outputs, QString *error,
+             const SheetTemplate::Progress &progress = {});
+
+// The name outputs take: the document's file name without its extension ("Смета Иванов.sim" gives
+// "Смета Иванов", as the companion ".xls" of the document is named), else the document title.
+QString outputBaseName(const QString &documentPath, const QString &documentTitle);
+
+} // namespace EstimateOutput

@@ -1,0 +1,134 @@
+#include "EstimatePrint.h"
+
+#include "estimate/Coefficients.h"
+#include "estimate/EstimateEditor.h"
+#include "estimate/EstimateGrid.h"
+#include "estimate/EstimateMaterials.h"
+#include "estimate/EstimateTotals.h"
+#include "storage/TextValues.h"
+
+#include <QSqlQuery>
+
+namespace EstimatePrintBuilder {
+
+namespace {
+
+EstimatePrint::Kind kindOf(RowKind k) {
+    switch (k) {
+    case RowKind::SectionStart:
+        return EstimatePrint::Kind::Section;
+    case RowKind::SubsectionStart:
+        return EstimatePrint::Kind::Subsection;
+    case RowKind::SectionTotal:
+        return EstimatePrint::Kind::SectionTotal;
+    case RowKind::SubsectionTotal:
+        return EstimatePrint::Kind::SubsectionTotal;
+    case RowKind::Work:
+        break;
+    }
+    return EstimatePrint::Kind::Work;
+}
+
+// "Накладные расходы, %" with 12 reads "Накладные расходы 12 %"; "Коэффициент удорожания" with 1,2
+// reads "Коэффициент удорожания × 1,2".
+QString lineName(const KoefLine &line) {
+    QString title = line.title.trimmed();
+    const QString value = line.value.trimmed();
+    if (value.isEmpty())
+        return title;
+    if (!line.percent())
+        return QStringLiteral("%1 × %2").arg(title, value);
+    if (title.endsWith(u'%')) {
+        title.chop(1);
+        while (title.endsWith(u' ') || title.endsWith(u','))
+            title.chop(1);
+    }
+    return QStringLiteral("%1 %2 %").arg(title, value);
+}
+
+} // namespace
+
+void fillBody(EstimatePrint &print, const EstimateEditor &editor, QSqlDatabase db) {
+    const EstimateGrid &grid = *editor.grid();
+    print.rows.clear();
+    for (int r = EstimateGrid::kFixedRows; r < grid.gridRowCount(); ++r) {
+        if (editor.isGrandTotalRow(r))
+            continue; // the closing lines say it
+        EstimatePrint::Row row;
+        row.kind = kindOf(grid.kind(r));
+        row.number = grid.cell(r, EstimateCol::Num).trimmed();
+        row.code = grid.cell(r, EstimateCol::Ras).trimmed();
+        row.name = grid.cell(r, EstimateCol::Name).trimmed(); // the grid indents section rows with blanks
+        row.unit = grid.cell(r, EstimateCol::Unit).trimmed();
+        row.quantity = grid.cell(r, EstimateCol::Qty).trimmed();
+        row.price = grid.cell(r, EstimateCol::Price).trimmed();
+        row.sum = grid.cell(r, EstimateCol::Sum).trimmed();
+        if (row.kind == EstimatePrint::Kind::Work && row.name.isEmpty() && row.sum.isEmpty() &&
+            row.code.isEmpty())
+            continue; // an empty line of the grid
+        print.rows << row;
+    }
+
+    print.materialRows.clear();
+    if (const EstimateMaterials *m = editor.materials()) {
+        for (int i = 0; i < m->rowCount(); ++i) {
+            auto text = [&](int col) {
+                return m->data(m->index(i, col), Qt::DisplayRole).toString().trimmed();
+            };
+            EstimatePrint::Row row;
+            row.number = QString::number(print.materialRows.size() + 1);
+            row.name = text(MatCol::Name);
+            row.unit = text(MatCol::Unit);
+            row.quantity = text(MatCol::Qty);
+            row.price = text(MatCol::Price);
+            row.sum = text(MatCol::Sum);
+            if (row.name.isEmpty() && row.sum.isEmpty())
+                continue;
+            print.materialRows << row;
+        }
+    }
+
+    const KoefResult &k = editor.koefResult();
+    print.worksRaw = k.worksRaw;
+    print.materialsRaw = k.materialsRaw;
+    print.worksTotal = k.works;
+    print.materialsTotal = k.materials;
+    print.vat = k.vat;
+    print.vatAdded = k.vatAdded;
+    print.grand = k.grand;
+    print.koefLines.clear();
+    print.vatName.clear();
+    print.vatIncluded = false;
+    if (db.isOpen()) {
+        for (const KoefLine &line : Coefficients::readApplied(db)) {
+            if (line.isVat()) {
+                print.vatName = lineName(line);
+                print.vatIncluded = !line.raises();
+                continue;
+            }
+            const double amount = k.effect.value(line.id);
+            if (amount != 0)
+                print.koefLines << EstimatePrint::Line{lineName(line), amount};
+        }
+    }
+}
+
+QMap<QString, QString> readAct(QSqlDatabase db) {
+    QMap<QString, QString> act;
+    QSqlQuery q(db);
+    if (!db.isOpen() || !q.exec(QStringLiteral("SELECT name, value FROM ks2 WHERE 1")))
+        return act;
+    while (q.next())
+        act.insert(q.value(0).toString(), q.value(1).toString());
+    return act;
+}
+
+QString basis(const EstimatePrint &print) {
+    QString text = QStringLiteral("Смета № %1").arg(print.number);
+    const QString contract = print.act.value(QStringLiteral("EditNumDoc")).trimmed();
+    if (!contract.isEmpty())
+        text += QStringLiteral(", договор № %1").arg(contract);
+    return text;
+}
+
+} // namespace EstimatePrintBuilder

@@ -1,0 +1,60 @@
+#pragma once
+// What a printed estimate shows, taken from the estimate model at the moment of output: the header,
+// every row with its sections and totals, the materials, the coefficient lines and the totals, and the
+// act's own data. Output works on this copy, so the user may go on editing while a document is made.
+
+#include <QDate>
+#include <QMap>
+#include <QSqlDatabase>
+#include <QString>
+#include <QVector>
+
+class EstimateEditor;
+
+struct EstimatePrint {
+    enum class Kind { Work, Section, Subsection, SectionTotal, SubsectionTotal };
+    struct Row {
+        Kind kind = Kind::Work;
+        QString number, code, name, unit, quantity, price, sum; // as the grid shows them
+    };
+    struct Line {
+        QString name;
+        double amount = 0;
+    };
+
+    // Header (set by whoever makes the output: the main window or the command line).
+    QString title; // the document title chosen in ComboBoxShablon
+    QString contractor, contractorPhone, contractorEmail, contractorAddress;
+    QString customer, object, nameOfWorks;
+    QString number; // "12-5" or "5"
+    QDate date;
+    int currency = 0; // EditValuta index
+
+    // Body.
+    QVector<Row> rows;
+    QVector<Row> materialRows;
+    QVector<Line> koefLines;  // coefficient lines switched on (VAT apart), with the money each changed
+    QString vatName;          // "НДС 20 %" when a VAT line is on
+    bool vatIncluded = false; // the VAT is part of the sums rather than added on top
+
+    double worksRaw = 0, materialsRaw = 0;     // before the coefficient lines
+    double worksTotal = 0, materialsTotal = 0; // after them (Edit6, Edit4)
+    double vat = 0, vatAdded = 0, grand = 0;
+
+    // The act data (table ks2 of the document): field name -> value.
+    QMap<QString, QString> act;
+};
+
+namespace EstimatePrintBuilder {
+
+// The body from the editor: rows of the grid (empty rows and a closing "Итого" row left out), the
+// materials, the coefficient lines of the document db and the totals.
+void fillBody(EstimatePrint &print, const EstimateEditor &editor, QSqlDatabase db);
+
+// The act data of the document (table ks2).
+QMap<QString, QString> readAct(QSqlDatabase db);
+
+// "Смета № 5, договор № 12" (the contract part when the act data has a contract number).
+QString basis(const EstimatePrint &print);
+
+} // namespace EstimatePrintBuilder
