@@ -145,11 +145,11 @@ void TForm1::runOutput(OutputKind kind) {
             return;
         outputs << TemplateFile::Output{shown, suffix};
     } else {
-        // Preview and printing work on files of the engine's scratch folder.
-        const QString scratch =
-            QDir(m_dataFolder)
-                .filePath(
-                    QStringLiteral("Temp/virn-office/output-%1").arg(QCoreApplication::applicationPid()));
+        // Preview and printing work on files of the engine's scratch folder, which goes when the
+        // engine stops.
+        const QString scratch = QDir(m_dataFolder)
+                                    .filePath(QStringLiteral("Temp/virn-office/work-%1/Просмотр")
+                                                  .arg(QCoreApplication::applicationPid()));
         QDir().mkpath(scratch);
         shown = QDir(scratch).filePath(base + QStringLiteral(".pdf"));
         outputs << TemplateFile::Output{shown, QStringLiteral("pdf")};

@@ -9,6 +9,8 @@
 #include <QLockFile>
 #include <QProcess>
 
+#include <cerrno>
+#include <csignal>
 #include <unistd.h>
 
 namespace {
@@ -50,6 +52,14 @@ OfficeEngine::OfficeEngine(const QString &dataFolder) {
                        ? QDir::temp().filePath(QStringLiteral("virn-office-%1").arg(getuid()))
                        : QDir(dataFolder).filePath(QStringLiteral("Temp/virn-office"));
     QDir().mkpath(base);
+    // Scratch folders and private profiles of programs that ended without tidying up.
+    for (const QFileInfo &entry : QDir(base).entryInfoList(
+             {QStringLiteral("work-*"), QStringLiteral("profile-*")}, QDir::Dirs | QDir::NoDotAndDotDot)) {
+        bool ok = false;
+        const qint64 pid = entry.fileName().section(u'-', 1).toLongLong(&ok);
+        if (ok && pid > 0 && ::kill(static_cast<pid_t>(pid), 0) != 0 && errno == ESRCH)
+            QDir(entry.filePath()).removeRecursively();
+    }
     m_tempDir = QDir(base).filePath(QStringLiteral("work-%1").arg(QCoreApplication::applicationPid()));
     // One profile is reused so that later starts are quick; a second program running on the same data
     // folder gets a profile of its own for as long as it runs.

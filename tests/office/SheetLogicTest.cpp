@@ -7,8 +7,12 @@
 
 #include "TestFolder.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <gtest/gtest.h>
+
+#include <unistd.h>
 
 namespace {
 
@@ -145,6 +149,23 @@ TEST(OfficeEngine, MissingLibreOfficeSaysWhatToInstall) {
     EXPECT_EQ(engine.error(), OfficeEngine::missingEngineMessage());
     EXPECT_FALSE(engine.running());
     qunsetenv("VIRN_LIBREOFFICE_DIR");
+}
+
+} // namespace
+
+namespace {
+
+TEST(OfficeEngine, TidiesScratchFoldersOfProgramsThatEnded) {
+    TestFolder folder;
+    const QString base = folder.file(QStringLiteral("Temp/virn-office"));
+    const QString stale = base + QStringLiteral("/work-999999999");
+    const QString living = base + QStringLiteral("/profile-%1").arg(getppid());
+    ASSERT_TRUE(QDir().mkpath(stale + QStringLiteral("/Просмотр")));
+    ASSERT_TRUE(QDir().mkpath(living));
+    OfficeEngine engine(folder.path());
+    EXPECT_FALSE(QFileInfo::exists(stale));
+    EXPECT_TRUE(QFileInfo::exists(living)) << "a running program keeps its folders";
+    EXPECT_EQ(engine.profileDir(), base + QStringLiteral("/profile"));
 }
 
 } // namespace
