@@ -18,7 +18,7 @@ QByteArray contractText() {
     sub.spaceBeforeCm = 0;
     t.paragraph(QStringLiteral("на выполнение ремонтных работ"), sub);
     t.table({{QStringLiteral("г. ____________________"), QStringLiteral("«[день]» [месяц] [год]")}},
-            {8.5, 8.5}, false, 11);
+            {8.5, 8.5}, false, 11, {TextBuilder::Align::Left, TextBuilder::Align::Right});
     t.paragraph(QString());
 
     const auto section = [&t](const QString &title) { t.paragraph(title, TextBuilder::title()); };

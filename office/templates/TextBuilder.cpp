@@ -68,7 +68,7 @@ void TextBuilder::paragraph(const QString &text, const Para &look) {
 }
 
 void TextBuilder::table(const QVector<QStringList> &rows, const QVector<double> &widthsCm, bool ruled,
-                        double size) {
+                        double size, const QVector<Align> &aligns) {
     const int n = ++m_tables;
     double total = 0;
     for (double w : widthsCm)
@@ -100,12 +100,15 @@ void TextBuilder::table(const QVector<QStringList> &rows, const QVector<double> 
         xml += QStringLiteral("<table:table-column table:style-name=\"Tbl%1.C%2\"/>").arg(n).arg(c + 1);
     for (const QStringList &row : rows) {
         xml += QStringLiteral("<table:table-row>");
-        for (const QString &cellText : row) {
+        for (int c = 0; c < row.size(); ++c) {
+            const QString &cellText = row.at(c);
+            Para look = cellLook;
+            look.align = c < aligns.size() ? aligns.at(c) : Align::Left;
             xml += QStringLiteral(
                        "<table:table-cell table:style-name=\"Tbl%1.Cell\" office:value-type=\"string\">")
                        .arg(n);
             for (const QString &line : cellText.split(u'\n'))
-                xml += paragraphXml(line, cellLook);
+                xml += paragraphXml(line, look);
             xml += QStringLiteral("</table:table-cell>");
         }
         xml += QStringLiteral("</table:table-row>\n");
