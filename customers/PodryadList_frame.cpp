@@ -1,11 +1,11 @@
 #include "PodryadList_frame.h"
+#include "RequisitesForm.h"
 
 #include "app/Dialogs.h"
 #include "app/SettingsStore.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -54,78 +54,38 @@ void TPodryadList::build() {
         top->addWidget(b);
     root->addLayout(top);
 
-    auto *grid = new QGridLayout;
-    int r = 0;
-    auto edit = [this](const QString &name) { return named(new QLineEdit(this), name); };
-    auto plain = [&](const QString &label, QWidget *field) {
-        grid->addWidget(new QLabel(label, this), r, 0);
-        grid->addWidget(field, r++, 1);
-    };
-    // A detail with a tick takes part in the legal-data line.
-    auto ticked = [&](const QString &column, const QString &label, QWidget *field) {
-        auto *box = named(new QCheckBox(label, this), QStringLiteral("Check_") + column);
-        box->setChecked(!m_store || m_store->flag(kTicksSection, QStringLiteral("Check_") + column, true));
-        connect(box, &QCheckBox::toggled, this, [this, column](bool on) {
-            if (m_store)
-                m_store->setFlag(kTicksSection, QStringLiteral("Check_") + column, on);
-        });
-        m_legalTicks.insert(column, box);
-        grid->addWidget(box, r, 0);
-        grid->addWidget(field, r++, 1);
-    };
+    // The contractor's names and contacts stand above the legal details.
+    auto edit = [this](const char *name) { return named(new QLineEdit(this), QString::fromLatin1(name)); };
     EditShotName = edit("EditShotName");
     EditLongName = edit("EditLongName");
     EditPhone = edit("EditPhone");
     EditEmail = edit("EditEmail");
     EditAdress = edit("EditAdress");
     EditFax = edit("EditFax");
-    EditINN = edit("EditINN");
-    EditOGRN = edit("EditOGRN");
-    EditKPP = edit("EditKPP");
-    EditBoss = edit("EditBoss");
-    EditGlavbuh = edit("EditGlavbuh");
-    EditAccount = edit("EditAccount");
-    EditBank = edit("EditBank");
-    EditBIK = edit("EditBIK");
-    EditKorAccount = edit("EditKorAccount");
-    EditCertificate = edit("EditCertificate");
-    MemoPasport = named(new QPlainTextEdit(this), QStringLiteral("MemoPasport"));
-    MemoPasport->setMaximumHeight(60);
+    requisites =
+        new RequisitesForm(m_store, kTicksSection, QStringLiteral("Check_"), QStringLiteral("EditOGRN"),
+                           {{QStringLiteral("*Имя для сметы"), EditShotName},
+                            {QStringLiteral("Имя для договора/счёта"), EditLongName},
+                            {QStringLiteral("Номер телефона"), EditPhone},
+                            {QStringLiteral("E-mail"), EditEmail},
+                            {QStringLiteral("Адрес"), EditAdress},
+                            {QStringLiteral("Факс"), EditFax}},
+                           this);
+    requisites->layout()->setContentsMargins(0, 0, 0, 0);
     MemoUridDan = named(new QPlainTextEdit(this), QStringLiteral("MemoUridDan"));
     MemoUridDan->setMaximumHeight(80);
-    plain(QStringLiteral("*Имя для сметы"), EditShotName);
-    plain(QStringLiteral("Имя для договора/счёта"), EditLongName);
-    plain(QStringLiteral("Номер телефона"), EditPhone);
-    plain(QStringLiteral("E-mail"), EditEmail);
-    plain(QStringLiteral("Адрес"), EditAdress);
-    plain(QStringLiteral("Факс"), EditFax);
-    ticked("inn", "ИНН", EditINN);
-    ticked("okpo", "ОГРН", EditOGRN);
-    ticked("bank", "Банк", EditBank);
-    ticked("account", "Расчетный счет", EditAccount);
-    ticked("koraccount", "Корр. счет", EditKorAccount);
-    ticked("bik", "БИК", EditBIK);
-    ticked("kpp", "КПП", EditKPP);
-    ticked("certificate", "Номер свидетельства", EditCertificate);
-    ticked("pasport", "Паспортные данные", MemoPasport);
-    plain(QStringLiteral("Руководитель"), EditBoss);
-    plain(QStringLiteral("Главный бухгалтер"), EditGlavbuh);
-    spdUridDan =
-        named(new QPushButton(QStringLiteral("Записать отмеченные юридические данные"), this), "spdUridDan");
-    grid->addWidget(spdUridDan, r++, 0, 1, 2, Qt::AlignLeft);
-    plain(QStringLiteral("Юридические данные"), MemoUridDan);
+    requisites->addRow(QStringLiteral("Юридические данные"), MemoUridDan);
     CheckBoxUridDan =
         named(new QCheckBox(QStringLiteral("Добавлять к имени подрядчика в смете"), this), "CheckBoxUridDan");
     CheckBoxUridDan->setChecked(m_options.get(kUridDanOption));
-    grid->addWidget(CheckBoxUridDan, r++, 0, 1, 2);
-    root->addLayout(grid);
-    root->addStretch(1);
+    requisites->addWideRow(CheckBoxUridDan);
+    root->addWidget(requisites, 1);
 
     connect(btnAdd, &QPushButton::clicked, this, &TPodryadList::btnAddClick);
     connect(btnDelRow, &QPushButton::clicked, this, &TPodryadList::btnDelRowClick);
     connect(btnClear, &QPushButton::clicked, this, &TPodryadList::btnClearClick);
     connect(btnOk, &QPushButton::clicked, this, &TPodryadList::btnOkClick);
-    connect(spdUridDan, &QPushButton::clicked, this, &TPodryadList::spdUridDanClick);
+    connect(requisites->spdUridDan, &QPushButton::clicked, this, &TPodryadList::spdUridDanClick);
     connect(ComboBoxPodryad, &QComboBox::activated, this, &TPodryadList::ComboBoxPodryadChange);
     connect(CheckBoxUridDan, &QCheckBox::toggled, this,
             [this](bool on) { m_options.set(kUridDanOption, on); });
@@ -177,17 +137,7 @@ void TPodryadList::showContractor(const ContractorData &d) {
     EditEmail->setText(ContractorRegister::email(m_store));
     EditAdress->setText(r.value("adres"));
     EditFax->setText(r.value("fax"));
-    EditINN->setText(r.value("inn"));
-    EditOGRN->setText(r.value("okpo"));
-    EditKPP->setText(r.value("kpp"));
-    EditBoss->setText(r.value("boss"));
-    EditGlavbuh->setText(r.value("glavbuh"));
-    EditAccount->setText(r.value("account"));
-    EditBank->setText(r.value("bank"));
-    EditBIK->setText(r.value("bik"));
-    EditKorAccount->setText(r.value("koraccount"));
-    EditCertificate->setText(r.value("certificate"));
-    MemoPasport->setPlainText(r.value("pasport"));
+    requisites->setFields(r);
     MemoUridDan->setPlainText(r.value("note"));
     markSaved();
 }
@@ -228,20 +178,11 @@ void TPodryadList::btnAddClick() {
 }
 
 Fields TPodryadList::requisiteFields() const {
-    return {{"certificate", EditCertificate->text()},
-            {"pasport", MemoPasport->toPlainText()},
-            {"adres", EditAdress->text()},
-            {"inn", EditINN->text()},
-            {"kpp", EditKPP->text()},
-            {"boss", EditBoss->text()},
-            {"glavbuh", EditGlavbuh->text()},
-            {"account", EditAccount->text()},
-            {"bank", EditBank->text()},
-            {"bik", EditBIK->text()},
-            {"koraccount", EditKorAccount->text()},
-            {"fax", EditFax->text()},
-            {"okpo", EditOGRN->text()},
-            {"note", MemoUridDan->toPlainText()}};
+    Fields r = requisites->fields();
+    r.insert(QStringLiteral("adres"), EditAdress->text());
+    r.insert(QStringLiteral("fax"), EditFax->text());
+    r.insert(QStringLiteral("note"), MemoUridDan->toPlainText());
+    return r;
 }
 
 void TPodryadList::btnOkClick() {
@@ -287,10 +228,6 @@ void TPodryadList::btnClearClick() {
 }
 
 void TPodryadList::spdUridDanClick() {
-    QSet<QString> ticked;
-    for (auto it = m_legalTicks.cbegin(); it != m_legalTicks.cend(); ++it)
-        if (it.value()->isChecked())
-            ticked.insert(it.key());
-    MemoUridDan->setPlainText(LegalData::line(requisiteFields(), ticked));
+    MemoUridDan->setPlainText(requisites->legalLine());
     markUnsaved();
 }

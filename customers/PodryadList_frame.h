@@ -12,6 +12,7 @@ class QComboBox;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
+class RequisitesForm;
 class SettingsStore;
 class TModuleSQL;
 
@@ -38,7 +39,6 @@ public:
     QPushButton *btnDelRow = nullptr;
     QPushButton *btnClear = nullptr;
     QPushButton *btnOk = nullptr;
-    QPushButton *spdUridDan = nullptr;
     QCheckBox *CheckBoxUridDan = nullptr;
     QLineEdit *EditShotName = nullptr;
     QLineEdit *EditLongName = nullptr;
@@ -46,17 +46,7 @@ public:
     QLineEdit *EditEmail = nullptr;
     QLineEdit *EditAdress = nullptr;
     QLineEdit *EditFax = nullptr;
-    QLineEdit *EditINN = nullptr;
-    QLineEdit *EditOGRN = nullptr;
-    QLineEdit *EditKPP = nullptr;
-    QLineEdit *EditBoss = nullptr;
-    QLineEdit *EditGlavbuh = nullptr;
-    QLineEdit *EditAccount = nullptr;
-    QLineEdit *EditBank = nullptr;
-    QLineEdit *EditBIK = nullptr;
-    QLineEdit *EditKorAccount = nullptr;
-    QLineEdit *EditCertificate = nullptr;
-    QPlainTextEdit *MemoPasport = nullptr;
+    RequisitesForm *requisites = nullptr; // the legal details, with the spdUridDan button
     QPlainTextEdit *MemoUridDan = nullptr;
 
 signals:
@@ -76,5 +66,4 @@ private:
     OptionFlags m_options;
     SettingsStore *m_store;
     QString m_id;
-    QHash<QString, QCheckBox *> m_legalTicks;
 };

@@ -1,4 +1,5 @@
 #include "ZakazAndObject_frame.h"
+#include "RequisitesForm.h"
 
 #include "app/Dialogs.h"
 #include "app/SettingsStore.h"
@@ -105,7 +106,11 @@ void TZakazAndObject::build() {
     auto *pages = new QTabWidget(split);
     pages->addTab(buildCustomerPage(), QStringLiteral("Заказчик"));
     pages->addTab(buildAddressPage(), QStringLiteral("Адрес"));
-    pages->addTab(buildRequisitesPage(), QStringLiteral("Реквизиты"));
+    requisites =
+        new RequisitesForm(m_store, kTicksSection, QStringLiteral("Zak_"), QStringLiteral("EditOKPO"));
+    requisites->spdUridDan->setToolTip(
+        QStringLiteral("В заметку заказчика: она добавляется к его имени в документах"));
+    pages->addTab(requisites, QStringLiteral("Реквизиты"));
     split->setStretchFactor(0, 1);
     split->setStretchFactor(1, 2);
     root->addWidget(split, 1);
@@ -118,6 +123,7 @@ void TZakazAndObject::build() {
     connect(spdDelObject, &QToolButton::clicked, this, &TZakazAndObject::spdDelObjectClick);
     connect(btnAllObject, &QPushButton::clicked, this, &TZakazAndObject::btnAllObjectClick);
     connect(btnOK, &QPushButton::clicked, this, &TZakazAndObject::btnOKClick);
+    connect(requisites->spdUridDan, &QPushButton::clicked, this, &TZakazAndObject::spdUridDanClick);
     connect(ListBoxZakaz, &QListView::clicked, this,
             [this](const QModelIndex &i) { ListBoxZakazClick(i.data().toString()); });
     connect(ListBoxObject, &QListView::clicked, this,
@@ -135,7 +141,6 @@ QWidget *TZakazAndObject::buildCustomerPage() {
     EditFax = edit(QStringLiteral("EditFax"));
     EditEmail = edit(QStringLiteral("EditEmail"));
     EditAgent = edit(QStringLiteral("EditAgent"));
-    EditOKPO = edit(QStringLiteral("EditOKPO"));
     EditAdress = edit(QStringLiteral("EditAdress"));
     Memo1 = named(new QPlainTextEdit(page), QStringLiteral("Memo1"));
     form->addRow(QStringLiteral("Наименование (Ф.И.О.)"), EditFIO);
@@ -182,58 +187,6 @@ QWidget *TZakazAndObject::buildAddressPage() {
     grid->addWidget(CheckBoxDetailAddress, 8, 0, 1, 2);
     grid->setRowStretch(9, 1);
     connect(spdAddress, &QToolButton::clicked, this, &TZakazAndObject::spdAddressClick);
-    return page;
-}
-
-QWidget *TZakazAndObject::buildRequisitesPage() {
-    auto *page = new QWidget;
-    auto *grid = new QGridLayout(page);
-    int r = 0;
-    // A detail with a tick takes part in the legal-data line.
-    auto ticked = [&](const QString &column, const QString &label, QWidget *field) {
-        auto *box = named(new QCheckBox(label, page), QStringLiteral("Check_") + column);
-        box->setChecked(!m_store || m_store->flag(kTicksSection, QStringLiteral("Zak_") + column, true));
-        connect(box, &QCheckBox::toggled, this, [this, column](bool on) {
-            if (m_store)
-                m_store->setFlag(kTicksSection, QStringLiteral("Zak_") + column, on);
-        });
-        m_legalTicks.insert(column, box);
-        grid->addWidget(box, r, 0);
-        grid->addWidget(field, r++, 1);
-    };
-    auto plain = [&](const QString &label, QWidget *field) {
-        grid->addWidget(new QLabel(label, page), r, 0);
-        grid->addWidget(field, r++, 1);
-    };
-    auto edit = [page](const QString &name) { return named(new QLineEdit(page), name); };
-    EditINN = edit("EditINN");
-    EditKPP = edit("EditKPP");
-    EditBank = edit("EditBank");
-    EditAccount = edit("EditAccount");
-    EditKorAccount = edit("EditKorAccount");
-    EditBIK = edit("EditBIK");
-    EditCertificate = edit("EditCertificate");
-    EditBoss = edit("EditBoss");
-    EditGlavbuh = edit("EditGlavbuh");
-    MemoPasport = named(new QPlainTextEdit(page), QStringLiteral("MemoPasport"));
-    MemoPasport->setMaximumHeight(70);
-    ticked("inn", "ИНН", EditINN);
-    ticked("okpo", "ОГРН", EditOKPO);
-    ticked("bank", "Банк", EditBank);
-    ticked("account", "Расчетный счет", EditAccount);
-    ticked("koraccount", "Корр. счет", EditKorAccount);
-    ticked("bik", "БИК", EditBIK);
-    ticked("kpp", "КПП", EditKPP);
-    ticked("certificate", "Номер свидетельства", EditCertificate);
-    ticked("pasport", "Паспортные данные", MemoPasport);
-    plain("Руководитель", EditBoss);
-    plain("Главный бухгалтер", EditGlavbuh);
-    spdUridDan = named(new QPushButton(QStringLiteral("Записать отмеченные юридические данные"), page),
-                       QStringLiteral("spdUridDan"));
-    spdUridDan->setToolTip(QStringLiteral("В заметку заказчика: она добавляется к его имени в документах"));
-    grid->addWidget(spdUridDan, r++, 0, 1, 2, Qt::AlignLeft);
-    grid->setRowStretch(r, 1);
-    connect(spdUridDan, &QPushButton::clicked, this, &TZakazAndObject::spdUridDanClick);
     return page;
 }
 
@@ -291,7 +244,7 @@ void TZakazAndObject::showObjects(const QString &select) {
 void TZakazAndObject::clearFields() {
     for (QLineEdit *e : findChildren<QLineEdit *>())
         e->clear();
-    MemoPasport->clear();
+    requisites->MemoPasport->clear();
     Memo1->clear();
 }
 
@@ -305,13 +258,11 @@ void TZakazAndObject::ListBoxZakazClick(const QString &customer) {
     }
     m_customer = customer;
     const Fields &c = d.customer;
-    const Fields &r = d.requisites;
     EditID->setText(c.value("_id"));
     EditFIO->setText(c.value("fio"));
     EditEmail->setText(c.value("email"));
     EditPhone->setText(c.value("phone"));
     EditFax->setText(c.value("fax"));
-    EditOKPO->setText(c.value("okpo"));
     EditAdress->setText(c.value("address"));
     EditAgent->setText(c.value("Agent"));
     EditRegion->setText(c.value("Region"));
@@ -321,16 +272,8 @@ void TZakazAndObject::ListBoxZakazClick(const QString &customer) {
     EditHouse->setText(c.value("House"));
     EditApartment->setText(c.value("numroom"));
     Memo1->setPlainText(c.value("note"));
-    EditCertificate->setText(r.value("certificate"));
-    MemoPasport->setPlainText(r.value("pasport"));
-    EditINN->setText(r.value("inn"));
-    EditKPP->setText(r.value("kpp"));
-    EditBoss->setText(r.value("boss"));
-    EditGlavbuh->setText(r.value("glavbuh"));
-    EditAccount->setText(r.value("account"));
-    EditBank->setText(r.value("bank"));
-    EditBIK->setText(r.value("bik"));
-    EditKorAccount->setText(r.value("koraccount"));
+    requisites->setFields(d.requisites);
+    requisites->EditOGRN->setText(c.value("okpo"));
     showObjects(QString());
 }
 
@@ -485,13 +428,7 @@ void TZakazAndObject::spdAddressClick() {
 }
 
 void TZakazAndObject::spdUridDanClick() {
-    QSet<QString> ticked;
-    for (auto it = m_legalTicks.cbegin(); it != m_legalTicks.cend(); ++it)
-        if (it.value()->isChecked())
-            ticked.insert(it.key());
-    Fields req = requisiteFields();
-    req.insert(QStringLiteral("okpo"), EditOKPO->text());
-    Memo1->setPlainText(LegalData::line(req, ticked));
+    Memo1->setPlainText(requisites->legalLine());
 }
 
 Fields TZakazAndObject::customerFields() const {
@@ -500,7 +437,7 @@ Fields TZakazAndObject::customerFields() const {
             {"email", EditEmail->text()},
             {"phone", EditPhone->text()},
             {"fax", EditFax->text()},
-            {"okpo", EditOKPO->text()},
+            {"okpo", requisites->EditOGRN->text()},
             {"address", EditAdress->text()},
             {"Region", EditRegion->text()},
             {"City", EditCity->text()},
@@ -512,24 +449,11 @@ Fields TZakazAndObject::customerFields() const {
             {"Agent", EditAgent->text()}};
 }
 
-Fields TZakazAndObject::requisiteFields() const {
-    return {{"certificate", EditCertificate->text()},
-            {"pasport", MemoPasport->toPlainText()},
-            {"inn", EditINN->text()},
-            {"kpp", EditKPP->text()},
-            {"boss", EditBoss->text()},
-            {"glavbuh", EditGlavbuh->text()},
-            {"account", EditAccount->text()},
-            {"bank", EditBank->text()},
-            {"bik", EditBIK->text()},
-            {"koraccount", EditKorAccount->text()}};
-}
-
 void TZakazAndObject::btnOKClick() {
     const Fields c = customerFields();
     const QString object = m_allObjects ? QString() : chosenObject();
     QString id;
-    if (!report(m_register.save(c, requisiteFields(), object, EditNoteObect->text(), &id),
+    if (!report(m_register.save(c, requisites->fields(), object, EditNoteObect->text(), &id),
                 QStringLiteral("Заказчик с таким именем уже имеется")))
         return;
     reloadCustomers(c.value("fio"));

@@ -15,6 +15,7 @@ class QPlainTextEdit;
 class QPushButton;
 class QStandardItemModel;
 class QToolButton;
+class RequisitesForm;
 class SettingsStore;
 class TModuleSQL;
 
@@ -55,14 +56,12 @@ public:
     QToolButton *spdDelObject = nullptr;
     QPushButton *btnAllObject = nullptr;
     QToolButton *spdAddress = nullptr;
-    QPushButton *spdUridDan = nullptr;
     QPushButton *btnOK = nullptr;
     QLineEdit *EditID = nullptr;
     QLineEdit *EditFIO = nullptr;
     QLineEdit *EditEmail = nullptr;
     QLineEdit *EditPhone = nullptr;
     QLineEdit *EditFax = nullptr;
-    QLineEdit *EditOKPO = nullptr;
     QLineEdit *EditAdress = nullptr;
     QLineEdit *EditAgent = nullptr;
     QLineEdit *EditRegion = nullptr;
@@ -78,16 +77,8 @@ public:
     QCheckBox *CheckBoxHouse = nullptr;
     QCheckBox *CheckBoxApartment = nullptr;
     QCheckBox *CheckBoxDetailAddress = nullptr;
-    QLineEdit *EditCertificate = nullptr;
-    QPlainTextEdit *MemoPasport = nullptr;
-    QLineEdit *EditINN = nullptr;
-    QLineEdit *EditKPP = nullptr;
-    QLineEdit *EditBoss = nullptr;
-    QLineEdit *EditGlavbuh = nullptr;
-    QLineEdit *EditAccount = nullptr;
-    QLineEdit *EditBank = nullptr;
-    QLineEdit *EditBIK = nullptr;
-    QLineEdit *EditKorAccount = nullptr;
+    // The legal details with the spdUridDan button; its OGRN field (EditOKPO) is the customer's okpo.
+    RequisitesForm *requisites = nullptr;
     QPlainTextEdit *Memo1 = nullptr;
     QLineEdit *EditNoteObect = nullptr;
     QLabel *LabelObjects = nullptr;
@@ -100,7 +91,6 @@ private:
     void build();
     QWidget *buildCustomerPage();
     QWidget *buildAddressPage();
-    QWidget *buildRequisitesPage();
     void reloadCustomers(const QString &select);
     void showObjects(const QString &select);
     void clearFields();
@@ -108,7 +98,6 @@ private:
     // Tells the user why an operation did nothing; true when it succeeded.
     bool report(RegisterStatus status, const QString &duplicateText);
     Fields customerFields() const;
-    Fields requisiteFields() const;
     CustomerRegister::Address address() const;
     void bindOption(QCheckBox *box, const QString &key);
 
@@ -119,5 +108,4 @@ private:
     QStandardItemModel *m_objects;
     QString m_customer; // the chosen customer as loaded (its name before any edit)
     bool m_allObjects = false;
-    QHash<QString, QCheckBox *> m_legalTicks; // requisites column -> its tick
 };

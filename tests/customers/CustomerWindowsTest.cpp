@@ -2,6 +2,7 @@
 
 #include "app/SettingsStore.h"
 #include "customers/PodryadList_frame.h"
+#include "customers/RequisitesForm.h"
 #include "customers/ZakazAndObject_frame.h"
 #include "storage/ModuleSQL.h"
 
@@ -170,14 +171,19 @@ TEST_F(ZakazWindowTest, SaveFieldsAddressLegalLineAndAllObjects) {
     QTest::mouseClick(window->spdAddress, Qt::LeftButton);
     EXPECT_EQ(window->EditAdress->text(), "Тверская обл., г.Тверь, ул. Ленина, д.5");
 
-    window->EditINN->setText("7701");
-    window->EditBIK->setText("0445");
-    window->EditBank->setText("Сбер");
+    window->requisites->EditINN->setText("7701");
+    window->requisites->EditBIK->setText("0445");
+    window->requisites->EditBank->setText("Сбер");
+    // The customer's OGRN field is its okpo column.
+    auto *okpo = window->findChild<QLineEdit *>("EditOKPO");
+    ASSERT_NE(okpo, nullptr);
+    okpo->setText("1027");
     for (auto *box : window->findChildren<QCheckBox *>())
         if (box->objectName().startsWith("Check_"))
-            box->setChecked(box->objectName() == "Check_inn" || box->objectName() == "Check_bik");
-    QTest::mouseClick(window->spdUridDan, Qt::LeftButton);
-    EXPECT_EQ(window->Memo1->toPlainText(), "ИНН 7701, БИК 0445");
+            box->setChecked(box->objectName() == "Check_inn" || box->objectName() == "Check_bik" ||
+                            box->objectName() == "Check_okpo");
+    QTest::mouseClick(window->requisites->spdUridDan, Qt::LeftButton);
+    EXPECT_EQ(window->Memo1->toPlainText(), "ИНН 7701, ОГРН 1027, БИК 0445");
     EXPECT_FALSE(store.flag("Customer", "Zak_bank", true)) << "the ticks are kept in the settings";
 
     window->EditNoteObect->setText("ключи у соседа");
@@ -188,8 +194,11 @@ TEST_F(ZakazWindowTest, SaveFieldsAddressLegalLineAndAllObjects) {
     const CustomerData d = reg.customer("Иванов И.И.");
     ASSERT_TRUE(d.found);
     EXPECT_EQ(d.customer.value("address"), "Тверская обл., г.Тверь, ул. Ленина, д.5");
-    EXPECT_EQ(d.customer.value("note"), "ИНН 7701, БИК 0445");
+    EXPECT_EQ(d.customer.value("note"), "ИНН 7701, ОГРН 1027, БИК 0445");
+    EXPECT_EQ(d.customer.value("okpo"), "1027");
     EXPECT_EQ(d.requisites.value("bank"), "Сбер");
+    EXPECT_EQ(window->requisites->EditBank->text(), "Сбер") << "the saved customer is shown again";
+    EXPECT_EQ(okpo->text(), "1027");
     EXPECT_EQ(reg.object("Иванов И.И.", "Дача").value("note"), "ключи у соседа");
     {
         QSqlQuery q(module.database(Db::Cash));
@@ -260,15 +269,16 @@ TEST_F(PodryadWindowTest, AddSaveDeleteWithTheirMessages) {
     QTest::keyClicks(window->EditLongName, "IP");
     EXPECT_EQ(window->btnOk->text(), "Сохранить");
     window->EditLongName->setText("Индивидуальный предприниматель");
-    window->EditINN->setText("7604");
-    window->EditBIK->setText("0478");
-    window->EditOGRN->setText("3187");
+    window->requisites->EditINN->setText("7604");
+    window->requisites->EditBIK->setText("0478");
+    window->requisites->EditOGRN->setText("3187");
     window->EditEmail->setText("master@example.com");
     for (auto *box : window->findChildren<QCheckBox *>())
         if (box->objectName().startsWith("Check_"))
             box->setChecked(box->objectName() == "Check_bik" || box->objectName() == "Check_inn");
-    QTest::mouseClick(window->spdUridDan, Qt::LeftButton);
+    QTest::mouseClick(window->requisites->spdUridDan, Qt::LeftButton);
     EXPECT_EQ(window->MemoUridDan->toPlainText(), "ИНН 7604, БИК 0478");
+    EXPECT_FALSE(store.flag("Podryad", "Check_okpo", true)) << "the ticks are kept in the settings";
     QTest::mouseClick(window->btnOk, Qt::LeftButton);
     EXPECT_EQ(window->btnOk->text(), "Сохранено");
     EXPECT_EQ(store.text("Param", "Email"), "master@example.com");
