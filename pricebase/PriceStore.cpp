@@ -34,6 +34,36 @@ QString createStatement(const QString &table) {
     return i < 0 ? QString() : createStatements(Db::Price).at(i);
 }
 
+RateRow::Cells rowCells(const QSqlQuery &q, bool withKoef) {
+    RateRow::Cells c;
+    c[PriceCol::Id] = q.value(0).toString();
+    c[PriceCol::Ras] = q.value(1).toString();
+    c[PriceCol::Name] = q.value(2).toString();
+    c[PriceCol::Unit] = q.value(3).toString();
+    c[PriceCol::Price] = q.value(4).toString();
+    c[PriceCol::Rec] = q.value(5).toString();
+    c[PriceCol::Link] = q.value(6).toString();
+    if (withKoef)
+        c[PriceCol::Koef] = q.value(8).toString();
+    return c;
+}
+
+void readRows(QSqlQuery &q, bool withKoef, PriceListData &out) {
+    while (q.next()) {
+        RateRow::Cells c = rowCells(q, withKoef);
+        // Titles carry no price and no crew price; a section title shows no unit either.
+        const PriceRowKind kind = priceRowKind(c[PriceCol::Ras], c[PriceCol::Unit]);
+        if (kind != PriceRowKind::Rate) {
+            c[PriceCol::Price].clear();
+            c[PriceCol::Link].clear();
+        }
+        if (kind == PriceRowKind::Section)
+            c[PriceCol::Unit].clear();
+        out.rows.emplace_back(c);
+        addToSectionIndex(out.sections, out.rows.back());
+    }
+}
+
 QString badPriceMessage(const QString &number, const QString &name, const QString &priceText) {
     return QStringLiteral("Цена расценки %1 «%2» не является числом: «%3». Операция остановлена.")
         .arg(number, name, priceText);
@@ -56,26 +86,7 @@ bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData
     q.setForwardOnly(true);
     if (!q.exec(sql))
         return failQuery(error, q);
-    while (q.next()) {
-        RateRow::Cells c;
-        c[PriceCol::Id] = q.value(0).toString();
-        c[PriceCol::Ras] = q.value(1).toString();
-        c[PriceCol::Name] = q.value(2).toString();
-        c[PriceCol::Unit] = q.value(3).toString();
-        c[PriceCol::Rec] = q.value(5).toString();
-        if (list1)
-            c[PriceCol::Koef] = q.value(8).toString();
-        // Titles carry no price and no crew price; a section title shows no unit either.
-        const PriceRowKind kind = priceRowKind(c[PriceCol::Ras], c[PriceCol::Unit]);
-        if (kind == PriceRowKind::Rate) {
-            c[PriceCol::Price] = q.value(4).toString();
-            c[PriceCol::Link] = q.value(6).toString();
-        } else if (kind == PriceRowKind::Section) {
-            c[PriceCol::Unit].clear();
-        }
-        out.rows.emplace_back(c);
-        addToSectionIndex(out.sections, out.rows.back());
-    }
+    readRows(q, list1, out);
     return true;
 }
 
@@ -196,23 +207,14 @@ bool findRateByName(QSqlDatabase db, const QString &table, int currency, const Q
         return fail(error, QStringLiteral("Неизвестная таблица расценок «%1»").arg(table));
     QSqlQuery q(db);
     q.setForwardOnly(true);
-    q.prepare(QStringLiteral("SELECT * FROM ") + table + QStringLiteral(" WHERE nameras=?"));
+    q.prepare(QStringLiteral("SELECT id, edras, nameras, edizm, ") + currencyColumn(currency) +
+              QStringLiteral(", rec, link, mat, koef FROM ") + table + QStringLiteral(" WHERE nameras=?"));
     q.addBindValue(name);
     if (!q.exec())
         return failQuery(error, q);
     if (!q.next())
         return false;
-    const QSqlRecord rec = q.record();
-    RateRow::Cells c;
-    c[PriceCol::Id] = q.value(rec.indexOf("id")).toString();
-    c[PriceCol::Ras] = q.value(rec.indexOf("edras")).toString();
-    c[PriceCol::Name] = q.value(rec.indexOf("nameras")).toString();
-    c[PriceCol::Unit] = q.value(rec.indexOf("edizm")).toString();
-    c[PriceCol::Price] = q.value(rec.indexOf(currencyColumn(currency))).toString();
-    c[PriceCol::Rec] = q.value(rec.indexOf("rec")).toString();
-    c[PriceCol::Koef] = q.value(rec.indexOf("koef")).toString();
-    c[PriceCol::Link] = q.value(rec.indexOf("link")).toString();
-    out = RateRow(c);
+    out = RateRow(rowCells(q, true));
     return true;
 }
 

@@ -8,6 +8,8 @@
 #include <QString>
 #include <vector>
 
+class QSqlQuery;
+
 struct PriceListData {
     std::vector<RateRow> rows;
     SectionIndex sections;
@@ -37,6 +39,15 @@ bool updateCrewPrices(QSqlDatabase db, int currency, const QString &koefText, QS
 // The first rate whose nameras equals `name` exactly; false when there is none (or on error).
 bool findRateByName(QSqlDatabase db, const QString &table, int currency, const QString &name, RateRow &out,
                     QString *error = nullptr);
+
+// The cells of the current row of a query that selects "id, <number>, <name>, <unit>, <price>, rec, link,
+// mat[, koef]" in this order, as the local and the remote lists both do under their own column names;
+// koef only when withKoef.
+RateRow::Cells rowCells(const QSqlQuery &q, bool withKoef);
+
+// Reads every row of such a query as a full read shows it (titles carry no price and no crew price, a
+// section title no unit) and builds the section index alongside.
+void readRows(QSqlQuery &q, bool withKoef, PriceListData &out);
 
 // "CREATE TABLE IF NOT EXISTS" of a local rates table (price1, price2, brigade).
 QString createStatement(const QString &table);

@@ -14,6 +14,10 @@ namespace {
 const QString kSection = QStringLiteral("Server");
 QAtomicInt g_connections;
 
+// The columns of a rate in the order PriceStore::rowCells reads them.
+const QString kSelectRows =
+    QStringLiteral("SELECT id, Rascenka, Name, Edizm, Price, rec, link, mat, koef FROM ");
+
 // Columns of the remote layout are tinytext: 255 bytes.
 constexpr int kTinyText = 255;
 
@@ -133,9 +137,7 @@ bool RemotePriceList::readList(const QString &likePattern, PriceListData &out, Q
         return fail(error, QStringLiteral("Нет подключения к серверу."));
     QSqlQuery q(QSqlDatabase::database(m_connection, false));
     q.setForwardOnly(true);
-    const QString head =
-        QStringLiteral("SELECT id, Rascenka, Name, Edizm, Price, rec, link, mat, koef FROM ") +
-        m_settings.table + QStringLiteral(" WHERE ");
+    const QString head = kSelectRows + m_settings.table + QStringLiteral(" WHERE ");
     if (likePattern.isEmpty()) {
         q.prepare(head + QStringLiteral("1"));
     } else {
@@ -144,24 +146,7 @@ bool RemotePriceList::readList(const QString &likePattern, PriceListData &out, Q
     }
     if (!q.exec())
         return fail(error, reasonOf(q.lastError()));
-    while (q.next()) {
-        RateRow::Cells c;
-        c[PriceCol::Id] = q.value(0).toString();
-        c[PriceCol::Ras] = q.value(1).toString();
-        c[PriceCol::Name] = q.value(2).toString();
-        c[PriceCol::Unit] = q.value(3).toString();
-        c[PriceCol::Rec] = q.value(5).toString();
-        c[PriceCol::Koef] = q.value(8).toString();
-        const PriceRowKind kind = priceRowKind(c[PriceCol::Ras], c[PriceCol::Unit]);
-        if (kind == PriceRowKind::Rate) {
-            c[PriceCol::Price] = q.value(4).toString();
-            c[PriceCol::Link] = q.value(6).toString();
-        } else if (kind == PriceRowKind::Section) {
-            c[PriceCol::Unit].clear();
-        }
-        out.rows.emplace_back(c);
-        addToSectionIndex(out.sections, out.rows.back());
-    }
+    PriceStore::readRows(q, true, out);
     return true;
 }
 
@@ -213,22 +198,12 @@ bool RemotePriceList::findRateByName(const QString &name, RateRow &out, QString 
         return fail(error, QStringLiteral("Нет подключения к серверу."));
     QSqlQuery q(QSqlDatabase::database(m_connection, false));
     q.setForwardOnly(true);
-    q.prepare(QStringLiteral("SELECT id, Rascenka, Name, Edizm, Price, rec, link, koef FROM ") +
-              m_settings.table + QStringLiteral(" WHERE Name=?"));
+    q.prepare(kSelectRows + m_settings.table + QStringLiteral(" WHERE Name=?"));
     q.addBindValue(name);
     if (!q.exec())
         return fail(error, reasonOf(q.lastError()));
     if (!q.next())
         return false;
-    RateRow::Cells c;
-    c[PriceCol::Id] = q.value(0).toString();
-    c[PriceCol::Ras] = q.value(1).toString();
-    c[PriceCol::Name] = q.value(2).toString();
-    c[PriceCol::Unit] = q.value(3).toString();
-    c[PriceCol::Price] = q.value(4).toString();
-    c[PriceCol::Rec] = q.value(5).toString();
-    c[PriceCol::Link] = q.value(6).toString();
-    c[PriceCol::Koef] = q.value(7).toString();
-    out = RateRow(c);
+    out = RateRow(PriceStore::rowCells(q, true));
     return true;
 }
