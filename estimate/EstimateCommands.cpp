@@ -21,6 +21,42 @@ void setMarkerRow(EstimateGrid *grid, int row, RowKind kind, const QString &name
     grid->setCell(row, EstimateCol::Name, name);
 }
 
+// A selection first..last in order and within the data rows.
+void orderAndClamp(const EstimateGrid &grid, int &first, int &last) {
+    if (first > last)
+        std::swap(first, last);
+    first = std::max(first, F);
+    last = std::min(last, grid.gridRowCount() - 1);
+}
+
+// The start and total rows of a section or of a subsection.
+struct BlockMarkers {
+    RowKind start;
+    QString startName;
+    RowKind total;
+    QString totalName;
+};
+
+// Makes rows first..last a block: a start row above them, a total row below.
+void wrapRows(EstimateGrid *grid, int first, int last, const BlockMarkers &m) {
+    grid->insertGridRows(last + 1, 1);
+    setMarkerRow(grid, last + 1, m.total, m.totalName);
+    grid->insertGridRows(first, 1);
+    setMarkerRow(grid, first, m.start, m.startName);
+}
+
+// A new empty block at grid row at: its start, one empty row, its total.
+void insertEmptyBlock(EstimateGrid *grid, int at, const BlockMarkers &m) {
+    grid->insertGridRows(at, 3);
+    setMarkerRow(grid, at, m.start, m.startName);
+    setMarkerRow(grid, at + 2, m.total, m.totalName);
+}
+
+// A block of data rows as grid rows; {-1, -1} when there is none.
+QPair<int, int> gridRows(const Block &b) {
+    return b.valid() ? qMakePair(b.first + F, b.last + F) : qMakePair(-1, -1);
+}
+
 } // namespace
 
 int EstimateEditor::appendRow() {
@@ -44,10 +80,7 @@ int EstimateEditor::insertRowAbove(int gridRow) {
 
 bool EstimateEditor::deleteRows(int first, int last) {
     m_error.clear();
-    if (first > last)
-        std::swap(first, last);
-    first = std::max(first, F);
-    last = std::min(last, m_grid->gridRowCount() - 1);
+    orderAndClamp(*m_grid, first, last);
     if (first > last)
         return false;
     std::vector<RowKind> k = kinds(*m_grid);
@@ -108,10 +141,7 @@ bool onlyWorkRows(const EstimateEditor &e, const std::vector<RowKind> &k, int fi
 
 bool EstimateEditor::createSection(int first, int last, const QString &name) {
     m_error.clear();
-    if (first > last)
-        std::swap(first, last);
-    first = std::max(first, F);
-    last = std::min(last, m_grid->gridRowCount() - 1);
+    orderAndClamp(*m_grid, first, last);
     const std::vector<RowKind> k = kinds(*m_grid);
     const bool wrap =
         onlyWorkRows(*this, k, first, last) && !EstimateStructure::sectionAround(k, first - F).valid();
@@ -122,12 +152,11 @@ bool EstimateEditor::createSection(int first, int last, const QString &name) {
                            "строки или поставьте курсор туда, где нужен новый пустой раздел.");
         return false;
     }
+    const BlockMarkers markers{RowKind::SectionStart, sectionName(0, title), RowKind::SectionTotal,
+                               sectionTotalName(0)};
     Scope step(this, QStringLiteral("Создать раздел"));
     if (wrap) {
-        m_grid->insertGridRows(last + 1, 1);
-        setMarkerRow(m_grid, last + 1, RowKind::SectionTotal, sectionTotalName(0));
-        m_grid->insertGridRows(first, 1);
-        setMarkerRow(m_grid, first, RowKind::SectionStart, sectionName(0, title));
+        wrapRows(m_grid, first, last, markers);
     } else {
         // A new empty section after the section the cursor is in, or above the closing "Итого".
         const Block around = EstimateStructure::sectionAround(k, first - F);
@@ -136,9 +165,7 @@ bool EstimateEditor::createSection(int first, int last, const QString &name) {
             at = around.last + F + 1;
         else if (isGrandTotalRow(first))
             at = first;
-        m_grid->insertGridRows(at, 3);
-        setMarkerRow(m_grid, at, RowKind::SectionStart, sectionName(0, title));
-        setMarkerRow(m_grid, at + 2, RowKind::SectionTotal, sectionTotalName(0));
+        insertEmptyBlock(m_grid, at, markers);
     }
     // An estimate with sections ends with the grand total.
     bool hasGrand = false;
@@ -154,10 +181,7 @@ bool EstimateEditor::createSection(int first, int last, const QString &name) {
 
 bool EstimateEditor::createSubsection(int first, int last, const QString &name) {
     m_error.clear();
-    if (first > last)
-        std::swap(first, last);
-    first = std::max(first, F);
-    last = std::min(last, m_grid->gridRowCount() - 1);
+    orderAndClamp(*m_grid, first, last);
     const std::vector<RowKind> k = kinds(*m_grid);
     const Block section = EstimateStructure::sectionAround(k, first - F);
     const bool wrap = onlyWorkRows(*this, k, first, last) && section.valid() && section.last + F > last &&
@@ -173,12 +197,11 @@ bool EstimateEditor::createSubsection(int first, int last, const QString &name) 
                            "подраздел.");
         return false;
     }
+    const BlockMarkers markers{RowKind::SubsectionStart, subsectionName(0, 0, title),
+                               RowKind::SubsectionTotal, subsectionTotalName(0, 0)};
     Scope step(this, QStringLiteral("Создать подраздел"));
     if (wrap) {
-        m_grid->insertGridRows(last + 1, 1);
-        setMarkerRow(m_grid, last + 1, RowKind::SubsectionTotal, subsectionTotalName(0, 0));
-        m_grid->insertGridRows(first, 1);
-        setMarkerRow(m_grid, first, RowKind::SubsectionStart, subsectionName(0, 0, title));
+        wrapRows(m_grid, first, last, markers);
         return true;
     }
     // A new empty subsection: after the subsection the cursor is in, below the section's start, or
@@ -190,43 +213,36 @@ bool EstimateEditor::createSubsection(int first, int last, const QString &name) 
         at = sub.last + F + 1;
     else if (here == RowKind::SectionTotal)
         at = first;
-    m_grid->insertGridRows(at, 3);
-    setMarkerRow(m_grid, at, RowKind::SubsectionStart, subsectionName(0, 0, title));
-    setMarkerRow(m_grid, at + 2, RowKind::SubsectionTotal, subsectionTotalName(0, 0));
+    insertEmptyBlock(m_grid, at, markers);
     return true;
 }
 
 QPair<int, int> EstimateEditor::sectionAround(int gridRow) const {
-    const Block b = EstimateStructure::sectionAround(kinds(*m_grid), gridRow - F);
-    return b.valid() ? qMakePair(b.first + F, b.last + F) : qMakePair(-1, -1);
+    return gridRows(EstimateStructure::sectionAround(kinds(*m_grid), gridRow - F));
 }
 
 QPair<int, int> EstimateEditor::subsectionAround(int gridRow) const {
-    const Block b = EstimateStructure::subsectionAround(kinds(*m_grid), gridRow - F);
-    return b.valid() ? qMakePair(b.first + F, b.last + F) : qMakePair(-1, -1);
+    return gridRows(EstimateStructure::subsectionAround(kinds(*m_grid), gridRow - F));
 }
 
 bool EstimateEditor::deleteSection(int gridRow) {
-    m_error.clear();
-    const auto b = sectionAround(gridRow);
-    if (b.first < 0) {
-        m_error = QStringLiteral("Курсор стоит не в разделе.");
-        return false;
-    }
-    Scope step(this, QStringLiteral("Удалить раздел"));
-    m_grid->removeGridRows(b.first, b.second - b.first + 1);
-    return true;
+    return removeBlock(sectionAround(gridRow), QStringLiteral("Курсор стоит не в разделе."),
+                       QStringLiteral("Удалить раздел"));
 }
 
 bool EstimateEditor::deleteSubsection(int gridRow) {
+    return removeBlock(subsectionAround(gridRow), QStringLiteral("Курсор стоит не в подразделе."),
+                       QStringLiteral("Удалить подраздел"));
+}
+
+bool EstimateEditor::removeBlock(QPair<int, int> rows, const QString &refusal, const QString &title) {
     m_error.clear();
-    const auto b = subsectionAround(gridRow);
-    if (b.first < 0) {
-        m_error = QStringLiteral("Курсор стоит не в подразделе.");
+    if (rows.first < 0) {
+        m_error = refusal;
         return false;
     }
-    Scope step(this, QStringLiteral("Удалить подраздел"));
-    m_grid->removeGridRows(b.first, b.second - b.first + 1);
+    Scope step(this, title);
+    m_grid->removeGridRows(rows.first, rows.second - rows.first + 1);
     return true;
 }
 

@@ -148,6 +148,9 @@ private:
     void recomputeCoefficients();
     bool applyStep(bool undoing);
     void storeCrewSettings();
+    // Removes grid rows rows.first..rows.second as one step titled title; refused with refusal when
+    // there is no such block ({-1, -1}).
+    bool removeBlock(QPair<int, int> rows, const QString &refusal, const QString &title);
 
     EstimateGrid *m_grid;
     CrewGrid *m_crewGrid;
