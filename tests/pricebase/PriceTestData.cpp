@@ -33,9 +33,9 @@ void PriceFixture::addResource(const QString &table, const QString &name, const 
     ASSERT_TRUE(q.exec()) << q.lastError().text().toStdString();
 }
 
-QStringList PriceFixture::materials() {
+QStringList estimateMaterials(QSqlDatabase smeta) {
     QStringList out;
-    QSqlQuery q(smeta());
+    QSqlQuery q(smeta);
     q.exec(QStringLiteral("SELECT namemat, kolvo, price, summa FROM materials ORDER BY _id"));
     while (q.next())
         out << q.value(0).toString() + "|" + q.value(1).toString() + "|" + q.value(2).toString() + "|" +
@@ -59,4 +59,37 @@ RateRow rate(const QString &ras, const QString &name, const QString &unit, const
     c[PriceCol::Price] = price;
     c[PriceCol::Rec] = rec;
     return RateRow(c);
+}
+
+namespace {
+QString env(const char *name) {
+    return QString::fromLocal8Bit(qgetenv(name));
+}
+} // namespace
+
+std::optional<ServerSettings> testServer() {
+    if (env("VIRN_TEST_MYSQL_HOST").isEmpty())
+        return std::nullopt;
+    ServerSettings s;
+    s.host = env("VIRN_TEST_MYSQL_HOST");
+    s.port = env("VIRN_TEST_MYSQL_PORT").toInt();
+    s.user = env("VIRN_TEST_MYSQL_USER");
+    s.password = env("VIRN_TEST_MYSQL_PASSWORD");
+    s.database = env("VIRN_TEST_MYSQL_DB");
+    return s;
+}
+
+void dropServerTable(const ServerSettings &s) {
+    const QString name = QStringLiteral("cleanup");
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QMYSQL"), name);
+        db.setHostName(s.host);
+        db.setPort(s.port);
+        db.setUserName(s.user);
+        db.setPassword(s.password);
+        db.setDatabaseName(s.database);
+        if (db.open())
+            QSqlQuery(db).exec(QStringLiteral("DROP TABLE IF EXISTS ") + s.table);
+    }
+    QSqlDatabase::removeDatabase(name);
 }

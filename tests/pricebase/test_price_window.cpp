@@ -3,6 +3,7 @@
 // navigation and the crew switch. Leaves a picture of the window in the temporary folder.
 
 #include "MainWindowFixture.h"
+#include "PriceTestData.h"
 #include "app/Dialogs.h"
 #include "estimate/EstimateEditor.h"
 #include "pricebase/CalcDocKolvo_frame.h"
@@ -24,10 +25,6 @@
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
-
-inline void PrintTo(const QString &s, std::ostream *os) {
-    *os << '"' << s.toStdString() << '"';
-}
 
 namespace {
 
@@ -77,16 +74,7 @@ protected:
     }
     RateGridModel &rates() { return window->priceBase()->model(); }
     QString cell(int row, int col) { return grid->cell(row, col); }
-    QStringList materials() {
-        QStringList out;
-        QSqlQuery q(module->database(Db::Smeta));
-        q.exec("SELECT namemat, ifnull(kolvo,''), price, ifnull(summa,'') FROM materials ORDER BY _id");
-        while (q.next())
-            out << QStringList{q.value(0).toString(), q.value(1).toString(), q.value(2).toString(),
-                               q.value(3).toString()}
-                       .join('|');
-        return out;
-    }
+    QStringList materials() { return estimateMaterials(module->database(Db::Smeta)); }
     // Starts typing into the name cell of estimate row r and returns the cell editor.
     QLineEdit *typeName(int row, const QString &text) {
         // The editor of an earlier insertion is deleted once control returns to the event loop.
@@ -287,10 +275,6 @@ TEST_F(PriceWindow, TreeAndComboNarrowTheGridAndTheCrewSwitchFillsCrewPrices) {
 
 namespace {
 
-QString env(const char *name) {
-    return QString::fromLocal8Bit(qgetenv(name));
-}
-
 TEST_F(PriceWindow, ServerSettingsDialogRefusesWhatCannotWork) {
     struct Case {
         QString host, database, table;
@@ -317,15 +301,12 @@ TEST_F(PriceWindow, ServerSettingsDialogRefusesWhatCannotWork) {
 }
 
 TEST_F(PriceWindow, ServerButtonConnectsReadsTheRemoteListAndReportsFailures) {
-    if (env("VIRN_TEST_MYSQL_HOST").isEmpty())
+    const std::optional<ServerSettings> server = testServer();
+    if (!server)
         GTEST_SKIP() << "VIRN_TEST_MYSQL_HOST is not set: start scripts/services/mariadb.sh (make test does)";
     TRatePanel *panel = window->RatePanel;
-    ServerSettings s;
-    s.host = env("VIRN_TEST_MYSQL_HOST");
-    s.port = env("VIRN_TEST_MYSQL_PORT").toInt();
-    s.user = env("VIRN_TEST_MYSQL_USER");
+    ServerSettings s = *server;
     s.password = "не тот пароль";
-    s.database = env("VIRN_TEST_MYSQL_DB");
     s.table = QStringLiteral("price_w%1").arg(QCoreApplication::applicationPid());
     s.save(*window->settingsStore());
 
@@ -341,7 +322,7 @@ TEST_F(PriceWindow, ServerButtonConnectsReadsTheRemoteListAndReportsFailures) {
     EXPECT_EQ(rates().visibleCount(), 8);
 
     // Right settings: choosing the server's tab connects and shows the (new, empty) remote list.
-    s.password = env("VIRN_TEST_MYSQL_PASSWORD");
+    s.password = server->password;
     s.save(*window->settingsStore());
     panel->PageControlRas->setCurrentIndex(3);
     ASSERT_TRUE(window->priceBase()->serverConnected()) << dialogs->lastText().toStdString();
@@ -370,16 +351,7 @@ TEST_F(PriceWindow, ServerButtonConnectsReadsTheRemoteListAndReportsFailures) {
     EXPECT_EQ(panel->PageControlRas->currentIndex(), 0);
     EXPECT_EQ(rates().visibleCount(), 8);
     // The test's table goes again.
-    QSqlDatabase db = QSqlDatabase::addDatabase("QMYSQL", "cleanup-window");
-    db.setHostName(s.host);
-    db.setPort(s.port);
-    db.setUserName(s.user);
-    db.setPassword(s.password);
-    db.setDatabaseName(s.database);
-    if (db.open())
-        QSqlQuery(db).exec("DROP TABLE IF EXISTS " + s.table);
-    db = QSqlDatabase();
-    QSqlDatabase::removeDatabase("cleanup-window");
+    dropServerTable(s);
 }
 
 } // namespace

@@ -12,43 +12,23 @@
 
 namespace {
 
-QString env(const char *name) {
-    return QString::fromLocal8Bit(qgetenv(name));
-}
-
 class RemotePrice : public ::testing::Test {
 protected:
     void SetUp() override {
         ensureApplication();
-        if (env("VIRN_TEST_MYSQL_HOST").isEmpty())
+        const std::optional<ServerSettings> server = testServer();
+        if (!server)
             GTEST_SKIP()
                 << "VIRN_TEST_MYSQL_HOST is not set: start scripts/services/mariadb.sh (make test does)";
-        settings.host = env("VIRN_TEST_MYSQL_HOST");
-        settings.port = env("VIRN_TEST_MYSQL_PORT").toInt();
-        settings.user = env("VIRN_TEST_MYSQL_USER");
-        settings.password = env("VIRN_TEST_MYSQL_PASSWORD");
-        settings.database = env("VIRN_TEST_MYSQL_DB");
+        settings = *server;
         // A table of its own per test, so that tests may run side by side.
         settings.table = QStringLiteral("price_t%1_%2")
                              .arg(QCoreApplication::applicationPid())
                              .arg(::testing::UnitTest::GetInstance()->current_test_info()->line());
     }
     void TearDown() override {
-        if (settings.host.isEmpty())
-            return;
-        dropTable();
-    }
-    void dropTable() {
-        QSqlDatabase db = QSqlDatabase::addDatabase("QMYSQL", "cleanup");
-        db.setHostName(settings.host);
-        db.setPort(settings.port);
-        db.setUserName(settings.user);
-        db.setPassword(settings.password);
-        db.setDatabaseName(settings.database);
-        if (db.open())
-            QSqlQuery(db).exec("DROP TABLE IF EXISTS " + settings.table);
-        db = QSqlDatabase();
-        QSqlDatabase::removeDatabase("cleanup");
+        if (!settings.host.isEmpty())
+            dropServerTable(settings);
     }
     ServerSettings settings;
 };
