@@ -1,11 +1,11 @@
 #include "customers/CustomerRegister.h"
 #include "storage/ModuleSQL.h"
 
+#include "SqlRows.h"
 #include "TestFolder.h"
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
-#include <QSqlRecord>
 #include <gtest/gtest.h>
 
 namespace {
@@ -26,21 +26,10 @@ protected:
     }
     // "customer|object|amount" of every cash row, in table order.
     QStringList cashRows() {
-        QStringList rows;
-        QSqlQuery q(module.database(Db::Cash));
-        q.exec("SELECT customer, object, incoming FROM cash ORDER BY _id");
-        while (q.next())
-            rows << q.value(0).toString() + "|" + q.value(1).toString() + "|" + q.value(2).toString();
-        return rows;
+        return queryRows(module.database(Db::Cash),
+                         "SELECT customer, object, incoming FROM cash ORDER BY _id");
     }
-    QStringList column(Db db, const QString &sql) {
-        QStringList out;
-        QSqlQuery q(module.database(db));
-        EXPECT_TRUE(q.exec(sql)) << sql.toStdString();
-        while (q.next())
-            out << q.value(0).toString();
-        return out;
-    }
+    QStringList column(Db db, const QString &sql) { return queryRows(module.database(db), sql); }
     void addWithObjects(const QString &customer, const QStringList &objects) {
         ASSERT_EQ(reg.addCustomer(customer), RegisterStatus::Ok);
         for (const QString &o : objects)

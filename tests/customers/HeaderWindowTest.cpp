@@ -10,6 +10,7 @@
 #include "storage/ModuleSQL.h"
 
 #include "MainWindowFixture.h"
+#include "SqlRows.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -18,9 +19,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
-#include <QSqlDatabase>
-#include <QSqlQuery>
-#include <QSqlRecord>
 #include <QTest>
 #include <QToolButton>
 #include <gtest/gtest.h>
@@ -49,24 +47,7 @@ protected:
         emit box->activated(i);
     }
     // Rows of a table in a document file, "a|b" per row.
-    QStringList fileRows(const QString &file, const QString &sql) {
-        QStringList out;
-        {
-            QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "check-file");
-            db.setDatabaseName(file);
-            EXPECT_TRUE(db.open());
-            QSqlQuery q(db);
-            EXPECT_TRUE(q.exec(sql)) << sql.toStdString();
-            while (q.next()) {
-                QStringList cells;
-                for (int c = 0; c < q.record().count(); ++c)
-                    cells << q.value(c).toString();
-                out << cells.join('|');
-            }
-        }
-        QSqlDatabase::removeDatabase("check-file");
-        return out;
-    }
+    QStringList fileRows(const QString &file, const QString &sql) { return DatabaseFile(file).rows(sql); }
 };
 
 } // namespace

@@ -1,5 +1,6 @@
 // The document file: round trip, refusal of damaged files, earlier layouts, failed saves.
 
+#include "SqlRows.h"
 #include "TestFolder.h"
 #include "estimate/CrewGrid.h"
 #include "estimate/DocumentFile.h"
@@ -236,13 +237,7 @@ TEST_F(DocumentFileTest, AnEarlierLayoutOpensAndGainsWhatItLacks) {
     // The grid can be written back into the upgraded table.
     EXPECT_TRUE(EstimateStore::writeSmeta(db, grid, crew, {}));
     // The source file itself is not changed by opening it.
-    QSqlDatabase src = QSqlDatabase::addDatabase("QSQLITE", "old-again");
-    src.setDatabaseName(old);
-    ASSERT_TRUE(src.open());
-    EXPECT_EQ(dump(src, "koef"), QStringList{"<no table koef>"});
-    src.close();
-    src = QSqlDatabase();
-    QSqlDatabase::removeDatabase("old-again");
+    EXPECT_EQ(dump(DatabaseFile(old).db(), "koef"), QStringList{"<no table koef>"});
 }
 
 TEST_F(DocumentFileTest, AFailedSaveLeavesThePreviousVersionAndNoTemporaryFile) {
@@ -278,13 +273,7 @@ TEST_F(DocumentFileTest, AFailedSaveLeavesThePreviousVersionAndNoTemporaryFile) 
     EXPECT_TRUE(gone.contains("не существует")) << gone.toStdString();
 
     // The file on disk is still version A, with its rights, and nothing is left beside it.
-    QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "check-a");
-    db.setDatabaseName(file);
-    ASSERT_TRUE(db.open());
-    EXPECT_EQ(EstimateStore::readParameters(db).value("NumericSmeta"), "A");
-    db.close();
-    db = QSqlDatabase();
-    QSqlDatabase::removeDatabase("check-a");
+    EXPECT_EQ(EstimateStore::readParameters(DatabaseFile(file).db()).value("NumericSmeta"), "A");
     EXPECT_EQ(QDir(folder.file("Sm")).entryList(QDir::Files | QDir::Hidden), QStringList{"Договорная.sim"});
 
     // Saving works again once there is room, and the file keeps its rights.

@@ -1,6 +1,7 @@
 // The main window's file commands: save, save as, open, drafts, recent list, autosave, refusals.
 
 #include "MainWindowFixture.h"
+#include "SqlRows.h"
 #include "estimate/Autosave.h"
 
 #include <QAction>
@@ -148,16 +149,9 @@ TEST_F(DocumentWindowTest, AnEditStartsAutosaveAndTheTickCopiesTheDocument) {
                     .hasMatch())
         << copies.first().toStdString();
     // The copy holds the grid as it was at the tick; the document itself is still unsaved.
-    QSqlDatabase c = QSqlDatabase::addDatabase("QSQLITE", "autosaved");
-    c.setDatabaseName(folder.file("Sm/Autosave/" + copies.first()));
-    ASSERT_TRUE(c.open());
-    QSqlQuery q(c);
-    ASSERT_TRUE(q.exec("SELECT nameras FROM smeta") && q.next());
-    EXPECT_EQ(q.value(0).toString(), "Работа для автосохранения");
-    q.finish();
-    c.close();
-    c = QSqlDatabase();
-    QSqlDatabase::removeDatabase("autosaved");
+    EXPECT_EQ(
+        DatabaseFile(folder.file("Sm/Autosave/" + copies.first())).rows("SELECT nameras FROM smeta").value(0),
+        "Работа для автосохранения");
     EXPECT_TRUE(window->isChanged());
 
     // The removal of old copies follows the settings.

@@ -1,4 +1,5 @@
 #include "PriceTestData.h"
+#include "SqlRows.h"
 
 #include <QSqlError>
 #include <QSqlQuery>
@@ -34,13 +35,8 @@ void PriceFixture::addResource(const QString &table, const QString &name, const 
 }
 
 QStringList estimateMaterials(QSqlDatabase smeta) {
-    QStringList out;
-    QSqlQuery q(smeta);
-    q.exec(QStringLiteral("SELECT namemat, kolvo, price, summa FROM materials ORDER BY _id"));
-    while (q.next())
-        out << q.value(0).toString() + "|" + q.value(1).toString() + "|" + q.value(2).toString() + "|" +
-                   q.value(3).toString();
-    return out;
+    return queryRows(smeta,
+                     QStringLiteral("SELECT namemat, kolvo, price, summa FROM materials ORDER BY _id"));
 }
 
 QString PriceFixture::scalar(QSqlDatabase db, const QString &sql) {
