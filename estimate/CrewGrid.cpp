@@ -1,26 +1,14 @@
 #include "CrewGrid.h"
 
-CrewGrid::CrewGrid(QObject *parent) : QAbstractTableModel(parent) { m_rows.push_back(emptyRow()); }
+CrewGrid::CrewGrid(QObject *parent) : CrewGridRows(parent) {
+    m_rows.push_back(emptyRow());
+}
 
-QStringList CrewGrid::emptyRow() {
+QStringList CrewGrid::emptyRow() const {
     QStringList r;
     for (int c = 0; c < CrewCol::Count; ++c)
         r << QString();
     return r;
-}
-
-void CrewGrid::setGridRowCount(int count) {
-    const int wanted = std::max(count, kFixedRows + 1) - kFixedRows;
-    const int have = static_cast<int>(m_rows.size());
-    if (wanted > have) {
-        beginInsertRows({}, have, wanted - 1);
-        m_rows.resize(static_cast<size_t>(wanted), emptyRow());
-        endInsertRows();
-    } else if (wanted < have) {
-        beginRemoveRows({}, wanted, have - 1);
-        m_rows.resize(static_cast<size_t>(wanted));
-        endRemoveRows();
-    }
 }
 
 QString CrewGrid::cell(int gridRow, int col) const {
@@ -43,41 +31,6 @@ void CrewGrid::setCell(int gridRow, int col, const QString &text) {
     emit dataChanged(index(m, col), index(m, col));
 }
 
-void CrewGrid::insertGridRows(int gridRow, int count) {
-    if (count <= 0)
-        return;
-    const int m = std::clamp(gridRow - kFixedRows, 0, static_cast<int>(m_rows.size()));
-    beginInsertRows({}, m, m + count - 1);
-    m_rows.insert(m_rows.begin() + m, static_cast<size_t>(count), emptyRow());
-    endInsertRows();
-}
-
-void CrewGrid::removeGridRows(int gridRow, int count) {
-    const int m = gridRow - kFixedRows;
-    if (m < 0 || m >= static_cast<int>(m_rows.size()) || count <= 0)
-        return;
-    count = std::min(count, static_cast<int>(m_rows.size()) - m);
-    beginRemoveRows({}, m, m + count - 1);
-    m_rows.erase(m_rows.begin() + m, m_rows.begin() + m + count);
-    endRemoveRows();
-    if (m_rows.empty()) {
-        beginInsertRows({}, 0, 0);
-        m_rows.push_back(emptyRow());
-        endInsertRows();
-    }
-}
-
-void CrewGrid::moveGridRow(int from, int to) {
-    const int mf = from - kFixedRows, mt = to - kFixedRows, n = static_cast<int>(m_rows.size());
-    if (mf < 0 || mt < 0 || mf >= n || mt >= n || mf == mt)
-        return;
-    beginMoveRows({}, mf, mf, {}, mt > mf ? mt + 1 : mt);
-    QStringList moving = std::move(m_rows[static_cast<size_t>(mf)]);
-    m_rows.erase(m_rows.begin() + mf);
-    m_rows.insert(m_rows.begin() + mt, std::move(moving));
-    endMoveRows();
-}
-
 void CrewGrid::setAllRows(std::vector<QStringList> rows) {
     beginResetModel();
     m_rows.clear();
@@ -92,16 +45,15 @@ void CrewGrid::setAllRows(std::vector<QStringList> rows) {
 }
 
 QString CrewGrid::headerText(int col) {
-    static const QStringList h = {"№",     "№ рас.", "Наименование работ", "Ед. изм.",   "Кол-во",      "Цена",
-                                  "Сумма", "idRas",  "k",                  "Цена (зак.)", "Сумма (зак.)"};
+    static const QStringList h = {
+        "№",     "№ рас.", "Наименование работ", "Ед. изм.",    "Кол-во", "Цена", "Сумма",
+        "idRas", "k",      "Цена (зак.)",        "Сумма (зак.)"};
     return col >= 0 && col < h.size() ? h.at(col) : QString();
 }
 
-int CrewGrid::rowCount(const QModelIndex &parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+int CrewGrid::columnCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : CrewCol::Count;
 }
-
-int CrewGrid::columnCount(const QModelIndex &parent) const { return parent.isValid() ? 0 : CrewCol::Count; }
 
 QVariant CrewGrid::data(const QModelIndex &index, int role) const {
     if (!index.isValid())
@@ -139,5 +91,6 @@ Qt::ItemFlags CrewGrid::flags(const QModelIndex &index) const {
 QVariant CrewGrid::headerData(int section, Qt::Orientation orientation, int role) const {
     if (role != Qt::DisplayRole)
         return {};
-    return orientation == Qt::Horizontal ? headerText(section) : QVariant(QString::number(section + kFixedRows));
+    return orientation == Qt::Horizontal ? headerText(section)
+                                         : QVariant(QString::number(section + kFixedRows));
 }

@@ -2,7 +2,8 @@
 // The crew sheet StringGridBrig: one fixed header row, data from row 1; crew row r belongs to
 // estimate row r + 1. The Qt model shows data rows only (Qt row r is grid row r + 1).
 
-#include <QAbstractTableModel>
+#include "GridRows.h"
+
 #include <QStringList>
 #include <vector>
 
@@ -23,25 +24,21 @@ enum : int {
 };
 }
 
-class CrewGrid : public QAbstractTableModel {
+using CrewGridRows = GridRows<QStringList, 1>;
+
+class CrewGrid : public CrewGridRows {
     Q_OBJECT
 public:
-    static constexpr int kFixedRows = 1;
-
     explicit CrewGrid(QObject *parent = nullptr);
 
-    int gridRowCount() const { return kFixedRows + static_cast<int>(m_rows.size()); }
-    void setGridRowCount(int count); // at least 2 (one data row)
+    // The structure (setGridRowCount, insertGridRows, removeGridRows, moveGridRow) is GridRows'.
     QString cell(int gridRow, int col) const;
+    // A cell past the last row first adds the rows up to it.
     void setCell(int gridRow, int col, const QString &text);
-    void insertGridRows(int gridRow, int count);
-    void removeGridRows(int gridRow, int count);
-    void moveGridRow(int from, int to);
     void setAllRows(std::vector<QStringList> rows);
 
     static QString headerText(int col);
 
-    int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
@@ -53,6 +50,5 @@ signals:
     void cellEdited(int gridRow, int col, const QString &oldText, const QString &newText);
 
 private:
-    static QStringList emptyRow();
-    std::vector<QStringList> m_rows;
+    QStringList emptyRow() const override;
 };

@@ -19,18 +19,25 @@ RowKind rowKindFromMarker(const QString &marker) {
 
 QString markerOf(RowKind kind) {
     switch (kind) {
-    case RowKind::SectionStart: return QStringLiteral("br");
-    case RowKind::SubsectionStart: return QStringLiteral("bp");
-    case RowKind::SectionTotal: return QStringLiteral("ir");
-    case RowKind::SubsectionTotal: return QStringLiteral("ip");
-    case RowKind::Work: break;
+    case RowKind::SectionStart:
+        return QStringLiteral("br");
+    case RowKind::SubsectionStart:
+        return QStringLiteral("bp");
+    case RowKind::SectionTotal:
+        return QStringLiteral("ir");
+    case RowKind::SubsectionTotal:
+        return QStringLiteral("ip");
+    case RowKind::Work:
+        break;
     }
     return {};
 }
 
-EstimateGrid::EstimateGrid(QObject *parent) : QAbstractTableModel(parent) { m_rows.push_back(emptyRow()); }
+EstimateGrid::EstimateGrid(QObject *parent) : EstimateGridRows(parent) {
+    m_rows.push_back(emptyRow());
+}
 
-EstimateGrid::Row EstimateGrid::emptyRow() {
+EstimateGrid::Row EstimateGrid::emptyRow() const {
     Row r;
     for (int c = 0; c < EstimateCol::Count; ++c)
         r.cells << QString();
@@ -75,63 +82,8 @@ void EstimateGrid::setRowCells(int gridRow, const QStringList &cells) {
     emit contentChanged();
 }
 
-RowKind EstimateGrid::kind(int gridRow) const { return rowKindFromMarker(cell(gridRow, EstimateCol::Kind)); }
-
-void EstimateGrid::setGridRowCount(int count) {
-    const int wanted = std::max(count, kFixedRows + 1) - kFixedRows;
-    const int have = static_cast<int>(m_rows.size());
-    if (wanted > have) {
-        beginInsertRows({}, have, wanted - 1);
-        m_rows.resize(static_cast<size_t>(wanted), emptyRow());
-        endInsertRows();
-    } else if (wanted < have) {
-        beginRemoveRows({}, wanted, have - 1);
-        m_rows.resize(static_cast<size_t>(wanted));
-        endRemoveRows();
-    } else {
-        return;
-    }
-    emit contentChanged();
-}
-
-void EstimateGrid::insertGridRows(int gridRow, int count) {
-    if (count <= 0)
-        return;
-    gridRow = std::clamp(gridRow, int(kFixedRows), gridRowCount());
-    const int m = toModelRow(gridRow);
-    beginInsertRows({}, m, m + count - 1);
-    m_rows.insert(m_rows.begin() + m, static_cast<size_t>(count), emptyRow());
-    endInsertRows();
-    emit contentChanged();
-}
-
-void EstimateGrid::removeGridRows(int gridRow, int count) {
-    if (!isDataRow(gridRow) || count <= 0)
-        return;
-    count = std::min(count, gridRowCount() - gridRow);
-    const int m = toModelRow(gridRow);
-    beginRemoveRows({}, m, m + count - 1);
-    m_rows.erase(m_rows.begin() + m, m_rows.begin() + m + count);
-    endRemoveRows();
-    if (m_rows.empty()) {
-        beginInsertRows({}, 0, 0);
-        m_rows.push_back(emptyRow());
-        endInsertRows();
-    }
-    emit contentChanged();
-}
-
-void EstimateGrid::moveGridRow(int from, int to) {
-    if (!isDataRow(from) || !isDataRow(to) || from == to)
-        return;
-    const int mf = toModelRow(from), mt = toModelRow(to);
-    // Qt's destination is the row before which the moved row lands.
-    beginMoveRows({}, mf, mf, {}, mt > mf ? mt + 1 : mt);
-    Row moving = std::move(m_rows[static_cast<size_t>(mf)]);
-    m_rows.erase(m_rows.begin() + mf);
-    m_rows.insert(m_rows.begin() + mt, std::move(moving));
-    endMoveRows();
-    emit contentChanged();
+RowKind EstimateGrid::kind(int gridRow) const {
+    return rowKindFromMarker(cell(gridRow, EstimateCol::Kind));
 }
 
 void EstimateGrid::clear() {
@@ -163,22 +115,41 @@ bool EstimateGrid::canEdit(RowKind kind, int col) {
         return false;
     switch (kind) {
     case RowKind::SectionStart:
-    case RowKind::SubsectionStart: return col == EstimateCol::Name;
+    case RowKind::SubsectionStart:
+        return col == EstimateCol::Name;
     case RowKind::SectionTotal:
-    case RowKind::SubsectionTotal: return false;
-    case RowKind::Work: return true;
+    case RowKind::SubsectionTotal:
+        return false;
+    case RowKind::Work:
+        return true;
     }
     return false;
 }
 
-bool EstimateGrid::canEditCell(int gridRow, int col) const { return isDataRow(gridRow) && canEdit(kind(gridRow), col); }
+bool EstimateGrid::canEditCell(int gridRow, int col) const {
+    return isDataRow(gridRow) && canEdit(kind(gridRow), col);
+}
 
 QString EstimateGrid::headerText(int headerRow, int col) {
-    static const QStringList row0 = {"№",          "№ рас.",    "Наименование работ",   "Ед. изм.", "Кол-во", "Цена",
-                                      "Сумма",      "idRas",     "idDoc",                "NamePrice", "colSelect",
-                                      "numRazdel",  "Стоимость за ед.изм.", "", "", "", "Итого"};
-    static const QStringList row1 = {"", "", "", "", "", "", "", "", "", "", "", "", "машины", "материал", "работа",
-                                     "всего", ""};
+    static const QStringList row0 = {"№",
+                                     "№ рас.",
+                                     "Наименование работ",
+                                     "Ед. изм.",
+                                     "Кол-во",
+                                     "Цена",
+                                     "Сумма",
+                                     "idRas",
+                                     "idDoc",
+                                     "NamePrice",
+                                     "colSelect",
+                                     "numRazdel",
+                                     "Стоимость за ед.изм.",
+                                     "",
+                                     "",
+                                     "",
+                                     "Итого"};
+    static const QStringList row1 = {"", "", "", "",       "",         "",       "",      "", "",
+                                     "", "", "", "машины", "материал", "работа", "всего", ""};
     if (col < 0 || col >= EstimateCol::Count)
         return {};
     return headerRow == 0 ? row0.at(col) : row1.at(col);
@@ -209,11 +180,9 @@ QColor EstimateGrid::foregroundFor(int gridRow, int col) const {
     return colour;
 }
 
-int EstimateGrid::rowCount(const QModelIndex &parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+int EstimateGrid::columnCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : EstimateCol::Count;
 }
-
-int EstimateGrid::columnCount(const QModelIndex &parent) const { return parent.isValid() ? 0 : EstimateCol::Count; }
 
 QVariant EstimateGrid::data(const QModelIndex &index, int role) const {
     if (!index.isValid())
@@ -221,7 +190,8 @@ QVariant EstimateGrid::data(const QModelIndex &index, int role) const {
     const int gridRow = toGridRow(index.row());
     switch (role) {
     case Qt::DisplayRole:
-    case Qt::EditRole: return cell(gridRow, index.column());
+    case Qt::EditRole:
+        return cell(gridRow, index.column());
     case Qt::ForegroundRole: {
         QColor c = foregroundFor(gridRow, index.column());
         return c.isValid() ? QVariant(QBrush(c)) : QVariant();
@@ -240,7 +210,8 @@ QVariant EstimateGrid::data(const QModelIndex &index, int role) const {
         if (index.column() >= EstimateCol::Machine)
             return int(Qt::AlignRight | Qt::AlignVCenter);
         return {};
-    default: return {};
+    default:
+        return {};
     }
 }
 

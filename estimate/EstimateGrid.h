@@ -3,7 +3,8 @@
 // user sees: rows 0 and 1 are the two fixed header rows, data rows start at 2. The Qt model shows
 // only the data rows (Qt row r is grid row r + 2); the two header rows are drawn by the header view.
 
-#include <QAbstractTableModel>
+#include "GridRows.h"
+
 #include <QColor>
 #include <QHash>
 #include <QStringList>
@@ -11,23 +12,23 @@
 
 namespace EstimateCol {
 enum : int {
-    Num = 0,        // "№" running number of work rows
-    Ras = 1,        // "№ рас." rate number
-    Name = 2,       // "Наименование работ"
-    Unit = 3,       // "Ед. изм."
-    Qty = 4,        // "Кол-во"
-    Price = 5,      // "Цена"
-    Sum = 6,        // "Сумма"
-    IdRas = 7,      // rate id (hidden)
-    IdDoc = 8,      // work id in the document (hidden)
-    NamePrice = 9,  // resources table of the rate (hidden)
-    Select = 10,    // selection mark (hidden, not stored)
-    Kind = 11,      // row-kind marker "br"/"bp"/"ir"/"ip" (hidden)
-    Machine = 12,   // unit cost: machines
-    Material = 13,  // unit cost: materials
-    Labour = 14,    // unit cost: labour
-    Total = 15,     // unit cost: total
-    Itogo = 16,     // amount as shown in the totals column
+    Num = 0,       // "№" running number of work rows
+    Ras = 1,       // "№ рас." rate number
+    Name = 2,      // "Наименование работ"
+    Unit = 3,      // "Ед. изм."
+    Qty = 4,       // "Кол-во"
+    Price = 5,     // "Цена"
+    Sum = 6,       // "Сумма"
+    IdRas = 7,     // rate id (hidden)
+    IdDoc = 8,     // work id in the document (hidden)
+    NamePrice = 9, // resources table of the rate (hidden)
+    Select = 10,   // selection mark (hidden, not stored)
+    Kind = 11,     // row-kind marker "br"/"bp"/"ir"/"ip" (hidden)
+    Machine = 12,  // unit cost: machines
+    Material = 13, // unit cost: materials
+    Labour = 14,   // unit cost: labour
+    Total = 15,    // unit cost: total
+    Itogo = 16,    // amount as shown in the totals column
     Count = 17
 };
 }
@@ -45,27 +46,27 @@ inline const QString subsectionTotalPrefix = QStringLiteral("              Ит�
 RowKind rowKindFromMarker(const QString &marker);
 QString markerOf(RowKind kind);
 
-class EstimateGrid : public QAbstractTableModel {
+// One data row of the estimate grid.
+struct EstimateRow {
+    QStringList cells;
+    QHash<int, QString> problems; // column -> why its text is not usable
+};
+using EstimateGridRows = GridRows<EstimateRow, 2>;
+
+class EstimateGrid : public EstimateGridRows {
     Q_OBJECT
 public:
-    static constexpr int kFixedRows = 2;
-
     explicit EstimateGrid(QObject *parent = nullptr);
 
-    // Grid-indexed access (rows from 0, data from kFixedRows).
-    int gridRowCount() const { return kFixedRows + static_cast<int>(m_rows.size()); }
+    // Grid-indexed access (rows from 0, data from kFixedRows). The structure (setGridRowCount,
+    // insertGridRows, removeGridRows, moveGridRow) is GridRows'; a grid never has fewer than one data
+    // row.
     QString cell(int gridRow, int col) const;
     void setCell(int gridRow, int col, const QString &text);
     QStringList rowCells(int gridRow) const;
     void setRowCells(int gridRow, const QStringList &cells);
     RowKind kind(int gridRow) const;
-    bool isDataRow(int gridRow) const { return gridRow >= kFixedRows && gridRow < gridRowCount(); }
 
-    // Structure. Counts are grid rows; a grid never has fewer than one data row.
-    void setGridRowCount(int count);
-    void insertGridRows(int gridRow, int count);
-    void removeGridRows(int gridRow, int count);
-    void moveGridRow(int from, int to);
     void clear(); // one empty data row
     // Replaces all data rows at once (one model reset), used by loading.
     void setAllRows(std::vector<QStringList> rows);
@@ -83,16 +84,12 @@ public:
     QColor foregroundFor(int gridRow, int col) const;
 
     // Qt model (data rows only).
-    int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     Qt::DropActions supportedDropActions() const override { return Qt::MoveAction; }
-
-    static int toGridRow(int modelRow) { return modelRow + kFixedRows; }
-    static int toModelRow(int gridRow) { return gridRow - kFixedRows; }
 
     // Validation marks: a cell whose text is not a number is flagged with the reason (tooltip).
     void setCellProblem(int gridRow, int col, const QString &reason);
@@ -105,14 +102,10 @@ signals:
     void contentChanged();
 
 private:
-    struct Row {
-        QStringList cells;
-        QHash<int, QString> problems; // column -> why its text is not usable
-    };
-    Row &row(int gridRow) { return m_rows[static_cast<size_t>(gridRow - kFixedRows)]; }
-    const Row &row(int gridRow) const { return m_rows[static_cast<size_t>(gridRow - kFixedRows)]; }
-    static Row emptyRow();
+    using Row = EstimateRow;
+    Row emptyRow() const override;
+    // Content and structure are the document: every change of the rows is announced.
+    void rowsChanged() override { emit contentChanged(); }
 
-    std::vector<Row> m_rows;
     bool m_dark = false;
 };
