@@ -24,6 +24,15 @@ struct EstimateEditor::Snapshot {
 
 namespace {
 const QString kPendingTitle = QStringLiteral("Изменение сметы");
+
+using Rates = QList<QPair<QString, QString>>;
+
+// Adds the rate of a row (idRas, NamePrice) once; rows without a rate add nothing.
+void addRate(Rates &rates, const QStringList &cells) {
+    const QPair<QString, QString> rate{cells.value(EstimateCol::IdRas), cells.value(EstimateCol::NamePrice)};
+    if (!rate.first.trimmed().isEmpty() && !rates.contains(rate))
+        rates << rate;
+}
 } // namespace
 
 // ----- Scope
@@ -185,13 +194,7 @@ void EstimateEditor::commitPending(const QString &title) {
     emit undoStateChanged();
 
     // Rates whose rows came, went or changed quantity or rate.
-    QList<QPair<QString, QString>> rates;
-    auto add = [&](const QStringList &cells) {
-        const QPair<QString, QString> rate{cells.value(EstimateCol::IdRas),
-                                           cells.value(EstimateCol::NamePrice)};
-        if (!rate.first.trimmed().isEmpty() && !rates.contains(rate))
-            rates << rate;
-    };
+    Rates rates;
     for (const RowDiff::Op &op : ops) {
         if (op.kind == RowDiff::Op::Edit) {
             using namespace EstimateCol;
@@ -200,8 +203,8 @@ void EstimateEditor::commitPending(const QString &title) {
                 op.before.value(NamePrice) == op.after.value(NamePrice))
                 continue;
         }
-        add(op.before);
-        add(op.after);
+        addRate(rates, op.before);
+        addRate(rates, op.after);
     }
     if (!rates.isEmpty())
         emit ratesAffected(rates);
@@ -250,13 +253,7 @@ bool EstimateEditor::applyStep(bool undoing) {
         m_grid->insertGridRows(row, 1);
         setRow(row, wide);
     };
-    QList<QPair<QString, QString>> rates;
-    auto add = [&](const QStringList &cells) {
-        const QPair<QString, QString> rate{cells.value(EstimateCol::IdRas),
-                                           cells.value(EstimateCol::NamePrice)};
-        if (!rate.first.trimmed().isEmpty() && !rates.contains(rate))
-            rates << rate;
-    };
+    Rates rates;
     if (undoing) {
         for (auto it = ops.rbegin(); it != ops.rend(); ++it) {
             switch (it->kind) {
@@ -287,8 +284,8 @@ bool EstimateEditor::applyStep(bool undoing) {
         }
     }
     for (const RowDiff::Op &op : ops) {
-        add(op.before);
-        add(op.after);
+        addRate(rates, op.before);
+        addRate(rates, op.after);
     }
     m_totals->release();
     m_crew->release();
