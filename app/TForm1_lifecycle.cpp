@@ -7,6 +7,7 @@
 #include "Dialogs.h"
 #include "SettingsStore.h"
 #include "estimate/EstimateGrid.h"
+#include "pricebase/RatePanel_frame.h"
 #include "storage/ModuleSQL.h"
 
 #include <QAction>
@@ -106,6 +107,9 @@ void TForm1::collectSettings() {
 }
 
 bool TForm1::FormCloseQuery() {
+    // Rates edited in the rate grid are a separate list: settle them first.
+    if (RatePanel && !RatePanel->settleEdits())
+        return false;
     if (isChanged()) {
         const Dialogs::Answer a = dialogs().ask(QStringLiteral("Данные изменялись"), QStringLiteral("Сохранить файл?"),
                                                 Dialogs::Buttons::YesNoCancel, Dialogs::Icon::Question);

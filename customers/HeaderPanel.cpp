@@ -37,7 +37,8 @@ void EstimateHeaderPanel::build() {
     ComboBoxShablon = named(new QComboBox(this), QStringLiteral("ComboBoxShablon"));
     ComboBoxShablon->setEditable(true);
     ComboBoxShablon->addItems(EstimateHeader::titles());
-    ComboBoxShablon->setMinimumContentsLength(30);
+    ComboBoxShablon->setMinimumContentsLength(36);
+    ComboBoxShablon->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     DateSmeta = named(new QDateEdit(QDate::currentDate(), this), QStringLiteral("DateSmeta"));
     DateSmeta->setCalendarPopup(true);
     DateSmeta->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));

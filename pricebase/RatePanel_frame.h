@@ -70,6 +70,9 @@ public:
     QTableView *StringGridRas = nullptr;
     QMenu *PopupMenuRas = nullptr;
 
+    // In edit mode with unsaved edits: asks whether to save; false when the user cancelled.
+    bool settleEdits();
+
 signals:
     // StringGridRasDblClickCell: a double-click on grid row r (1 = first data row).
     void rateDoubleClicked(int gridRow);
@@ -82,8 +85,6 @@ private:
     void updateColumns();
     void updateEditActions();
     void readCurrent();
-    // In edit mode with unsaved edits: asks whether to save; false when the user cancelled.
-    bool settleEdits();
     void insertRow(bool atEnd);
     void deleteRows();
     void moveRow(int delta);

@@ -228,8 +228,9 @@ TEST_F(EditorTest, SampleDocumentLoadsWithItsOwnTotals) {
         for (const QString &line : statement.split(QLatin1Char('\n')))
             if (!line.startsWith(QStringLiteral("--")))
                 sql += line + QLatin1Char('\n');
-        if (!sql.trimmed().isEmpty())
+        if (!sql.trimmed().isEmpty()) {
             ASSERT_TRUE(q.exec(sql)) << sql.toStdString();
+        }
     }
     std::vector<QStringList> stored;
     ASSERT_TRUE(q.exec("SELECT numpos, nameras, summa, section FROM smeta WHERE 1"));
