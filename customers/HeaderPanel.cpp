@@ -194,6 +194,7 @@ void EstimateHeaderPanel::setValues(const EstimateHeader::Values &v) {
     if (v.numberWord.isEmpty())
         applyDateNumber();
     EditNameWork->setText(v.nameWork);
+    EditNameWork->setCursorPosition(0); // show the beginning of a long name
     ComboBoxShablon->setCurrentText(v.title.isEmpty() ? EstimateHeader::defaultTitle : v.title);
 }
 
