@@ -245,23 +245,13 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
         if (progress)
             progress(p);
     };
-    *error = TemplateFile::check(templatePath);
-    if (!error->isEmpty())
+    if (!TemplateFile::open(engine, templatePath, QStringLiteral("spreadsheet"), error))
         return false;
     auto engineFailed = [&]() {
         *error = engine.error();
         engine.close();
         return false;
     };
-    QString type;
-    if (!engine.load(templatePath, &type))
-        return engineFailed();
-    if (type != QLatin1String("spreadsheet")) {
-        engine.close();
-        *error =
-            QStringLiteral("Шаблон %1 не является таблицей.").arg(QDir::toNativeSeparators(templatePath));
-        return false;
-    }
     report(5);
     Grid grid;
     if (!engine.sheet(&grid))

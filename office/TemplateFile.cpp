@@ -94,4 +94,25 @@ bool save(OfficeEngine &engine, const QVector<Output> &outputs, QString *error) 
     return true;
 }
 
+bool open(OfficeEngine &engine, const QString &path, const QString &type, QString *error) {
+    *error = check(path);
+    if (!error->isEmpty())
+        return false;
+    QString loaded;
+    if (!engine.load(path, &loaded)) {
+        *error = engine.error();
+        engine.close();
+        return false;
+    }
+    if (loaded != type) {
+        engine.close();
+        *error = (type == QLatin1String("spreadsheet")
+                      ? QStringLiteral("Шаблон %1 не является таблицей.")
+                      : QStringLiteral("Шаблон %1 не является текстовым документом."))
+                     .arg(QDir::toNativeSeparators(path));
+        return false;
+    }
+    return true;
+}
+
 } // namespace TemplateFile

@@ -18,6 +18,10 @@ constexpr qint64 kMaxBytes = 50ll * 1024 * 1024;
 // text file (judged by its extension and its first bytes).
 QString check(const QString &path);
 
+// Checks the template and loads it into the engine, which must see it as `type` ("spreadsheet" or
+// "text"). False with a Russian message naming the file; the engine then holds no document.
+bool open(OfficeEngine &engine, const QString &path, const QString &type, QString *error);
+
 // Engine format for an output file name by its extension ("xls", "pdf", "docx", …); empty when the
 // extension is not one the engine writes.
 QString formatFor(const QString &path);

@@ -10,23 +10,13 @@ namespace WordTemplate {
 
 bool fill(OfficeEngine &engine, const QString &templatePath, const Replacements &replacements,
           const QVector<TemplateFile::Output> &outputs, QString *error) {
-    *error = TemplateFile::check(templatePath);
-    if (!error->isEmpty())
+    if (!TemplateFile::open(engine, templatePath, QStringLiteral("text"), error))
         return false;
     auto engineFailed = [&]() {
         *error = engine.error();
         engine.close();
         return false;
     };
-    QString type;
-    if (!engine.load(templatePath, &type))
-        return engineFailed();
-    if (type != QLatin1String("text")) {
-        engine.close();
-        *error = QStringLiteral("Шаблон %1 не является текстовым документом.")
-                     .arg(QDir::toNativeSeparators(templatePath));
-        return false;
-    }
     Replacements given;
     for (const auto &r : replacements) {
         if (!r.first.isEmpty() && r.first != r.second)
