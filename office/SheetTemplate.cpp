@@ -355,17 +355,8 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
     if (!engine.sheet(&filled))
         return engineFailed();
     const QStringList left = unfilled(filled, data);
-    if (!left.isEmpty()) {
-        engine.close();
-        *error = QStringLiteral("После заполнения шаблона %1 в нём остались незаполненные поля: %2")
-                     .arg(QDir::toNativeSeparators(templatePath), left.join(QStringLiteral(", ")));
+    if (!TemplateFile::finish(engine, templatePath, left, outputs, error))
         return false;
-    }
-    if (!TemplateFile::save(engine, outputs, error)) {
-        engine.close();
-        return false;
-    }
-    engine.close();
     report(100);
     return true;
 }

@@ -115,4 +115,18 @@ bool open(OfficeEngine &engine, const QString &path, const QString &type, QStrin
     return true;
 }
 
+bool finish(OfficeEngine &engine, const QString &templatePath, const QStringList &left,
+            const QVector<Output> &outputs, QString *error) {
+    bool ok = true;
+    if (!left.isEmpty()) {
+        *error = QStringLiteral("После заполнения шаблона %1 в нём остались незаполненные поля: %2")
+                     .arg(QDir::toNativeSeparators(templatePath), left.join(QStringLiteral(", ")));
+        ok = false;
+    } else {
+        ok = save(engine, outputs, error);
+    }
+    engine.close();
+    return ok;
+}
+
 } // namespace TemplateFile

@@ -4,6 +4,7 @@
 // a failure never leaves a half-written file or replaces the user's old one.
 
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 class OfficeEngine;
@@ -34,5 +35,10 @@ struct Output {
 // Saves the document open in the engine into every output. False with a Russian message on the first
 // failure (outputs written before it stay).
 bool save(OfficeEngine &engine, const QVector<Output> &outputs, QString *error);
+
+// Ends a filling: refuses when placeholders with data are still `left`, else saves every output.
+// The engine's document is closed either way. False with a Russian message naming the template.
+bool finish(OfficeEngine &engine, const QString &templatePath, const QStringList &left,
+            const QVector<Output> &outputs, QString *error);
 
 } // namespace TemplateFile

@@ -38,18 +38,7 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const Replacements 
         if (text.contains(r.first) && !r.second.contains(r.first))
             left << r.first;
     }
-    if (!left.isEmpty()) {
-        engine.close();
-        *error = QStringLiteral("После заполнения шаблона %1 в нём остались незаполненные поля: %2")
-                     .arg(QDir::toNativeSeparators(templatePath), left.join(QStringLiteral(", ")));
-        return false;
-    }
-    if (!TemplateFile::save(engine, outputs, error)) {
-        engine.close();
-        return false;
-    }
-    engine.close();
-    return true;
+    return TemplateFile::finish(engine, templatePath, left, outputs, error);
 }
 
 } // namespace WordTemplate
