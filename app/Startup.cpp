@@ -1,9 +1,9 @@
 #include "Startup.h"
 
-#include "DataFolder.h"
-#include "Dialogs.h"
+#include "storage/DataFolder.h"
+#include "ui/Dialogs.h"
 #include "TForm1.h"
-#include "office/EstimateExport.h"
+#include "estimate/EstimateExport.h"
 #include "storage/ModuleSQL.h"
 
 #include <QApplication>

@@ -1,9 +1,9 @@
 #include "TForm1.h"
 
-#include "DataFolder.h"
-#include "Dialogs.h"
-#include "SettingsStore.h"
-#include "TwoRowHeader.h"
+#include "storage/DataFolder.h"
+#include "ui/Dialogs.h"
+#include "storage/SettingsStore.h"
+#include "estimate/TwoRowHeader.h"
 #include "estimate/CrewGrid.h"
 #include "estimate/EstimateGrid.h"
 #include "storage/ModuleSQL.h"

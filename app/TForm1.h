@@ -2,7 +2,7 @@
 // The main window: the estimate editor with the rate grid beside it. The window is split over
 // several files by subsystem (TForm1_<area>.cpp); each area keeps its members in its own block below.
 
-#include "MainSettings.h"
+#include "storage/MainSettings.h"
 
 #include <QMainWindow>
 #include <QMap>

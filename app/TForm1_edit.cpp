@@ -3,7 +3,7 @@
 
 #include "TForm1.h"
 
-#include "Dialogs.h"
+#include "ui/Dialogs.h"
 #include "estimate/BrigPanel_frame.h"
 #include "estimate/CrewGrid.h"
 #include "estimate/CrewSheet.h"

@@ -4,7 +4,7 @@
 
 #include "TForm1.h"
 
-#include "Dialogs.h"
+#include "ui/Dialogs.h"
 #include "customers/CustomerFolder.h"
 #include "estimate/Autosave.h"
 #include "estimate/CrewGrid.h"

@@ -3,12 +3,12 @@
 
 #include "TForm1.h"
 
-#include "Dialogs.h"
-#include "SettingsStore.h"
+#include "ui/Dialogs.h"
+#include "storage/SettingsStore.h"
 #include "customers/ContractorRegister.h"
 #include "customers/CustomerRegister.h"
-#include "customers/EstimateHeader.h"
-#include "customers/HeaderPanel.h"
+#include "estimate/EstimateHeader.h"
+#include "estimate/HeaderPanel.h"
 #include "customers/OptionFlags.h"
 #include "customers/PodryadList_frame.h"
 #include "customers/ZakazAndObject_frame.h"

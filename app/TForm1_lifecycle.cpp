@@ -3,9 +3,9 @@
 
 #include "TForm1.h"
 
-#include "DataFolder.h"
-#include "Dialogs.h"
-#include "SettingsStore.h"
+#include "storage/DataFolder.h"
+#include "ui/Dialogs.h"
+#include "storage/SettingsStore.h"
 #include "estimate/EstimateGrid.h"
 #include "pricebase/RatePanel_frame.h"
 #include "storage/ModuleSQL.h"

@@ -2,18 +2,18 @@
 
 #include "TForm1.h"
 
-#include "Dialogs.h"
-#include "SettingsStore.h"
+#include "ui/Dialogs.h"
+#include "storage/SettingsStore.h"
 #include "customers/Records.h"
 #include "estimate/DocumentFile.h"
-#include "office/EditFromAktSmeta_frame.h"
-#include "office/EstimateOutput.h"
-#include "office/EstimatePrint.h"
+#include "estimate/EditFromAktSmeta_frame.h"
+#include "estimate/EstimateOutput.h"
+#include "estimate/EstimatePrint.h"
 #include "office/FCustomPreview_frame.h"
 #include "office/OfficeEngine.h"
 #include "office/OfficeService.h"
 #include "office/OfficeTemplates.h"
-#include "office/ViewTitles.h"
+#include "estimate/ViewTitles.h"
 #include "storage/ModuleSQL.h"
 
 #include <QAction>

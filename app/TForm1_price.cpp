@@ -2,7 +2,7 @@
 
 #include "TForm1.h"
 
-#include "Dialogs.h"
+#include "ui/Dialogs.h"
 #include "estimate/EstimateEditor.h"
 #include "estimate/EstimateGrid.h"
 #include "pricebase/CalcDocKolvo_frame.h"

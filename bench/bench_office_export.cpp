@@ -3,8 +3,8 @@
 // profile), one with the helper running, and five documents in a row.
 //     ./bench/bench_office_export
 
-#include "app/DataFolder.h"
-#include "office/EstimateExport.h"
+#include "storage/DataFolder.h"
+#include "estimate/EstimateExport.h"
 #include "office/OfficeEngine.h"
 #include "storage/ModuleSQL.h"
 

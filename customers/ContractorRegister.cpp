@@ -1,6 +1,6 @@
 #include "ContractorRegister.h"
 
-#include "app/SettingsStore.h"
+#include "storage/SettingsStore.h"
 #include "storage/ModuleSQL.h"
 #include "storage/TextValues.h"
 

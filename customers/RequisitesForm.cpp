@@ -1,6 +1,6 @@
 #include "RequisitesForm.h"
 
-#include "app/SettingsStore.h"
+#include "storage/SettingsStore.h"
 
 #include <QCheckBox>
 #include <QGridLayout>

@@ -1,8 +1,8 @@
 #include "ZakazAndObject_frame.h"
 #include "RequisitesForm.h"
 
-#include "app/Dialogs.h"
-#include "app/SettingsStore.h"
+#include "ui/Dialogs.h"
+#include "storage/SettingsStore.h"
 
 #include <QCheckBox>
 #include <QFormLayout>

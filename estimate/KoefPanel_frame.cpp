@@ -1,7 +1,7 @@
 #include "KoefPanel_frame.h"
 
 #include "KoefModel.h"
-#include "app/Dialogs.h"
+#include "ui/Dialogs.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>

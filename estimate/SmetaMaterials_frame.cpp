@@ -1,7 +1,7 @@
 #include "SmetaMaterials_frame.h"
 
 #include "EstimateMaterials.h"
-#include "app/Dialogs.h"
+#include "ui/Dialogs.h"
 #include "storage/TextValues.h"
 
 #include <QHBoxLayout>

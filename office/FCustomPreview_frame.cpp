@@ -1,6 +1,6 @@
 #include "FCustomPreview_frame.h"
 
-#include "app/Dialogs.h"
+#include "ui/Dialogs.h"
 
 #include <QAction>
 #include <QApplication>

@@ -2,8 +2,8 @@
 
 #include "PriceBase.h"
 #include "ServerRasSettings_frame.h"
-#include "app/Dialogs.h"
-#include "app/SettingsStore.h"
+#include "ui/Dialogs.h"
+#include "storage/SettingsStore.h"
 
 #include <QAction>
 #include <QComboBox>

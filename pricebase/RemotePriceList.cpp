@@ -1,6 +1,6 @@
 #include "RemotePriceList.h"
 
-#include "app/SettingsStore.h"
+#include "storage/SettingsStore.h"
 #include "storage/TextValues.h"
 
 #include <QAtomicInt>

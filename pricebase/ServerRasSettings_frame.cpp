@@ -1,6 +1,6 @@
 #include "ServerRasSettings_frame.h"
 
-#include "app/Dialogs.h"
+#include "ui/Dialogs.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>

@@ -1,7 +1,7 @@
 // Where the data lives: the data-folder rule and the folder tree.
 
 #include "TestFolder.h"
-#include "app/DataFolder.h"
+#include "storage/DataFolder.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,8 +1,8 @@
 // IniFile.db: typed values with defaults, kept across reopening.
 
 #include "TestFolder.h"
-#include "app/MainSettings.h"
-#include "app/SettingsStore.h"
+#include "storage/MainSettings.h"
+#include "storage/SettingsStore.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "customers/ContractorRegister.h"
-#include "app/SettingsStore.h"
+#include "storage/SettingsStore.h"
 #include "storage/ModuleSQL.h"
 
 #include "TestFolder.h"

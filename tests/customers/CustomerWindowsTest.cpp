@@ -1,6 +1,6 @@
 // The register windows driven as the user does: clicks, typed fields, scripted answers.
 
-#include "app/SettingsStore.h"
+#include "storage/SettingsStore.h"
 #include "customers/PodryadList_frame.h"
 #include "customers/RequisitesForm.h"
 #include "customers/ZakazAndObject_frame.h"

@@ -4,8 +4,8 @@
 #include "EngineFixture.h"
 #include "OfficeFiles.h"
 
-#include "app/DataFolder.h"
-#include "office/EstimateExport.h"
+#include "storage/DataFolder.h"
+#include "estimate/EstimateExport.h"
 #include "office/OfficeTemplates.h"
 #include "storage/ModuleSQL.h"
 

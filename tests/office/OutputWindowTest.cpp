@@ -4,8 +4,8 @@
 #include "OfficeFiles.h"
 
 #include "MainWindowFixture.h"
-#include "app/SettingsStore.h"
-#include "office/EditFromAktSmeta_frame.h"
+#include "storage/SettingsStore.h"
+#include "estimate/EditFromAktSmeta_frame.h"
 #include "office/FCustomPreview_frame.h"
 #include "office/OfficeEngine.h"
 

@@ -4,7 +4,7 @@
 
 #include "MainWindowFixture.h"
 #include "PriceTestData.h"
-#include "app/Dialogs.h"
+#include "ui/Dialogs.h"
 #include "estimate/EstimateEditor.h"
 #include "pricebase/CalcDocKolvo_frame.h"
 #include "pricebase/LiveSearchList.h"

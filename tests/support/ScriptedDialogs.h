@@ -1,7 +1,7 @@
 #pragma once
 // Dialogs for tests: answers come from a queue, and every caption and text shown is recorded.
 
-#include "app/Dialogs.h"
+#include "ui/Dialogs.h"
 
 #include <QQueue>
 #include <QStringList>

@@ -1,7 +1,7 @@
 #pragma once
 // The estimate of a document file rendered without a window (virn-smeta --export FILE.sim OUT.pdf).
 
-#include "office/EstimatePrint.h"
+#include "estimate/EstimatePrint.h"
 
 #include <QString>
 

@@ -3,10 +3,10 @@
 // the sheet's headings; the estimate fills its header, its rows with sections, subsections and their
 // totals, the materials, the coefficient lines, the totals and the amount in words.
 
-#include "office/EstimatePrint.h"
+#include "estimate/EstimatePrint.h"
 #include "office/SheetTemplate.h"
 #include "office/TemplateFile.h"
-#include "office/ViewTitles.h"
+#include "estimate/ViewTitles.h"
 
 #include <QString>
 

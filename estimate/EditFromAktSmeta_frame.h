@@ -1,7 +1,7 @@
 #pragma once
 // TEditFromAktSmeta: the small dialog of the printed sheets' titles (section View of the settings).
 
-#include "office/ViewTitles.h"
+#include "estimate/ViewTitles.h"
 
 #include <QDialog>
 

@@ -5,7 +5,7 @@
 // Requisite, RequisiteZak of the working database), so that a document keeps its parties even when it is
 // opened where the register does not know them.
 
-#include "Records.h"
+#include "customers/Records.h"
 
 #include <QDate>
 #include <QList>

@@ -1,10 +1,10 @@
 // What the estimate's output gives its templates, and the sheet titles dialog; no engine needed.
 
-#include "office/EstimateOutput.h"
-#include "office/EditFromAktSmeta_frame.h"
+#include "estimate/EstimateOutput.h"
+#include "estimate/EditFromAktSmeta_frame.h"
 #include "office/TemplateNames.h"
 
-#include "app/SettingsStore.h"
+#include "storage/SettingsStore.h"
 
 #include "TestFolder.h"
 

@@ -1,6 +1,6 @@
 #include "ViewTitles.h"
 
-#include "app/SettingsStore.h"
+#include "storage/SettingsStore.h"
 
 const QString ViewTitles::section = QStringLiteral("View");
 

@@ -1,7 +1,7 @@
 #include "EstimateHeader.h"
 
-#include "ContractorRegister.h"
-#include "CustomerRegister.h"
+#include "customers/ContractorRegister.h"
+#include "customers/CustomerRegister.h"
 #include "estimate/EstimateStore.h"
 #include "storage/TextValues.h"
 

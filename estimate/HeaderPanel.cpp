@@ -1,7 +1,7 @@
 #include "HeaderPanel.h"
 
-#include "ContractorRegister.h"
-#include "CustomerRegister.h"
+#include "customers/ContractorRegister.h"
+#include "customers/CustomerRegister.h"
 
 #include <QComboBox>
 #include <QDateEdit>
