@@ -1,10 +1,11 @@
 #include "Startup.h"
 
-#include "storage/DataFolder.h"
-#include "ui/Dialogs.h"
 #include "TForm1.h"
+#include "estimate/EstimateDocument.h"
 #include "estimate/EstimateExport.h"
+#include "storage/DataFolder.h"
 #include "storage/ModuleSQL.h"
+#include "ui/Dialogs.h"
 
 #include <QApplication>
 #include <QDir>
@@ -112,7 +113,7 @@ int virnMain(int argc, char **argv) {
         QTimer::singleShot(300, &window, [&window, screenshot] {
             const bool ok = window.grab().save(screenshot);
             err() << (ok ? "screenshot: " : "screenshot failed: ") << screenshot << Qt::endl;
-            window.DisableSave();
+            window.document().setChanged(false);
             QApplication::exit(ok ? 0 : 1);
         });
     }

@@ -1,40 +1,35 @@
 #include "TForm1.h"
 
+#include "estimate/DocumentFilePart.h"
+#include "estimate/EstimateDocument.h"
 #include "storage/DataFolder.h"
-#include "ui/Dialogs.h"
-#include "storage/SettingsStore.h"
-#include "estimate/TwoRowHeader.h"
-#include "estimate/CrewGrid.h"
-#include "estimate/EstimateGrid.h"
+#include "storage/MainSettings.h"
 #include "storage/ModuleSQL.h"
+#include "storage/SettingsStore.h"
+#include "ui/Dialogs.h"
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QComboBox>
 #include <QDir>
 #include <QGuiApplication>
-#include <QHBoxLayout>
-#include <QHeaderView>
-#include <QLabel>
-#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
 #include <QSplitter>
+#include <QStatusBar>
 #include <QTabWidget>
-#include <QTableView>
 #include <QToolBar>
 #include <QVBoxLayout>
 
-TForm1::TForm1(const QStringList &arguments, QWidget *parent) : QMainWindow(parent) {
+TForm1::TForm1(const QStringList &arguments, QWidget *parent)
+    : QMainWindow(parent), m_settings(std::make_unique<MainSettings>()) {
     setObjectName(QStringLiteral("Form1"));
     setWindowTitle(QStringLiteral("Вирн-Смета"));
 
-    // 1. The data folder, and a second copy of it.
+    // 1. The data folder.
     const DataFolder::Decision d =
         DataFolder::decide(arguments, DataFolder::storedFolder(), QDir::currentPath());
     m_dataFolder = d.folder;
-    m_dataFolderCopy = d.folder;
     m_startupDocument = d.documentFile;
 
     // 2. The whole screen; larger tool icons on wide screens.
@@ -49,211 +44,220 @@ TForm1::TForm1(const QStringList &arguments, QWidget *parent) : QMainWindow(pare
     // 4. The folder tree.
     m_startupError = DataFolder::ensureTree(m_dataFolder);
 
-    m_gridDoc = new EstimateGrid(this);
-    m_gridBrig = new CrewGrid(this);
-    buildActions();
+    m_document = new EstimateDocument(this);
     buildMenus();
     buildCentral();
-    // 5. Grid set-up.
-    setupGrids();
-
-    // 8. File dialogs start in the documents folder.
-    m_openDir = QDir(m_dataFolder).filePath(QStringLiteral("Sm"));
-    m_saveDir = m_openDir;
-
-    setupFile();
-    setupEditor();
-    setupPrice();
-    setupHeader();
-    setupOutput();
-    DisableSave();
+    m_parts = makeShellParts(this);
+    for (ShellPart *part : m_parts)
+        part->attach(*this);
 }
 
-TForm1::~TForm1() = default;
-
-void TForm1::buildActions() {
-    auto make = [this](const QString &name, const QString &text, const QKeySequence &key = {}) {
-        auto *a = new QAction(text, this);
-        a->setObjectName(name);
-        if (!key.isEmpty())
-            a->setShortcut(key);
-        return a;
-    };
-    spdNew = make(QStringLiteral("spdNew"), QStringLiteral("Новый документ"), QKeySequence::New);
-    spdOpen = make(QStringLiteral("spdOpen"), QStringLiteral("Открыть..."), QKeySequence::Open);
-    spdSave = make(QStringLiteral("spdSave"), QStringLiteral("Сохранить"), QKeySequence::Save);
-    MSaveFile = make(QStringLiteral("МSaveFile"), QStringLiteral("Сохранить"));
-    spdSaveKak = make(QStringLiteral("spdSaveKak"), QStringLiteral("Сохранить как..."), QKeySequence::SaveAs);
-    MExit = make(QStringLiteral("MExit"), QStringLiteral("Выход"), QKeySequence(Qt::CTRL | Qt::Key_Q));
-    spdNew->setIcon(style()->standardIcon(QStyle::SP_FileIcon));
-    spdOpen->setIcon(style()->standardIcon(QStyle::SP_DialogOpenButton));
-    spdSave->setIcon(style()->standardIcon(QStyle::SP_DialogSaveButton));
-    MSaveFile->setIcon(spdSave->icon());
-    spdSave->setToolTip(QStringLiteral("Сохранить (Ctrl+S)"));
-    connect(MExit, &QAction::triggered, this, &QWidget::close);
+TForm1::~TForm1() {
+    // The views and panels show the parts' and the document's models: they go first, then the parts,
+    // then the document.
+    delete takeCentralWidget();
+    for (ShellPart *part : m_parts)
+        delete part;
+    m_parts.clear();
 }
 
 void TForm1::buildMenus() {
-    MenuFile = menuBar()->addMenu(QStringLiteral("&Файл"));
-    MenuFile->setObjectName(QStringLiteral("MenuFile"));
-    MenuFile->addAction(spdNew);
-    MenuFile->addAction(spdOpen);
-    MLastDoc = MenuFile->addMenu(QStringLiteral("Последние документы"));
-    MLastDoc->setObjectName(QStringLiteral("MLastDoc"));
-    MenuFile->addSeparator();
-    MenuFile->addAction(MSaveFile);
-    MenuFile->addAction(spdSaveKak);
-    MenuFile->addSeparator();
-    MenuFile->addAction(MExit);
-
-    MenuEdit = menuBar()->addMenu(QStringLiteral("&Правка"));
-    MenuEdit->setObjectName(QStringLiteral("MenuEdit"));
-    MenuDocument = menuBar()->addMenu(QStringLiteral("&Документ"));
-    MenuDocument->setObjectName(QStringLiteral("MenuDocument"));
-    MenuOptions = menuBar()->addMenu(QStringLiteral("&Настройки"));
-    MenuOptions->setObjectName(QStringLiteral("MenuOptions"));
-    MenuHelp = menuBar()->addMenu(QStringLiteral("&Справка"));
-    MenuHelp->setObjectName(QStringLiteral("MenuHelp"));
-    QAction *about = MenuHelp->addAction(QStringLiteral("О программе"));
+    auto addMenu = [this](const char *name, const QString &title) {
+        QMenu *m = menuBar()->addMenu(title);
+        m->setObjectName(QLatin1String(name));
+        m_menus << m;
+        return m;
+    };
+    QMenu *file = addMenu("MenuFile", QStringLiteral("&Файл"));
+    addMenu("MenuEdit", QStringLiteral("&Правка"));
+    addMenu("MenuDocument", QStringLiteral("&Документ"));
+    addMenu("MenuOptions", QStringLiteral("&Настройки"));
+    QMenu *help = addMenu("MenuHelp", QStringLiteral("&Справка"));
+    auto *exit = new QAction(QStringLiteral("Выход"), this);
+    exit->setObjectName(QStringLiteral("MExit"));
+    exit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    connect(exit, &QAction::triggered, this, &QWidget::close);
+    file->addAction(exit);
+    QAction *about = help->addAction(QStringLiteral("О программе"));
     connect(about, &QAction::triggered, this, [this] {
-        dialogs().tell(QStringLiteral("О программе"),
-                       QStringLiteral("Вирн-Смета\nСметы на строительные и ремонтные работы.\nПапка данных: %1")
-                           .arg(QDir::toNativeSeparators(m_dataFolder)));
+        dialogs().tell(
+            QStringLiteral("О программе"),
+            QStringLiteral("Вирн-Смета\nСметы на строительные и ремонтные работы.\nПапка данных: %1")
+                .arg(QDir::toNativeSeparators(m_dataFolder)));
     });
 
-    ToolBarMain = addToolBar(QStringLiteral("Файл"));
-    ToolBarMain->setObjectName(QStringLiteral("ToolBarMain"));
-    ToolBarMain->addAction(spdNew);
-    ToolBarMain->addAction(spdOpen);
-    ToolBarMain->addAction(spdSave);
-    ToolBarDoc = addToolBar(QStringLiteral("Смета"));
-    ToolBarDoc->setObjectName(QStringLiteral("ToolBarDoc"));
+    m_mainBar = addToolBar(QStringLiteral("Файл"));
+    m_mainBar->setObjectName(QStringLiteral("ToolBarMain"));
+    m_docBar = addToolBar(QStringLiteral("Смета"));
+    m_docBar->setObjectName(QStringLiteral("ToolBarDoc"));
 }
 
 void TForm1::buildCentral() {
-    SplitterMain = new QSplitter(Qt::Horizontal, this);
-    SplitterMain->setObjectName(QStringLiteral("SplitterMain"));
-
-    PanelRas = new QWidget(SplitterMain);
-    PanelRas->setObjectName(QStringLiteral("PanelRas"));
-    new QVBoxLayout(PanelRas);
-    PanelRas->layout()->setContentsMargins(0, 0, 0, 0);
-
-    auto *right = new QWidget(SplitterMain);
+    m_splitter = new QSplitter(Qt::Horizontal, this);
+    m_splitter->setObjectName(QStringLiteral("SplitterMain"));
+    auto panel = [](const char *name, QWidget *parent) {
+        auto *w = new QWidget(parent);
+        w->setObjectName(QLatin1String(name));
+        auto *layout = new QVBoxLayout(w);
+        layout->setContentsMargins(0, 0, 0, 0);
+        return w;
+    };
+    m_left = panel("PanelRas", m_splitter);
+    auto *right = new QWidget(m_splitter);
     auto *rightLayout = new QVBoxLayout(right);
     rightLayout->setContentsMargins(0, 0, 0, 0);
-    PanelHeader = new QWidget(right);
-    PanelHeader->setObjectName(QStringLiteral("PanelHeader"));
-    new QVBoxLayout(PanelHeader);
-    PanelHeader->layout()->setContentsMargins(0, 0, 0, 0);
-    rightLayout->addWidget(PanelHeader);
-
-    PageControlDoc = new QTabWidget(right);
-    PageControlDoc->setObjectName(QStringLiteral("PageControlDoc"));
-    rightLayout->addWidget(PageControlDoc, 1);
-
-    TabSheet1 = new QWidget;
-    TabSheet1->setObjectName(QStringLiteral("TabSheet1"));
-    auto *docLayout = new QVBoxLayout(TabSheet1);
-    docLayout->setContentsMargins(2, 2, 2, 2);
-    StringGridDoc = new QTableView(TabSheet1);
-    StringGridDoc->setObjectName(QStringLiteral("StringGridDoc"));
-    docLayout->addWidget(StringGridDoc, 1);
-    PanelKoef = new QWidget(TabSheet1);
-    PanelKoef->setObjectName(QStringLiteral("PanelKoef"));
-    new QVBoxLayout(PanelKoef);
-    PanelKoef->layout()->setContentsMargins(0, 0, 0, 0);
-    docLayout->addWidget(PanelKoef);
-
-    PanelTotals = new QWidget(TabSheet1);
-    PanelTotals->setObjectName(QStringLiteral("PanelTotals"));
-    auto *totals = new QHBoxLayout(PanelTotals);
-    totals->setContentsMargins(0, 0, 0, 0);
-    auto addTotal = [&](const QString &name, const QString &label) {
-        totals->addWidget(new QLabel(label, PanelTotals));
-        auto *e = new QLineEdit(QStringLiteral("0,00"), PanelTotals);
-        e->setObjectName(name);
-        e->setReadOnly(true);
-        e->setAlignment(Qt::AlignRight);
-        e->setMaximumWidth(160);
-        totals->addWidget(e);
-        return e;
-    };
-    Edit6 = addTotal(QStringLiteral("Edit6"), QStringLiteral("Работы:"));
-    Edit4 = addTotal(QStringLiteral("Edit4"), QStringLiteral("Материалы:"));
-    Edit5 = addTotal(QStringLiteral("Edit5"), QStringLiteral("Всего по смете:"));
-    totals->addStretch(1);
-    totals->addWidget(new QLabel(QStringLiteral("Валюта:"), PanelTotals));
-    EditValuta = new QComboBox(PanelTotals);
-    EditValuta->setObjectName(QStringLiteral("EditValuta"));
-    EditValuta->addItems({QStringLiteral("Рубль РФ"), QStringLiteral("Доллар США"), QStringLiteral("Гривна"),
-                          QStringLiteral("Белорусский рубль"), QStringLiteral("Тенге")});
-    totals->addWidget(EditValuta);
-    docLayout->addWidget(PanelTotals);
-    PageControlDoc->addTab(TabSheet1, QStringLiteral("Новый документ"));
-
-    TabSheetBrig = new QWidget;
-    TabSheetBrig->setObjectName(QStringLiteral("TabSheetBrig"));
-    auto *brigLayout = new QVBoxLayout(TabSheetBrig);
-    brigLayout->setContentsMargins(2, 2, 2, 2);
-    StringGridBrig = new QTableView(TabSheetBrig);
-    StringGridBrig->setObjectName(QStringLiteral("StringGridBrig"));
-    brigLayout->addWidget(StringGridBrig, 1);
-    PageControlDoc->addTab(TabSheetBrig, QStringLiteral("Для бригады"));
-
-    SplitterMain->addWidget(PanelRas);
-    SplitterMain->addWidget(right);
-    SplitterMain->setStretchFactor(0, 2);
-    SplitterMain->setStretchFactor(1, 3);
-    setCentralWidget(SplitterMain);
+    m_header = panel("PanelHeader", right);
+    rightLayout->addWidget(m_header);
+    m_pages = new QTabWidget(right);
+    m_pages->setObjectName(QStringLiteral("PageControlDoc"));
+    rightLayout->addWidget(m_pages, 1);
+    m_splitter->addWidget(m_left);
+    m_splitter->addWidget(right);
+    m_splitter->setStretchFactor(0, 2);
+    m_splitter->setStretchFactor(1, 3);
+    setCentralWidget(m_splitter);
 }
 
-void TForm1::setupGrids() {
-    auto *header = new TwoRowHeader(StringGridDoc);
-    header->setSpanned(EstimateCol::Machine, EstimateCol::Total);
-    StringGridDoc->setHorizontalHeader(header);
-    StringGridDoc->setModel(m_gridDoc);
-    StringGridDoc->setFont(QFont(QStringLiteral("Courier New")));
-    StringGridDoc->verticalHeader()->setDefaultSectionSize(21);
-    StringGridDoc->verticalHeader()->setVisible(false);
-    StringGridDoc->setSelectionBehavior(QAbstractItemView::SelectItems);
-    StringGridDoc->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
-                                   QAbstractItemView::AnyKeyPressed);
-    StringGridDoc->setWordWrap(false);
-    StringGridDoc->setColumnWidth(EstimateCol::Num, 40);
-    StringGridDoc->setColumnWidth(EstimateCol::Ras, 65);
-    StringGridDoc->setColumnWidth(EstimateCol::Name, 380);
-    StringGridDoc->setColumnWidth(EstimateCol::Unit, 70);
-    for (int c : {EstimateCol::Qty, EstimateCol::Price, EstimateCol::Material, EstimateCol::Labour, EstimateCol::Total})
-        StringGridDoc->setColumnWidth(c, 80);
-    StringGridDoc->setColumnWidth(EstimateCol::Sum, 100);
-    StringGridDoc->setColumnWidth(EstimateCol::Itogo, 100);
-    for (int c = EstimateCol::IdRas; c <= EstimateCol::Machine; ++c)
-        StringGridDoc->setColumnHidden(c, true);
-
-    StringGridBrig->setModel(m_gridBrig);
-    StringGridBrig->verticalHeader()->setVisible(false);
-    StringGridBrig->verticalHeader()->setDefaultSectionSize(21);
-    StringGridBrig->setColumnWidth(CrewCol::Name, 380);
-    StringGridBrig->setColumnHidden(CrewCol::IdRas, true);
-
-    connect(m_gridDoc, &EstimateGrid::contentChanged, this, &TForm1::EnableSave);
-    connect(m_gridBrig, &CrewGrid::cellEdited, this, &TForm1::EnableSave);
+QMenu *TForm1::menu(ShellMenu which) {
+    return m_menus.at(static_cast<int>(which));
 }
 
-bool TForm1::isChanged() const { return spdSave->isEnabled(); }
-
-void TForm1::EnableSave() {
-    spdSave->setEnabled(true);
-    MSaveFile->setEnabled(true);
-    if (spdServerSave)
-        spdServerSave->setEnabled(true);
-    emit saveEnabled();
+QToolBar *TForm1::toolBar(ShellBar which) {
+    return which == ShellBar::Main ? m_mainBar : m_docBar;
 }
 
-void TForm1::DisableSave() {
-    spdSave->setEnabled(false);
-    MSaveFile->setEnabled(false);
+QWidget *TForm1::area(ShellArea which) {
+    return which == ShellArea::Left ? m_left : m_header;
+}
+
+MainSettings &TForm1::settings() {
+    return *m_settings;
+}
+
+QList<ShellPart *> TForm1::parts() const {
+    return QList<ShellPart *>(m_parts.begin(), m_parts.end());
+}
+
+void TForm1::showStatus(const QString &text, int milliseconds) {
+    statusBar()->showMessage(text, milliseconds);
+}
+
+QAction *TForm1::addOption(QMenu *menu, const QString &key, const QString &caption) {
+    auto *a = new QAction(caption, this);
+    a->setObjectName(key);
+    a->setCheckable(true);
+    a->setChecked(m_settings->flag(key));
+    connect(a, &QAction::toggled, this, [this, key](bool on) { m_settings->setFlag(key, on); });
+    menu->addAction(a);
+    return a;
+}
+
+DocumentFilePart *TForm1::filePart() const {
+    return part<DocumentFilePart>();
+}
+
+bool TForm1::isChanged() const {
+    return m_document->isChanged();
+}
+
+void TForm1::CreateNewDoc(bool draft) {
+    filePart()->CreateNewDoc(draft);
+}
+bool TForm1::spdSaveClick() {
+    return filePart()->spdSaveClick();
+}
+bool TForm1::spdSaveKakClick() {
+    return filePart()->spdSaveKakClick();
+}
+bool TForm1::OpenMyFile(const QString &fileName) {
+    return filePart()->OpenMyFile(fileName);
+}
+
+void TForm1::attachModule(TModuleSQL *module) {
+    m_module = module;
+    m_module->setFailureHandler([this](Db, const QString &text) { reportDatabaseFailure(text); });
+}
+
+void TForm1::reportDatabaseFailure(const QString &text) {
+    if (!m_closing)
+        dialogs().tell(Captions::error, text, Dialogs::Icon::Error);
+}
+
+void TForm1::FormShow() {
+    m_settingsStore =
+        std::make_unique<SettingsStore>(QDir(m_dataFolder).filePath(QStringLiteral("IniFile.db")));
+    if (!m_settingsStore->isOpen())
+        dialogs().tell(
+            Captions::error,
+            QStringLiteral("Не удалось открыть файл настроек «%1»: %2. Настройки не будут сохранены.")
+                .arg(QDir::toNativeSeparators(m_settingsStore->filePath()), m_settingsStore->error()),
+            Dialogs::Icon::Error);
+    m_settings->read(*m_settingsStore);
+    m_settings->set(QStringLiteral("Path"), m_dataFolder);
+    // A start without a document remembers the folder, so that opening a file from the file manager
+    // finds the same data.
+    if (m_startupDocument.isEmpty())
+        DataFolder::storeFolder(m_dataFolder);
+    applySettings();
+
+    // The working database is created and completed with its tables on first use.
+    m_module->database(Db::Smeta);
+    m_document->attach(m_module, m_settings.get(), m_settingsStore.get());
+    connect(m_document, &EstimateDocument::loaded, this, [this] {
+        for (ShellPart *part : m_parts)
+            part->documentLoaded();
+    });
+    for (ShellPart *part : m_parts)
+        part->start();
+
+    DocumentFilePart *file = filePart();
+    if (!m_startupDocument.isEmpty())
+        file->OpenMyFile(m_startupDocument);
+    else if (m_settings->flag(QStringLiteral("CheckBoxLoadLastDoc")))
+        file->OpenLastDoc(); // the newest recent document, if it still exists
+    if (m_document->fileName().isEmpty())
+        file->CreateNewDoc();
+    m_document->setChanged(false);
+}
+
+void TForm1::applySettings() {
+    for (QAction *a : findChildren<QAction *>()) {
+        if (a->isCheckable() && !a->objectName().isEmpty() &&
+            !MainSettings::sectionOf(a->objectName()).isEmpty())
+            a->setChecked(m_settings->flag(a->objectName()));
+    }
+    const int left = m_settings->integer(QStringLiteral("PanelRasLeft"), 0);
+    const int right = m_settings->integer(QStringLiteral("PanelRasRight"), 0);
+    if (left > 0 && right > 0)
+        m_splitter->setSizes({left, right});
+}
+
+void TForm1::collectSettings() {
+    for (QAction *a : findChildren<QAction *>()) {
+        if (a->isCheckable() && !a->objectName().isEmpty() &&
+            !MainSettings::sectionOf(a->objectName()).isEmpty())
+            m_settings->setFlag(a->objectName(), a->isChecked());
+    }
+    const QList<int> sizes = m_splitter->sizes();
+    if (sizes.size() == 2 && sizes[0] > 0 && sizes[1] > 0) {
+        m_settings->setInteger(QStringLiteral("PanelRasLeft"), sizes[0]);
+        m_settings->setInteger(QStringLiteral("PanelRasRight"), sizes[1]);
+    }
+    for (ShellPart *part : m_parts)
+        part->collectSettings();
+}
+
+bool TForm1::FormCloseQuery() {
+    for (ShellPart *part : m_parts)
+        if (!part->settleBeforeClose())
+            return false;
+    if (!filePart()->askSaveChanges())
+        return false; // cancelled, or the save failed: keep the window and the edits
+    m_closing = true;
+    collectSettings();
+    if (m_settingsStore)
+        m_settings->write(*m_settingsStore);
+    return true;
 }
 
 void TForm1::closeEvent(QCloseEvent *event) {

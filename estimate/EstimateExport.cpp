@@ -2,12 +2,7 @@
 
 #include "storage/DataFolder.h"
 #include "storage/SettingsStore.h"
-#include "estimate/EstimateHeader.h"
-#include "estimate/CrewGrid.h"
-#include "estimate/DocumentFile.h"
-#include "estimate/EstimateEditor.h"
-#include "estimate/EstimateGrid.h"
-#include "estimate/EstimateStore.h"
+#include "estimate/EstimateDocument.h"
 #include "estimate/EstimateOutput.h"
 #include "office/OfficeEngine.h"
 #include "office/OfficeTemplates.h"
@@ -36,36 +31,15 @@ bool load(const QString &documentPath, EstimatePrint *print, QString *error) {
         return false;
     }
     TModuleSQL module(work.path());
-    const QString opened = DocumentFile::open(module, documentPath);
-    if (!opened.isEmpty()) {
-        *error = opened;
-        return false;
-    }
     {
-        QSqlDatabase db = module.database(Db::Smeta);
-        EstimateGrid grid;
-        CrewGrid crew;
-        if (!EstimateStore::readSmeta(db, grid, crew, error))
+        EstimateDocument document;
+        document.attach(&module, nullptr, nullptr);
+        const EstimateDocument::Result r = document.open(documentPath);
+        if (!r) {
+            *error = r.error;
             return false;
-        EstimateEditor editor(&grid, &crew, [&module](Db which) { return module.database(which); });
-        editor.reset();
-
-        const EstimateHeader::Values v =
-            EstimateHeader::fromParameters(EstimateStore::readParameters(db), EstimateHeader::Values());
-        print->title = v.title;
-        print->customer = v.customer;
-        print->object = v.object;
-        print->contractor = v.contractor;
-        print->nameOfWorks = v.nameWork;
-        print->number = v.numberWord.trimmed().isEmpty()
-                            ? QString::number(v.number)
-                            : v.numberWord.trimmed() + u'-' + QString::number(v.number);
-        print->date = v.date;
-        print->currency = v.currency;
-        const Fields requisites = EstimateHeader::contractorRequisitesCopy(db);
-        print->contractorAddress = requisites.value(QStringLiteral("adres"));
-        EstimatePrintBuilder::fillBody(*print, editor, db);
-        print->act = EstimatePrintBuilder::readAct(db);
+        }
+        *print = document.print();
     }
     module.closeAll();
     return true;

@@ -21,18 +21,18 @@ TEST_F(MainWindowTest, StartInAnEmptyFolderCreatesTheTreeAndTheWorkingDatabase) 
     ASSERT_TRUE(q.next());
     EXPECT_EQ(q.value(0).toInt(), 16);
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Вирн-Смета"));
-    EXPECT_EQ(window->PageControlDoc->tabText(0), QStringLiteral("Новый документ"));
-    EXPECT_EQ(window->PageControlDoc->tabText(1), QStringLiteral("Для бригады"));
-    EXPECT_EQ(window->gridDoc()->gridRowCount(), 3);
+    EXPECT_EQ(child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))->tabText(0), QStringLiteral("Новый документ"));
+    EXPECT_EQ(child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))->tabText(1), QStringLiteral("Для бригады"));
+    EXPECT_EQ((&window->document().grid())->gridRowCount(), 3);
     EXPECT_FALSE(window->isChanged());
 }
 
 TEST_F(MainWindowTest, AnEditEnablesSave) {
-    EXPECT_FALSE(window->spdSave->isEnabled());
+    EXPECT_FALSE(child<QAction>(window.get(), QStringLiteral("spdSave"))->isEnabled());
     edit();
-    EXPECT_TRUE(window->spdSave->isEnabled());
-    EXPECT_TRUE(window->MSaveFile->isEnabled());
-    EXPECT_EQ(window->MSaveFile->objectName(), QStringLiteral("МSaveFile"));
+    EXPECT_TRUE(child<QAction>(window.get(), QStringLiteral("spdSave"))->isEnabled());
+    EXPECT_TRUE(child<QAction>(window.get(), QStringLiteral("МSaveFile"))->isEnabled());
+    EXPECT_EQ(child<QAction>(window.get(), QStringLiteral("МSaveFile"))->objectName(), QStringLiteral("МSaveFile"));
 }
 
 TEST_F(MainWindowTest, ClosingWithoutChangesAsksNothing) {
@@ -48,7 +48,7 @@ TEST_F(MainWindowTest, CancelKeepsTheWindowAndTheEdit) {
     EXPECT_EQ(dialogs->shown().first().caption, QStringLiteral("Данные изменялись"));
     EXPECT_EQ(dialogs->shown().first().text, QStringLiteral("Сохранить файл?"));
     EXPECT_TRUE(window->isChanged());
-    EXPECT_EQ(window->gridDoc()->cell(2, EstimateCol::Name), QStringLiteral("Окраска"));
+    EXPECT_EQ((&window->document().grid())->cell(2, EstimateCol::Name), QStringLiteral("Окраска"));
 }
 
 TEST_F(MainWindowTest, NoClosesWithoutSavingAndWritesSettings) {

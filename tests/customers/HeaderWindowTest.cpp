@@ -21,6 +21,7 @@
 #include <QSpinBox>
 #include <QTest>
 #include <QToolButton>
+#include "Widgets.h"
 #include <gtest/gtest.h>
 
 namespace {
@@ -53,8 +54,8 @@ protected:
 } // namespace
 
 TEST_F(HeaderWindowTest, ACustomerAddedInTheWindowAppearsInTheHeader) {
-    EXPECT_TRUE(items(window->ComboBoxZakaz).isEmpty());
-    window->MZakazAndObject->trigger();
+    EXPECT_TRUE(items(child<QComboBox>(window.get(), QStringLiteral("ComboBoxZakaz"))).isEmpty());
+    child<QAction>(window.get(), QStringLiteral("MZakazAndObject"))->trigger();
     auto *zakaz = window->findChild<TZakazAndObject *>();
     ASSERT_NE(zakaz, nullptr);
     ASSERT_TRUE(zakaz->isVisible());
@@ -63,18 +64,18 @@ TEST_F(HeaderWindowTest, ACustomerAddedInTheWindowAppearsInTheHeader) {
     QTest::mouseClick(zakaz->spdAddCustomer, Qt::LeftButton);
     dialogs->queueInput("Офис");
     QTest::mouseClick(zakaz->spdAddObject, Qt::LeftButton);
-    EXPECT_EQ(items(window->ComboBoxZakaz), QStringList{"ООО \"Ромашка\""});
+    EXPECT_EQ(items(child<QComboBox>(window.get(), QStringLiteral("ComboBoxZakaz"))), QStringList{"ООО \"Ромашка\""});
 
     EXPECT_FALSE(window->isChanged());
-    window->ComboBoxZakaz->setFocus();
-    QTest::keyClick(window->ComboBoxZakaz, Qt::Key_Down);
-    EXPECT_EQ(window->currentCustomer(), "ООО \"Ромашка\"");
-    EXPECT_EQ(items(window->ComboBoxObject), (QStringList{"Склад №2", "Офис"}));
-    EXPECT_EQ(window->currentObject(), "Склад №2");
+    child<QComboBox>(window.get(), QStringLiteral("ComboBoxZakaz"))->setFocus();
+    QTest::keyClick(child<QComboBox>(window.get(), QStringLiteral("ComboBoxZakaz")), Qt::Key_Down);
+    EXPECT_EQ(window->document().header().customer, "ООО \"Ромашка\"");
+    EXPECT_EQ(items(child<QComboBox>(window.get(), QStringLiteral("ComboBoxObject"))), (QStringList{"Склад №2", "Офис"}));
+    EXPECT_EQ(window->document().header().object, "Склад №2");
     EXPECT_TRUE(window->isChanged()) << "choosing a customer changes the document";
 
-    window->DisableSave();
-    pick(window->ComboBoxObject, "Офис");
+    window->document().setChanged(false);
+    pick(child<QComboBox>(window.get(), QStringLiteral("ComboBoxObject")), "Офис");
     EXPECT_TRUE(window->isChanged()) << "choosing an object changes the document";
     EXPECT_EQ(window->settings().text("Customer"), "ООО \"Ромашка\"");
     EXPECT_EQ(window->settings().text("Object"), "Офис");
@@ -83,17 +84,17 @@ TEST_F(HeaderWindowTest, ACustomerAddedInTheWindowAppearsInTheHeader) {
     zakaz->chooseCustomer("ООО \"Ромашка\"", "Офис");
     dialogs->queueInput("Офис 2");
     QTest::mouseClick(zakaz->spdEditObject, Qt::LeftButton);
-    EXPECT_EQ(items(window->ComboBoxObject), (QStringList{"Склад №2", "Офис 2"}));
+    EXPECT_EQ(items(child<QComboBox>(window.get(), QStringLiteral("ComboBoxObject"))), (QStringList{"Склад №2", "Офис 2"}));
 
     // The contractor window feeds the contractor list, short names in table order.
-    window->MPodryad->trigger();
+    child<QAction>(window.get(), QStringLiteral("MPodryad"))->trigger();
     auto *podryad = window->findChild<TPodryadList *>();
     ASSERT_NE(podryad, nullptr);
     dialogs->queueInput("Мастер");
     QTest::mouseClick(podryad->btnAdd, Qt::LeftButton);
     dialogs->queueInput("ИП Соболев");
     QTest::mouseClick(podryad->btnAdd, Qt::LeftButton);
-    EXPECT_EQ(items(window->ComboBoxPodryad), (QStringList{"Мастер", "ИП Соболев"}));
+    EXPECT_EQ(items(child<QComboBox>(window.get(), QStringLiteral("ComboBoxPodryad"))), (QStringList{"Мастер", "ИП Соболев"}));
     EXPECT_EQ(dialogs->pendingAnswers(), 0);
 }
 
@@ -112,16 +113,16 @@ TEST_F(HeaderWindowTest, TheHeaderIsSavedAndRestoredWithTheDocument) {
     ASSERT_EQ(
         contractors.save({{"id", id}, {"shotname", "ИП Соболев"}}, {{"inn", "7604"}, {"note", "ИНН 7604"}}),
         RegisterStatus::Ok);
-    window->reloadHeaderLists();
+    window->part<HeaderPart>()->reloadLists();
 
-    pick(window->ComboBoxZakaz, "ООО \"Ромашка\"");
-    pick(window->ComboBoxPodryad, "ИП Соболев");
-    window->NumericSmeta->setValue(12);
-    window->NumericSmetaWord->setText("А");
-    window->EditNameWork->setText("Ремонт \"под ключ\"");
-    window->ComboBoxShablon->setCurrentText("Коммерческое предложение");
-    window->DateSmeta->setDate(QDate(2025, 3, 16));
-    window->EditValuta->setCurrentIndex(2);
+    pick(child<QComboBox>(window.get(), QStringLiteral("ComboBoxZakaz")), "ООО \"Ромашка\"");
+    pick(child<QComboBox>(window.get(), QStringLiteral("ComboBoxPodryad")), "ИП Соболев");
+    child<QSpinBox>(window.get(), QStringLiteral("NumericSmeta"))->setValue(12);
+    child<QLineEdit>(window.get(), QStringLiteral("NumericSmetaWord"))->setText("А");
+    child<QLineEdit>(window.get(), QStringLiteral("EditNameWork"))->setText("Ремонт \"под ключ\"");
+    child<QComboBox>(window.get(), QStringLiteral("ComboBoxShablon"))->setCurrentText("Коммерческое предложение");
+    child<QDateEdit>(window.get(), QStringLiteral("DateSmeta"))->setDate(QDate(2025, 3, 16));
+    child<QComboBox>(window.get(), QStringLiteral("EditValuta"))->setCurrentIndex(2);
     const QString file = folder.file("Sm/Ромашка.sim");
     dialogs->queueFile(file);
     ASSERT_TRUE(window->spdSaveKakClick());
@@ -136,36 +137,36 @@ TEST_F(HeaderWindowTest, TheHeaderIsSavedAndRestoredWithTheDocument) {
 
     // A new document keeps the parties and starts afresh otherwise.
     window->CreateNewDoc();
-    EXPECT_EQ(window->currentCustomer(), "ООО \"Ромашка\"");
-    EXPECT_EQ(window->estimateNumber(), "1");
-    EXPECT_EQ(window->nameOfWorks(), "");
-    EXPECT_EQ(window->estimateDate(), QDate::currentDate());
-    pick(window->ComboBoxZakaz, "Петров");
-    EXPECT_EQ(window->currentObject(), "");
-    window->EditValuta->setCurrentIndex(0);
+    EXPECT_EQ(window->document().header().customer, "ООО \"Ромашка\"");
+    EXPECT_EQ(QString::number(window->document().header().number), "1");
+    EXPECT_EQ(window->document().header().nameWork, "");
+    EXPECT_EQ(window->document().header().date, QDate::currentDate());
+    pick(child<QComboBox>(window.get(), QStringLiteral("ComboBoxZakaz")), "Петров");
+    EXPECT_EQ(window->document().header().object, "");
+    child<QComboBox>(window.get(), QStringLiteral("EditValuta"))->setCurrentIndex(0);
 
     ASSERT_TRUE(window->OpenMyFile(file));
-    EXPECT_EQ(window->currentCustomer(), "ООО \"Ромашка\"");
-    EXPECT_EQ(window->currentObject(), "Офис");
-    EXPECT_EQ(window->currentContractor(), "ИП Соболев");
-    EXPECT_EQ(window->estimateNumber(), "12");
-    EXPECT_EQ(window->estimateNumberWord(), "А");
-    EXPECT_EQ(window->nameOfWorks(), "Ремонт \"под ключ\"");
-    EXPECT_EQ(window->estimateTitle(), "Коммерческое предложение");
-    EXPECT_EQ(window->estimateDate(), QDate(2025, 3, 16));
-    EXPECT_EQ(window->EditValuta->currentIndex(), 2);
+    EXPECT_EQ(window->document().header().customer, "ООО \"Ромашка\"");
+    EXPECT_EQ(window->document().header().object, "Офис");
+    EXPECT_EQ(window->document().header().contractor, "ИП Соболев");
+    EXPECT_EQ(QString::number(window->document().header().number), "12");
+    EXPECT_EQ(window->document().header().numberWord, "А");
+    EXPECT_EQ(window->document().header().nameWork, "Ремонт \"под ключ\"");
+    EXPECT_EQ(window->document().header().title, "Коммерческое предложение");
+    EXPECT_EQ(window->document().header().date, QDate(2025, 3, 16));
+    EXPECT_EQ(child<QComboBox>(window.get(), QStringLiteral("EditValuta"))->currentIndex(), 2);
     EXPECT_FALSE(window->isChanged());
-    EXPECT_EQ(window->customerData().requisites.value("inn"), "7701");
-    EXPECT_EQ(window->contractorData().requisites.value("inn"), "7604");
+    EXPECT_EQ(window->document().customerData().requisites.value("inn"), "7701");
+    EXPECT_EQ(window->document().contractorData().requisites.value("inn"), "7604");
     window->findChild<QAction *>("PodryadCheckBoxUridDan")->setChecked(true);
-    EXPECT_EQ(window->contractorForEstimate(), "ИП Соболев, ИНН 7604");
+    EXPECT_EQ(window->document().contractorForEstimate(), "ИП Соболев, ИНН 7604");
 
     // Opened where the register no longer knows the customer: the document's own copy answers.
     ASSERT_EQ(customers.deleteCustomer("ООО \"Ромашка\""), RegisterStatus::Ok);
-    window->reloadHeaderLists();
+    window->part<HeaderPart>()->reloadLists();
     ASSERT_TRUE(window->OpenMyFile(file));
-    EXPECT_EQ(window->currentCustomer(), "ООО \"Ромашка\"");
-    const CustomerData copy = window->customerData();
+    EXPECT_EQ(window->document().header().customer, "ООО \"Ромашка\"");
+    const CustomerData copy = window->document().customerData();
     EXPECT_TRUE(copy.found);
     EXPECT_EQ(copy.customer.value("phone"), "+7 900");
     EXPECT_EQ(copy.requisites.value("inn"), "7701");

@@ -14,6 +14,7 @@
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
+#include "Widgets.h"
 #include <gtest/gtest.h>
 
 namespace {
@@ -22,20 +23,20 @@ class DocumentWindowTest : public MainWindowFixture {
 protected:
     void SetUp() override {
         MainWindowFixture::SetUp();
-        window->CheckBossDir->setChecked(false);
+        child<QAction>(window.get(), QStringLiteral("CheckBossDir"))->setChecked(false);
     }
     void edit(const QString &text = "Окраска стен") { MainWindowFixture::edit(text); }
-    QString firstName() const { return window->gridDoc()->cell(EstimateGrid::kFixedRows, EstimateCol::Name); }
-    QString tab() const { return window->PageControlDoc->tabText(0); }
+    QString firstName() const { return (&window->document().grid())->cell(EstimateGrid::kFixedRows, EstimateCol::Name); }
+    QString tab() const { return child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))->tabText(0); }
 };
 
 TEST_F(DocumentWindowTest, CancelInTheSaveDialogLeavesTheDocumentUnsaved) {
     edit();
     dialogs->queueFile(QString());
     EXPECT_FALSE(window->spdSaveClick());
-    EXPECT_TRUE(window->spdSave->isEnabled());
+    EXPECT_TRUE(child<QAction>(window.get(), QStringLiteral("spdSave"))->isEnabled());
     EXPECT_TRUE(window->isChanged());
-    EXPECT_EQ(window->currentFile(), QString());
+    EXPECT_EQ(window->document().fileName(), QString());
     EXPECT_EQ(tab(), "Новый документ");
     EXPECT_EQ(dialogs->shown().last().kind, "saveFile");
     EXPECT_EQ(dialogs->shown().last().text, "Файлы Вирн-Смета 7-8 (*.sim)");
@@ -47,14 +48,14 @@ TEST_F(DocumentWindowTest, SaveAsRegistersAndListsTheFileAndOpenBringsItBack) {
     dialogs->queueFile(path); // typed without the extension
     ASSERT_TRUE(window->spdSaveClick());
     const QString saved = path + ".sim";
-    EXPECT_EQ(window->currentFile(), saved);
+    EXPECT_EQ(window->document().fileName(), saved);
     EXPECT_TRUE(QFile::exists(saved));
-    EXPECT_FALSE(window->spdSave->isEnabled());
-    EXPECT_FALSE(window->MSaveFile->isEnabled());
+    EXPECT_FALSE(child<QAction>(window.get(), QStringLiteral("spdSave"))->isEnabled());
+    EXPECT_FALSE(child<QAction>(window.get(), QStringLiteral("МSaveFile"))->isEnabled());
     EXPECT_EQ(tab(), "Кухня.sim");
-    EXPECT_EQ(window->xlsFileName(), folder.file("Sm/Кухня.xls"));
-    ASSERT_FALSE(window->MLastDoc->actions().isEmpty());
-    EXPECT_EQ(window->MLastDoc->actions().first()->data().toString(), saved);
+    EXPECT_EQ(window->document().xlsFileName(), folder.file("Sm/Кухня.xls"));
+    ASSERT_FALSE(child<QMenu>(window.get(), QStringLiteral("MLastDoc"))->actions().isEmpty());
+    EXPECT_EQ(child<QMenu>(window.get(), QStringLiteral("MLastDoc"))->actions().first()->data().toString(), saved);
     EXPECT_EQ(count(Db::MyDoc, "SELECT COUNT(*) FROM documents"), 1);
 
     // A second save asks nothing and updates the same register row.
@@ -68,7 +69,7 @@ TEST_F(DocumentWindowTest, SaveAsRegistersAndListsTheFileAndOpenBringsItBack) {
     ASSERT_TRUE(window->OpenMyFile(saved));
     EXPECT_EQ(firstName(), "Окраска потолка");
     EXPECT_FALSE(window->isChanged());
-    EXPECT_FALSE(window->isDraft());
+    EXPECT_FALSE(window->document().isDraft());
     EXPECT_EQ(tab(), "Кухня.sim");
     EXPECT_EQ(count(Db::People, "SELECT COUNT(*) FROM LastDoc"), 1);
 }
@@ -83,7 +84,7 @@ TEST_F(DocumentWindowTest, AFileThatIsNotADocumentLeavesTheEditsAndTheChangedFla
     // Through the tool button: the file is chosen, the unsaved edit is not saved ("No"), the open fails.
     dialogs->queueFile(junk);
     dialogs->queueAnswer(Dialogs::Answer::No);
-    window->spdOpen->trigger();
+    child<QAction>(window.get(), QStringLiteral("spdOpen"))->trigger();
     ASSERT_GE(dialogs->shown().size(), 3);
     EXPECT_EQ(dialogs->shown().at(0).kind, "openFile");
     EXPECT_TRUE(dialogs->shown().at(0).text.startsWith("Файлы Вирн-Смета 6-8 (*.sim,*.sme)"));
@@ -93,7 +94,7 @@ TEST_F(DocumentWindowTest, AFileThatIsNotADocumentLeavesTheEditsAndTheChangedFla
         << dialogs->lastText().toStdString();
     EXPECT_EQ(firstName(), "Несохранённая правка");
     EXPECT_TRUE(window->isChanged());
-    EXPECT_EQ(window->currentFile(), QString());
+    EXPECT_EQ(window->document().fileName(), QString());
     EXPECT_EQ(count(Db::People, "SELECT COUNT(*) FROM LastDoc"), 0);
 
     EXPECT_FALSE(window->OpenMyFile(folder.file("Sm/нет такого.sim")));
@@ -107,7 +108,7 @@ TEST_F(DocumentWindowTest, AFailedSaveKeepsTheChangesAndTheFormerName) {
     EXPECT_FALSE(window->spdSaveClick());
     EXPECT_TRUE(dialogs->lastText().contains("Смета.sim")) << dialogs->lastText().toStdString();
     EXPECT_TRUE(window->isChanged());
-    EXPECT_EQ(window->currentFile(), QString());
+    EXPECT_EQ(window->document().fileName(), QString());
     EXPECT_EQ(firstName(), "Окраска стен");
     // Nothing was registered for the file that was not written.
     EXPECT_EQ(count(Db::MyDoc, "SELECT COUNT(*) FROM documents"), 0);
@@ -115,9 +116,9 @@ TEST_F(DocumentWindowTest, AFailedSaveKeepsTheChangesAndTheFormerName) {
 }
 
 TEST_F(DocumentWindowTest, ANewDraftIsSavedToDraftsAndStaysADraft) {
-    window->spdNewDdaftClick();
+    window->part<DocumentFilePart>()->spdNewDdaftClick();
     EXPECT_EQ(tab(), "Новый черновик");
-    EXPECT_TRUE(window->isDraft());
+    EXPECT_TRUE(window->document().isDraft());
     edit();
     const QString path = folder.file("Sm/Drafts/Черновик 1.sim");
     dialogs->queueFile(path);
@@ -126,22 +127,22 @@ TEST_F(DocumentWindowTest, ANewDraftIsSavedToDraftsAndStaysADraft) {
     EXPECT_EQ(count(Db::MyDoc, "SELECT COUNT(*) FROM documents"), 0);
 
     window->CreateNewDoc();
-    EXPECT_FALSE(window->isDraft());
+    EXPECT_FALSE(window->document().isDraft());
     ASSERT_TRUE(window->OpenMyFile(path));
-    EXPECT_TRUE(window->isDraft());
+    EXPECT_TRUE(window->document().isDraft());
     edit("Другая работа");
     ASSERT_TRUE(window->spdSaveClick());
     EXPECT_EQ(count(Db::MyDoc, "SELECT COUNT(*) FROM drafts"), 1);
 }
 
 TEST_F(DocumentWindowTest, AnEditStartsAutosaveAndTheTickCopiesTheDocument) {
-    window->CheckBoxAutosave->setChecked(true);
-    EXPECT_FALSE(window->autosave()->TimerAutosave->isActive());
+    child<QAction>(window.get(), QStringLiteral("CheckBoxAutosave"))->setChecked(true);
+    EXPECT_FALSE((&window->document().autosave())->TimerAutosave->isActive());
     edit("Работа для автосохранения");
-    EXPECT_TRUE(window->autosave()->TimerAutosave->isActive());
-    EXPECT_EQ(window->autosave()->TimerAutosave->interval(), 180000);
-    window->TimerAutosaveTimer();
-    window->autosave()->waitForCopy();
+    EXPECT_TRUE((&window->document().autosave())->TimerAutosave->isActive());
+    EXPECT_EQ((&window->document().autosave())->TimerAutosave->interval(), 180000);
+    window->document().autosaveTick();
+    (&window->document().autosave())->waitForCopy();
     const QStringList copies = QDir(folder.file("Sm/Autosave")).entryList({"*.sim"}, QDir::Files);
     ASSERT_EQ(copies.size(), 1);
     EXPECT_TRUE(QRegularExpression("^\\d{4}-\\d\\d-\\d\\d  \\d\\d\\.\\d\\d Новый документ( №\\S+)?\\.sim$")
@@ -161,17 +162,17 @@ TEST_F(DocumentWindowTest, AnEditStartsAutosaveAndTheTickCopiesTheDocument) {
     }
     window->settings().set("AutosaveKeepDays", "3650");
     window->settings().set("AutosaveMaxCopies", "2");
-    window->autosave()->TimerDelAutosaveTimer->start(1);
+    (&window->document().autosave())->TimerDelAutosaveTimer->start(1);
     QTest::qWait(100);
     EXPECT_EQ(QDir(folder.file("Sm/Autosave")).entryList({"*.sim"}, QDir::Files).size(), 2);
 
     // A save stops the timer; with the option off an edit does not start it.
     dialogs->queueFile(folder.file("Sm/a.sim"));
     ASSERT_TRUE(window->spdSaveClick());
-    EXPECT_FALSE(window->autosave()->TimerAutosave->isActive());
-    window->CheckBoxAutosave->setChecked(false);
+    EXPECT_FALSE((&window->document().autosave())->TimerAutosave->isActive());
+    child<QAction>(window.get(), QStringLiteral("CheckBoxAutosave"))->setChecked(false);
     edit("ещё");
-    EXPECT_FALSE(window->autosave()->TimerAutosave->isActive());
+    EXPECT_FALSE((&window->document().autosave())->TimerAutosave->isActive());
 }
 
 TEST_F(DocumentWindowTest, ADocumentOpenInAnotherCopyIsOpenedOnlyAfterTheWarning) {
@@ -188,7 +189,7 @@ TEST_F(DocumentWindowTest, ADocumentOpenInAnotherCopyIsOpenedOnlyAfterTheWarning
     EXPECT_FALSE(window->OpenMyFile(path));
     EXPECT_EQ(dialogs->shown().last().kind, "ask");
     EXPECT_TRUE(dialogs->lastText().contains("уже открыт")) << dialogs->lastText().toStdString();
-    EXPECT_EQ(window->currentFile(), QString());
+    EXPECT_EQ(window->document().fileName(), QString());
     dialogs->queueAnswer(Dialogs::Answer::Yes);
     EXPECT_TRUE(window->OpenMyFile(path));
     EXPECT_EQ(firstName(), "Окраска стен");
@@ -205,16 +206,16 @@ TEST_F(DocumentWindowTest, RecentMenuOpensAndStartUpLoadsTheLastDocument) {
         dialogs->queueFile(paths.last());
         ASSERT_TRUE(window->spdSaveClick());
     }
-    const auto items = window->MLastDoc->actions();
+    const auto items = child<QMenu>(window.get(), QStringLiteral("MLastDoc"))->actions();
     ASSERT_EQ(items.size(), 2);
     EXPECT_EQ(items.at(0)->data().toString(), paths.at(1)); // newest first
     EXPECT_TRUE(items.at(0)->text().contains("&&")) << items.at(0)->text().toStdString();
     items.at(1)->trigger();
-    EXPECT_EQ(window->currentFile(), paths.at(0));
-    EXPECT_EQ(window->MLastDoc->actions().first()->data().toString(), paths.at(0));
+    EXPECT_EQ(window->document().fileName(), paths.at(0));
+    EXPECT_EQ(child<QMenu>(window.get(), QStringLiteral("MLastDoc"))->actions().first()->data().toString(), paths.at(0));
 
     // A new window with the start-up option opens the newest one.
-    window->CheckBoxLoadLastDoc->setChecked(true);
+    child<QAction>(window.get(), QStringLiteral("CheckBoxLoadLastDoc"))->setChecked(true);
     ASSERT_TRUE(window->FormCloseQuery());
     window.reset();
     module.reset();
@@ -222,16 +223,17 @@ TEST_F(DocumentWindowTest, RecentMenuOpensAndStartUpLoadsTheLastDocument) {
     module = std::make_unique<TModuleSQL>(window->dataFolder());
     window->attachModule(module.get());
     window->FormShow();
-    EXPECT_EQ(window->currentFile(), paths.at(0));
+    EXPECT_EQ(window->document().fileName(), paths.at(0));
     EXPECT_EQ(firstName(), "Sm/Первая.sim");
 }
 
 TEST_F(DocumentWindowTest, TheCustomerNamesTheFolderTheRegisterRowAndTheCounter) {
-    window->CheckBossDir->setChecked(true);
-    window->applyHeaderParameters({{"Customer", "ООО `Ромашка`"},
-                                   {"Object", "Кухня"},
-                                   {"NumericSmeta", "7"},
-                                   {"DateSmeta", "05.02.2025"}});
+    child<QAction>(window.get(), QStringLiteral("CheckBossDir"))->setChecked(true);
+    window->document().setHeader(EstimateHeader::fromParameters({{"Customer", "ООО `Ромашка`"},
+                                                                  {"Object", "Кухня"},
+                                                                  {"NumericSmeta", "7"},
+                                                                  {"DateSmeta", "05.02.2025"}},
+                                                                 window->document().header()));
     edit();
     const QString path = folder.file("Sm/Смета Ромашка.sim");
     dialogs->queueFile(path);

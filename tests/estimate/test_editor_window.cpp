@@ -33,9 +33,9 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
         view()->setFocus();
     }
-    QTableView *view() const { return window->StringGridDoc; }
-    EstimateEditor *editor() const { return window->editor(); }
-    EstimateGrid *grid() const { return window->gridDoc(); }
+    QTableView *view() const { return child<QTableView>(window.get(), QStringLiteral("StringGridDoc")); }
+    EstimateEditor *editor() const { return (&window->document().editor()); }
+    EstimateGrid *grid() const { return (&window->document().grid()); }
     QModelIndex at(int gridRow, int col) const {
         return grid()->index(EstimateGrid::toModelRow(gridRow), col);
     }
@@ -76,7 +76,7 @@ protected:
     void popupClick(const QString &text) {
         const QRect cell = view()->visualRect(view()->currentIndex());
         emit view()->customContextMenuRequested(cell.center());
-        QMenu *menu = window->PopupMenuDoc;
+        QMenu *menu = child<QMenu>(window.get(), QStringLiteral("PopupMenuDoc"));
         ASSERT_TRUE(menu->isVisible());
         QAction *item = nullptr;
         for (QAction *a : menu->actions())
@@ -137,10 +137,10 @@ TEST_F(EditorWindowTest, TwoSectionEstimateThroughThePopupMenuAndShortcuts) {
         "|Итого по смете|21600,00",
     };
     EXPECT_EQ(outline(), expected);
-    EXPECT_EQ(window->Edit6->text(), "21600,00");
-    EXPECT_EQ(window->Edit5->text(), "21600,00");
-    EXPECT_EQ(window->gridBrig()->gridRowCount(), grid()->gridRowCount() - 1);
-    EXPECT_EQ(window->gridBrig()->cell(7, CrewCol::Name), "Шпаклёвка стен");
+    EXPECT_EQ(child<QLineEdit>(window.get(), QStringLiteral("Edit6"))->text(), "21600,00");
+    EXPECT_EQ(child<QLineEdit>(window.get(), QStringLiteral("Edit5"))->text(), "21600,00");
+    EXPECT_EQ((&window->document().crew())->gridRowCount(), grid()->gridRowCount() - 1);
+    EXPECT_EQ((&window->document().crew())->cell(7, CrewCol::Name), "Шпаклёвка стен");
     EXPECT_TRUE(window->isChanged());
 
     // Undo and redo from the keyboard.
@@ -163,7 +163,7 @@ TEST_F(EditorWindowTest, TwoSectionEstimateThroughThePopupMenuAndShortcuts) {
     // A bad quantity: marked, left out of the totals, kept as typed.
     typeCell(9, Qty, "тридцать");
     EXPECT_FALSE(grid()->cellProblem(9, Qty).isEmpty());
-    EXPECT_EQ(window->Edit6->text(), "16200,00");
+    EXPECT_EQ(child<QLineEdit>(window.get(), QStringLiteral("Edit6"))->text(), "16200,00");
     EXPECT_EQ(grid()->cell(9, Qty), "тридцать");
 
     // Dragging a row by its number: "Вывоз мусора" (row 4) goes above "Демонтаж перегородок" (row 3).
@@ -192,13 +192,13 @@ TEST_F(EditorWindowTest, TwoSectionEstimateThroughThePopupMenuAndShortcuts) {
     typeCell(9, Qty, "30");
 
     // The picture, for a look.
-    window->PageControlDoc->setCurrentIndex(0);
+    child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))->setCurrentIndex(0);
     view()->clearSelection();
     view()->setCurrentIndex(at(8, Qty));
     QApplication::processEvents();
     const QString picture = QStringLiteral(VIRN_SCREENSHOT_DIR "/editor_two_sections.png");
     EXPECT_TRUE(window->grab().save(picture)) << picture.toStdString();
-    window->PageControlDoc->setCurrentWidget(window->TabSheetBrig);
+    child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))->setCurrentWidget(child<QWidget>(window.get(), QStringLiteral("TabSheetBrig")));
     QApplication::processEvents();
     EXPECT_TRUE(window->grab().save(QStringLiteral(VIRN_SCREENSHOT_DIR "/editor_crew_sheet.png")));
 }

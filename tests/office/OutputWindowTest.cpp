@@ -38,13 +38,14 @@ protected:
         ASSERT_TRUE(window->OpenMyFile(document));
     }
     // Runs a command and waits for its document, counting the timer ticks the window handled meanwhile.
-    bool runAndWait(void (TForm1::*command)(), QString *path, int *ticks) {
-        QSignalSpy done(window.get(), &TForm1::outputFinished);
+    bool runAndWait(void (OutputPart::*command)(), QString *path, int *ticks) {
+        OutputPart *output = window->part<OutputPart>();
+        QSignalSpy done(output, &OutputPart::outputFinished);
         QTimer timer;
         *ticks = 0;
         QObject::connect(&timer, &QTimer::timeout, [ticks] { ++*ticks; });
         timer.start(10);
-        (window.get()->*command)();
+        (output->*command)();
         if (done.isEmpty() && !done.wait(120000))
             return false;
         *path = done.first().at(1).toString();
@@ -59,7 +60,7 @@ TEST_F(OutputWindow, ExportsPreviewsAndUsesTheSheetTitles) {
 
     const QString pdf = folder.file(QStringLiteral("Вывод/смета.pdf"));
     dialogs->queueFile(pdf);
-    ASSERT_TRUE(runAndWait(&TForm1::MExportPDFClick, &path, &ticks)) << dialogs->lastText().toStdString();
+    ASSERT_TRUE(runAndWait(&OutputPart::MExportPDFClick, &path, &ticks)) << dialogs->lastText().toStdString();
     EXPECT_EQ(path, pdf);
     EXPECT_GT(ticks, 5) << "the window went on handling events while the document was made";
     const QString text = pdfText(pdf).simplified();
@@ -70,34 +71,34 @@ TEST_F(OutputWindow, ExportsPreviewsAndUsesTheSheetTitles) {
 
     const QString xls = folder.file(QStringLiteral("Вывод/смета.xls"));
     dialogs->queueFile(xls);
-    ASSERT_TRUE(runAndWait(&TForm1::MExportExcelClick, &path, &ticks));
+    ASSERT_TRUE(runAndWait(&OutputPart::MExportExcelClick, &path, &ticks));
     EXPECT_TRUE(QFile::exists(xls));
 
     // The user cancels the save dialog: nothing is made.
     dialogs->queueFile(QString());
-    window->MExportPDFClick();
-    EXPECT_FALSE(window->outputBusy());
+    window->part<OutputPart>()->MExportPDFClick();
+    EXPECT_FALSE(window->part<OutputPart>()->busy());
 
-    ASSERT_TRUE(runAndWait(&TForm1::MPreviewClick, &path, &ticks));
-    EXPECT_TRUE(window->FCustomPreview->isVisible());
-    EXPECT_GE(window->FCustomPreview->pageCount(), 2);
-    EXPECT_TRUE(window->FCustomPreview->windowTitle().contains(QStringLiteral("Образец сметы")));
-    window->FCustomPreview->close();
+    ASSERT_TRUE(runAndWait(&OutputPart::MPreviewClick, &path, &ticks));
+    EXPECT_TRUE(child<TFCustomPreview>(window.get(), QStringLiteral("FCustomPreview"))->isVisible());
+    EXPECT_GE(child<TFCustomPreview>(window.get(), QStringLiteral("FCustomPreview"))->pageCount(), 2);
+    EXPECT_TRUE(child<TFCustomPreview>(window.get(), QStringLiteral("FCustomPreview"))->windowTitle().contains(QStringLiteral("Образец сметы")));
+    child<TFCustomPreview>(window.get(), QStringLiteral("FCustomPreview"))->close();
 
     // The sheet titles dialog: the new title is stored under its field name and printed.
-    window->ComboBoxShablon->setCurrentText(QStringLiteral("СМЕТА"));
+    child<QComboBox>(window.get(), QStringLiteral("ComboBoxShablon"))->setCurrentText(QStringLiteral("СМЕТА"));
     QTimer::singleShot(0, [] {
         auto *d = qobject_cast<TEditFromAktSmeta *>(QApplication::activeModalWidget());
         ASSERT_NE(d, nullptr);
         d->EditSmetaName->setText(QStringLiteral("СМЕТА НА РЕМОНТ"));
         d->accept();
     });
-    window->MEditFromAktSmetaClick();
+    window->part<OutputPart>()->MEditFromAktSmetaClick();
     EXPECT_EQ(window->settingsStore()->text(QStringLiteral("View"), QStringLiteral("EditSmetaName")),
               QStringLiteral("СМЕТА НА РЕМОНТ"));
     const QString titled = folder.file(QStringLiteral("Вывод/заголовок.pdf"));
     dialogs->queueFile(titled);
-    ASSERT_TRUE(runAndWait(&TForm1::MExportPDFClick, &path, &ticks));
+    ASSERT_TRUE(runAndWait(&OutputPart::MExportPDFClick, &path, &ticks));
     EXPECT_TRUE(pdfText(titled).contains(QStringLiteral("СМЕТА НА РЕМОНТ")));
 }
 
@@ -105,10 +106,10 @@ TEST_F(OutputWindow, WithoutLibreOfficeTheUserIsToldWhatToInstall) {
     qputenv("VIRN_LIBREOFFICE_DIR", folder.path().toUtf8());
     int ticks = 0;
     QString path;
-    EXPECT_FALSE(runAndWait(&TForm1::MPreviewClick, &path, &ticks));
+    EXPECT_FALSE(runAndWait(&OutputPart::MPreviewClick, &path, &ticks));
     qunsetenv("VIRN_LIBREOFFICE_DIR");
     EXPECT_EQ(dialogs->lastText(), OfficeEngine::missingEngineMessage());
-    EXPECT_FALSE(window->FCustomPreview->isVisible());
+    EXPECT_FALSE(child<TFCustomPreview>(window.get(), QStringLiteral("FCustomPreview"))->isVisible());
     // The rest of the program goes on: the document can still be edited and saved.
     edit();
     EXPECT_TRUE(window->isChanged());

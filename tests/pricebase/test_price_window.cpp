@@ -69,20 +69,20 @@ protected:
         window->resize(1500, 900);
         window->show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
-        window->RatePanel->ReadSqlRAS();
-        grid = window->gridDoc();
+        child<TRatePanel>(window.get(), QStringLiteral("RatePanel"))->ReadSqlRAS();
+        grid = (&window->document().grid());
     }
-    RateGridModel &rates() { return window->priceBase()->model(); }
+    RateGridModel &rates() { return window->part<PricePart>()->priceBase()->model(); }
     QString cell(int row, int col) { return grid->cell(row, col); }
     QStringList materials() { return estimateMaterials(module->database(Db::Smeta)); }
     // Starts typing into the name cell of estimate row r and returns the cell editor.
     QLineEdit *typeName(int row, const QString &text) {
         // The editor of an earlier insertion is deleted once control returns to the event loop.
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        window->StringGridDoc->setFocus();
-        window->StringGridDoc->setCurrentIndex(grid->index(EstimateGrid::toModelRow(row), EstimateCol::Name));
-        typeText(window->StringGridDoc, text.left(1));
-        auto *editor = window->StringGridDoc->viewport()->findChild<QLineEdit *>();
+        child<QTableView>(window.get(), QStringLiteral("StringGridDoc"))->setFocus();
+        child<QTableView>(window.get(), QStringLiteral("StringGridDoc"))->setCurrentIndex(grid->index(EstimateGrid::toModelRow(row), EstimateCol::Name));
+        typeText(child<QTableView>(window.get(), QStringLiteral("StringGridDoc")), text.left(1));
+        auto *editor = child<QTableView>(window.get(), QStringLiteral("StringGridDoc"))->viewport()->findChild<QLineEdit *>();
         if (editor)
             typeText(editor, text.mid(1));
         return editor;
@@ -92,7 +92,7 @@ protected:
             QCoreApplication::processEvents();
     }
     void doubleClickRate(int gridRow) {
-        QTableView *view = window->RatePanel->StringGridRas;
+        QTableView *view = child<TRatePanel>(window.get(), QStringLiteral("RatePanel"))->StringGridRas;
         view->scrollTo(rates().index(RateGridModel::toModelRow(gridRow), 1));
         const QRect r = view->visualRect(rates().index(RateGridModel::toModelRow(gridRow), 1));
         doubleClick(view->viewport(), r.center());
@@ -101,18 +101,18 @@ protected:
 };
 
 TEST_F(PriceWindow, TypedNameChosenFromMemoPriceFillsRowTotalsAndMaterials) {
-    window->CheckBoxLiveSearch->setChecked(true);
+    child<QAction>(window.get(), QStringLiteral("CheckBoxLiveSearch"))->setChecked(true);
     QLineEdit *editor = typeName(2, QStringLiteral("стен"));
     ASSERT_NE(editor, nullptr);
-    ASSERT_TRUE(window->MemoPrice->isVisible());
+    ASSERT_TRUE(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->isVisible());
     // Lower case typed finds capitals; section titles are names too.
-    ASSERT_EQ(window->MemoPrice->model()->rowCount(), 4);
-    EXPECT_EQ(window->MemoPrice->model()->index(0, 0).data().toString(), QStringLiteral("Отделка стен"));
+    ASSERT_EQ(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->model()->rowCount(), 4);
+    EXPECT_EQ(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->model()->index(0, 0).data().toString(), QStringLiteral("Отделка стен"));
     QTest::keyClick(editor, Qt::Key_Down);
     QTest::keyClick(editor, Qt::Key_Down); // "Покраска стен"
     QTest::keyClick(editor, Qt::Key_Return);
     settle();
-    EXPECT_FALSE(window->MemoPrice->isVisible());
+    EXPECT_FALSE(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->isVisible());
     EXPECT_EQ(cell(2, EstimateCol::Name), QStringLiteral("Покраска стен"));
     EXPECT_EQ(cell(2, EstimateCol::Num), QStringLiteral("1"));
     EXPECT_EQ(cell(2, EstimateCol::Ras), QStringLiteral("1-1-2"));
@@ -120,19 +120,19 @@ TEST_F(PriceWindow, TypedNameChosenFromMemoPriceFillsRowTotalsAndMaterials) {
     EXPECT_EQ(cell(2, EstimateCol::Price), QStringLiteral("300,00"));
     EXPECT_EQ(cell(2, EstimateCol::IdRas), QStringLiteral("4"));
     EXPECT_EQ(cell(2, EstimateCol::NamePrice), QStringLiteral("resurs1"));
-    EXPECT_EQ(window->currentRow(), 3); // a new row, ready for the next name
+    EXPECT_EQ(window->part<EditorPart>()->currentRow(), 3); // a new row, ready for the next name
     EXPECT_EQ(cell(3, EstimateCol::Num), QStringLiteral("2"));
 
     // Typing only blanks hides the list; a double-click on an entry inserts it.
     editor = typeName(3, QStringLiteral("  "));
     ASSERT_NE(editor, nullptr);
-    EXPECT_FALSE(window->MemoPrice->isVisible());
+    EXPECT_FALSE(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->isVisible());
     editor->clear(); // the typed text is matched as typed: "  грунт" would find nothing
     typeText(editor, QStringLiteral("грунт"));
-    ASSERT_TRUE(window->MemoPrice->isVisible());
-    ASSERT_EQ(window->MemoPrice->model()->rowCount(), 1);
-    const QRect first = window->MemoPrice->visualRect(window->MemoPrice->model()->index(0, 0));
-    doubleClick(window->MemoPrice->viewport(), first.center());
+    ASSERT_TRUE(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->isVisible());
+    ASSERT_EQ(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->model()->rowCount(), 1);
+    const QRect first = child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->visualRect(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->model()->index(0, 0));
+    doubleClick(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->viewport(), first.center());
     settle();
     EXPECT_EQ(cell(3, EstimateCol::Name), QStringLiteral("Грунтовка СТЕН"));
     EXPECT_EQ(cell(3, EstimateCol::Price), QStringLiteral("50,00"));
@@ -145,9 +145,9 @@ TEST_F(PriceWindow, TypedNameChosenFromMemoPriceFillsRowTotalsAndMaterials) {
     settle();
     EXPECT_EQ(cell(2, EstimateCol::Sum), QStringLiteral("6000,00"));
     EXPECT_EQ(materials(), (QStringList{"Краска|5|400|2000,00", "Грунт|2|120|240,00"}));
-    EXPECT_DOUBLE_EQ(window->editor()->worksRaw(), 6500.0);
-    EXPECT_DOUBLE_EQ(window->editor()->materialsRaw(), 2240.0);
-    EXPECT_NE(window->Edit6->text(), QStringLiteral("0,00"));
+    EXPECT_DOUBLE_EQ((&window->document().editor())->worksRaw(), 6500.0);
+    EXPECT_DOUBLE_EQ((&window->document().editor())->materialsRaw(), 2240.0);
+    EXPECT_NE(child<QLineEdit>(window.get(), QStringLiteral("Edit6"))->text(), QStringLiteral("0,00"));
 
     const QString picture = QDir::temp().filePath("virn-price-window.png");
     EXPECT_TRUE(window->grab().save(picture));
@@ -163,10 +163,10 @@ TEST_F(PriceWindow, TypedNameChosenFromMemoPriceFillsRowTotalsAndMaterials) {
 }
 
 TEST_F(PriceWindow, DoubleClickInsertsAndTheSameNameInTheSectionOpensFound) {
-    window->CheckBoxControlPrice->setChecked(true);
+    child<QAction>(window.get(), QStringLiteral("CheckBoxControlPrice"))->setChecked(true);
     doubleClickRate(3); // "Грунтовка СТЕН"
     EXPECT_EQ(cell(2, EstimateCol::Name), QStringLiteral("Грунтовка СТЕН"));
-    EXPECT_EQ(window->StringGridDoc->currentIndex().column(), EstimateCol::Qty);
+    EXPECT_EQ(child<QTableView>(window.get(), QStringLiteral("StringGridDoc"))->currentIndex().column(), EstimateCol::Qty);
     grid->setData(grid->index(0, EstimateCol::Qty), "3", Qt::EditRole);
     settle();
     QString caption;
@@ -188,11 +188,11 @@ TEST_F(PriceWindow, DoubleClickInsertsAndTheSameNameInTheSectionOpensFound) {
     // A price range inserts its low end; the quantity cell takes the focus.
     doubleClickRate(8);
     EXPECT_EQ(cell(3, EstimateCol::Price), QStringLiteral("450,00"));
-    EXPECT_EQ(window->currentRow(), 3);
+    EXPECT_EQ(window->part<EditorPart>()->currentRow(), 3);
 }
 
 TEST_F(PriceWindow, TickedRowsGoInListOrderAndEditModeRefuses) {
-    window->CheckRowMat->setChecked(true);
+    child<QAction>(window.get(), QStringLiteral("CheckRowMat"))->setChecked(true);
     rates().setChecked(7, true);
     rates().setChecked(4, true);
     doubleClickRate(3);
@@ -201,19 +201,19 @@ TEST_F(PriceWindow, TickedRowsGoInListOrderAndEditModeRefuses) {
     EXPECT_EQ(grid->gridRowCount(), 4);
     EXPECT_TRUE(rates().checkedIndices().empty());
 
-    window->RatePanel->ToolEditRasRight->setChecked(true);
-    window->StringGridRasDblClickCell(3);
+    child<TRatePanel>(window.get(), QStringLiteral("RatePanel"))->ToolEditRasRight->setChecked(true);
+    window->part<PricePart>()->StringGridRasDblClickCell(3);
     EXPECT_EQ(dialogs->lastCaption(), QStringLiteral("Предупреждение"));
     EXPECT_EQ(dialogs->lastText(), QStringLiteral("Нельзя добавить во время редактирования"));
     EXPECT_EQ(grid->gridRowCount(), 4);
     // In edit mode: a row inserted above "Полы", typed in place, numbers follow (the rate after the
     // subsection belongs to it), written on leaving.
-    window->RatePanel->StringGridRas->setCurrentIndex(rates().index(5, 1));
-    window->RatePanel->ToolInsertRas->trigger();
+    child<TRatePanel>(window.get(), QStringLiteral("RatePanel"))->StringGridRas->setCurrentIndex(rates().index(5, 1));
+    child<TRatePanel>(window.get(), QStringLiteral("RatePanel"))->ToolInsertRas->trigger();
     rates().setData(rates().index(5, 1), "Плинтус", Qt::EditRole);
     rates().setData(rates().index(5, 2), "м.п.", Qt::EditRole);
     rates().setData(rates().index(5, 3), "150", Qt::EditRole);
-    window->RatePanel->ToolEditRasRight->setChecked(false);
+    child<TRatePanel>(window.get(), QStringLiteral("RatePanel"))->ToolEditRasRight->setChecked(false);
     QSqlQuery q(module->database(Db::Price));
     q.exec("SELECT group_concat(edras || ' ' || nameras, ';') FROM price1");
     ASSERT_TRUE(q.next());
@@ -224,7 +224,7 @@ TEST_F(PriceWindow, TickedRowsGoInListOrderAndEditModeRefuses) {
 }
 
 TEST_F(PriceWindow, TreeAndComboNarrowTheGridAndTheCrewSwitchFillsCrewPrices) {
-    TRatePanel *panel = window->RatePanel;
+    TRatePanel *panel = child<TRatePanel>(window.get(), QStringLiteral("RatePanel"));
     ASSERT_EQ(panel->ComboBox2->count(), 3);
     EXPECT_EQ(panel->ComboBox2->itemText(0), QStringLiteral("   Все"));
     EXPECT_EQ(panel->ComboBox2->itemText(2), QStringLiteral("2 Полы"));
@@ -262,12 +262,12 @@ TEST_F(PriceWindow, TreeAndComboNarrowTheGridAndTheCrewSwitchFillsCrewPrices) {
     EXPECT_TRUE(panel->StringGridRas->isColumnHidden(PriceCol::Link));
     // Price list 2 is empty: one empty row and "   Все" alone.
     panel->PageControlRas->setCurrentIndex(1);
-    EXPECT_EQ(window->priceBase()->table(), QStringLiteral("price2"));
+    EXPECT_EQ(window->part<PricePart>()->priceBase()->table(), QStringLiteral("price2"));
     EXPECT_EQ(rates().rowCount(), 1);
     EXPECT_EQ(panel->ComboBox2->count(), 1);
     // The currency combo chooses the price column of every read.
     panel->PageControlRas->setCurrentIndex(0);
-    window->EditValuta->setCurrentIndex(1);
+    child<QComboBox>(window.get(), QStringLiteral("EditValuta"))->setCurrentIndex(1);
     EXPECT_TRUE(rates().cell(3, PriceCol::Price).isEmpty());
 }
 
@@ -304,7 +304,7 @@ TEST_F(PriceWindow, ServerButtonConnectsReadsTheRemoteListAndReportsFailures) {
     const std::optional<ServerSettings> server = testServer();
     if (!server)
         GTEST_SKIP() << "VIRN_TEST_MYSQL_HOST is not set: start scripts/services/mariadb.sh (make test does)";
-    TRatePanel *panel = window->RatePanel;
+    TRatePanel *panel = child<TRatePanel>(window.get(), QStringLiteral("RatePanel"));
     ServerSettings s = *server;
     s.password = "не тот пароль";
     s.table = QStringLiteral("price_w%1").arg(QCoreApplication::applicationPid());
@@ -325,10 +325,10 @@ TEST_F(PriceWindow, ServerButtonConnectsReadsTheRemoteListAndReportsFailures) {
     s.password = server->password;
     s.save(*window->settingsStore());
     panel->PageControlRas->setCurrentIndex(3);
-    ASSERT_TRUE(window->priceBase()->serverConnected()) << dialogs->lastText().toStdString();
+    ASSERT_TRUE(window->part<PricePart>()->priceBase()->serverConnected()) << dialogs->lastText().toStdString();
     EXPECT_TRUE(panel->ToolServerRas->isChecked());
     EXPECT_EQ(panel->ToolServerRas->toolTip(), QStringLiteral("Отключиться от сервера"));
-    EXPECT_EQ(window->priceBase()->table(), s.table);
+    EXPECT_EQ(window->part<PricePart>()->priceBase()->table(), s.table);
     EXPECT_EQ(rates().visibleCount(), 0);
     // Rates typed in edit mode go to the server when edit mode ends.
     panel->ToolEditRasRight->setChecked(true);
@@ -347,7 +347,7 @@ TEST_F(PriceWindow, ServerButtonConnectsReadsTheRemoteListAndReportsFailures) {
     EXPECT_EQ(cell(2, EstimateCol::NamePrice), QStringLiteral("resurs_s"));
 
     panel->ToolServerRas->setChecked(false);
-    EXPECT_FALSE(window->priceBase()->serverConnected());
+    EXPECT_FALSE(window->part<PricePart>()->priceBase()->serverConnected());
     EXPECT_EQ(panel->PageControlRas->currentIndex(), 0);
     EXPECT_EQ(rates().visibleCount(), 8);
     // The test's table goes again.

@@ -4,10 +4,20 @@
 
 #include "ScriptedDialogs.h"
 #include "TestFolder.h"
+#include "Widgets.h"
 #include "app/TForm1.h"
+#include "customers/CustomersPart.h"
+#include "estimate/DocumentFilePart.h"
+#include "estimate/EditorPart.h"
+#include "estimate/EstimateDocument.h"
 #include "estimate/EstimateGrid.h"
+#include "estimate/HeaderPart.h"
+#include "estimate/OutputPart.h"
+#include "pricebase/PricePart.h"
+#include "storage/MainSettings.h"
 #include "storage/ModuleSQL.h"
 
+#include "Widgets.h"
 #include <QDir>
 #include <QSqlQuery>
 #include <QVariant>
@@ -32,7 +42,8 @@ protected:
     }
     // Types a name into the first data row, as the user would.
     void edit(const QString &text = QStringLiteral("Окраска")) {
-        window->gridDoc()->setData(window->gridDoc()->index(0, EstimateCol::Name), text, Qt::EditRole);
+        (&window->document().grid())
+            ->setData((&window->document().grid())->index(0, EstimateCol::Name), text, Qt::EditRole);
     }
     // The first column of the first row of a query, as an integer (-1 when it fails).
     int count(Db db, const QString &sql) {
