@@ -1,8 +1,9 @@
 #pragma once
-// A working database in a scratch folder with an estimate editor on it, as the main window has it.
+// The open estimate in a scratch data folder, as the main window has it: its grids and its editor.
 
 #include "TestFolder.h"
 #include "estimate/CrewGrid.h"
+#include "estimate/EstimateDocument.h"
 #include "estimate/EstimateEditor.h"
 #include "estimate/EstimateGrid.h"
 #include "estimate/EstimateStore.h"
@@ -22,15 +23,8 @@ class EditorTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ensureApplication();
-        module = std::make_unique<TModuleSQL>(folder.path());
-        editor =
-            std::make_unique<EstimateEditor>(&grid, &crew, [this](Db db) { return module->database(db); });
-        ASSERT_TRUE(EstimateStore::createNewDoc(*module, grid, crew));
-        editor->reset();
-    }
-    void TearDown() override {
-        editor.reset();
-        module.reset();
+        doc.attach(module.get(), nullptr, nullptr);
+        ASSERT_TRUE(doc.newDocument());
     }
 
     // Types into a cell as the user does (through the view's model interface).
@@ -71,8 +65,9 @@ protected:
     }
 
     TestFolder folder;
-    std::unique_ptr<TModuleSQL> module;
-    EstimateGrid grid;
-    CrewGrid crew;
-    std::unique_ptr<EstimateEditor> editor;
+    std::unique_ptr<TModuleSQL> module = std::make_unique<TModuleSQL>(folder.path());
+    EstimateDocument doc;
+    EstimateGrid &grid = doc.grid();
+    CrewGrid &crew = doc.crew();
+    EstimateEditor *editor = &doc.editor();
 };

@@ -58,7 +58,7 @@ TEST_F(EditorTest, NestedSubsectionTotalsAndChangesMadeByOtherCode) {
     // [br 2, bp 3, w 4, ip 5, ir 6, Итого 7]
     {
         // The price base inserts a rate by writing into the grid directly.
-        EstimateEditor::Scope step(editor.get(), QStringLiteral("Вставка расценки"));
+        EstimateEditor::Scope step(editor, QStringLiteral("Вставка расценки"));
         grid.insertGridRows(5, 1);
         grid.setCell(5, Name, "Шпаклёвка");
         grid.setCell(5, Price, "300");
