@@ -1,4 +1,6 @@
 #include "PodryadList_frame.h"
+
+#include "RegisterReport.h"
 #include "RequisitesForm.h"
 
 #include "ui/Dialogs.h"
@@ -143,27 +145,11 @@ void TPodryadList::showContractor(const ContractorData &d) {
 }
 
 bool TPodryadList::report(RegisterStatus status) {
-    switch (status) {
-    case RegisterStatus::Ok:
-        return true;
-    case RegisterStatus::BlankName:
-        dialogs().tell(Captions::warning, QStringLiteral("Пустая затея"), Dialogs::Icon::Warning);
-        break;
-    case RegisterStatus::Duplicate:
-        dialogs().tell(Captions::warning, QStringLiteral("Подрядчик с таким именем уже имеется"),
-                       Dialogs::Icon::Warning);
-        break;
-    case RegisterStatus::NotFound:
-        dialogs().tell(Captions::warning, QStringLiteral("Подрядчик не выбран"), Dialogs::Icon::Warning);
-        break;
-    case RegisterStatus::Failed:
-        dialogs().tell(
-            Captions::error,
-            QStringLiteral("Не удалось изменить данные подрядчика: %1").arg(m_register.lastError()),
-            Dialogs::Icon::Error);
-        break;
-    }
-    return false;
+    return reportRegisterStatus(status,
+                                {QStringLiteral("Подрядчик с таким именем уже имеется"),
+                                 QStringLiteral("Подрядчик не выбран"),
+                                 QStringLiteral("Не удалось изменить данные подрядчика: %1")},
+                                m_register.lastError());
 }
 
 void TPodryadList::btnAddClick() {

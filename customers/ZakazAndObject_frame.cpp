@@ -1,4 +1,6 @@
 #include "ZakazAndObject_frame.h"
+
+#include "RegisterReport.h"
 #include "RequisitesForm.h"
 
 #include "ui/Dialogs.h"
@@ -290,27 +292,13 @@ void TZakazAndObject::ListBoxObjectClick(const QString &object) {
 }
 
 bool TZakazAndObject::report(RegisterStatus status, const QString &duplicateText) {
-    switch (status) {
-    case RegisterStatus::Ok:
-        return true;
-    case RegisterStatus::BlankName:
-        dialogs().tell(Captions::warning, QStringLiteral("Пустая затея"), Dialogs::Icon::Warning);
-        break;
-    case RegisterStatus::Duplicate:
-        dialogs().tell(Captions::warning, duplicateText, Dialogs::Icon::Warning);
-        break;
-    case RegisterStatus::NotFound:
-        dialogs().tell(Captions::warning, QStringLiteral("Запись не найдена: список обновлён"),
-                       Dialogs::Icon::Warning);
+    const bool ok = reportRegisterStatus(status,
+                                         {duplicateText, QStringLiteral("Запись не найдена: список обновлён"),
+                                          QStringLiteral("Не удалось изменить базу заказчиков: %1")},
+                                         m_register.lastError());
+    if (status == RegisterStatus::NotFound)
         reloadCustomers(m_customer);
-        break;
-    case RegisterStatus::Failed:
-        dialogs().tell(Captions::error,
-                       QStringLiteral("Не удалось изменить базу заказчиков: %1").arg(m_register.lastError()),
-                       Dialogs::Icon::Error);
-        break;
-    }
-    return false;
+    return ok;
 }
 
 void TZakazAndObject::spdAddCustomerClick() {

@@ -3,6 +3,7 @@
 #include "PriceBase.h"
 #include "ServerRasSettings_frame.h"
 #include "ui/Dialogs.h"
+#include "storage/MainSettings.h"
 #include "storage/SettingsStore.h"
 
 #include <QAction>
@@ -228,7 +229,7 @@ bool TRatePanel::WriteSqlPrice() {
 }
 
 void TRatePanel::UpdateSqlPriceBrig() {
-    const QString koef = m_koef ? m_koef() : QStringLiteral("0,7");
+    const QString koef = m_koef ? m_koef() : MainSettings::defaultOf(QStringLiteral("EditKoefBrig"));
     QString error;
     if (!m_base.updateCrewPrices(koef, &error))
         dialogs().tell(Captions::warning, error, Dialogs::Icon::Warning);

@@ -77,6 +77,18 @@ const QVector<MainSettingKey> &MainSettings::keys() {
     return k;
 }
 
+const MainSettingKey *MainSettings::find(const QString &key) {
+    for (const auto &k : keys())
+        if (k.key == key)
+            return &k;
+    return nullptr;
+}
+
+QString MainSettings::defaultOf(const QString &key) {
+    const MainSettingKey *k = find(key);
+    return k ? k->def : QString();
+}
+
 QString MainSettings::sectionOf(const QString &key) {
     for (const auto &k : keys())
         if (k.key == key)

@@ -18,7 +18,11 @@ struct MainSettingKey {
 class MainSettings {
 public:
     static const QVector<MainSettingKey> &keys();
+    // The section of a key ("Param" for a key the table does not list).
     static QString sectionOf(const QString &key);
+    // The key's entry in the table, or null; its default ("" for a key not listed).
+    static const MainSettingKey *find(const QString &key);
+    static QString defaultOf(const QString &key);
 
     void read(const SettingsStore &store);
     void write(SettingsStore &store) const;
