@@ -13,9 +13,9 @@
 #include "estimate/EstimateMaterials.h"
 #include "estimate/KoefModel.h"
 #include "estimate/KoefPanel_frame.h"
+#include "estimate/ProblemsLine_frame.h"
 #include "estimate/SmetaMaterials_frame.h"
 #include "storage/ModuleSQL.h"
-#include "storage/TextValues.h"
 
 #include <QAction>
 #include <QItemSelectionModel>
@@ -131,6 +131,11 @@ void TForm1::setupEditor() {
     connect(m_editor, &EstimateEditor::undoStateChanged, this, showUndo);
     showUndo();
 
+    // How many cells need fixing, right under the grid.
+    if (auto *docLayout = qobject_cast<QBoxLayout *>(TabSheet1->layout()))
+        docLayout->insertWidget(docLayout->indexOf(StringGridDoc) + 1,
+                                new TProblemsLine(m_editor, TabSheet1));
+
     // The coefficient panel under the grid.
     auto *koef = new TKoefPanel(m_editor->koef(), PanelKoef);
     PanelKoef->layout()->addWidget(koef);
@@ -187,9 +192,9 @@ void TForm1::resetEditor() {
 }
 
 void TForm1::showEditorTotals() {
-    Edit6->setText(TextValues::formatMoney(m_editor->worksTotal()));
-    Edit4->setText(TextValues::formatMoney(m_editor->materialsTotal()));
-    Edit5->setText(TextValues::formatMoney(m_editor->grandTotal()));
+    AmountField::show(Edit6, m_editor->worksTotal());
+    AmountField::show(Edit4, m_editor->materialsTotal());
+    AmountField::show(Edit5, m_editor->grandTotal());
 }
 
 bool TForm1::StringGridDocCanEditCell(int gridRow, int col) const {

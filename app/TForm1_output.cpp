@@ -127,6 +127,7 @@ void TForm1::runOutput(OutputKind kind) {
         return;
     }
     const EstimatePrint print = estimatePrint();
+    const QString leftOut = EstimateOutput::leftOutWarning(print);
     // Outputs are named after the document, as its companion ".xls" is.
     const QString base = EstimateOutput::outputBaseName(m_fileName, print.title);
     const QString folder =
@@ -175,7 +176,7 @@ void TForm1::runOutput(OutputKind kind) {
     connect(watcher, &QFutureWatcher<OfficeService::Result>::progressValueChanged, progress,
             &QProgressDialog::setValue);
     connect(watcher, &QFutureWatcher<OfficeService::Result>::finished, this,
-            [this, watcher, progress, kind, outputs, shown, base, folder]() {
+            [this, watcher, progress, kind, outputs, shown, base, folder, leftOut]() {
                 const OfficeService::Result r = watcher->result();
                 watcher->deleteLater();
                 progress->close();
@@ -208,6 +209,8 @@ void TForm1::runOutput(OutputKind kind) {
                     statusBar()->showMessage(
                         QStringLiteral("Документ сохранён: %1").arg(QDir::toNativeSeparators(shown)), 10000);
                 }
+                if (!leftOut.isEmpty())
+                    dialogs().tell(Captions::warning, leftOut, Dialogs::Icon::Warning);
                 emit outputFinished(true, shown);
             });
     watcher->setFuture(

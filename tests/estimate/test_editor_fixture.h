@@ -1,6 +1,7 @@
 #pragma once
 // A working database in a scratch folder with an estimate editor on it, as the main window has it.
 
+#include "MoneyText.h"
 #include "TestFolder.h"
 #include "estimate/CrewGrid.h"
 #include "estimate/EstimateEditor.h"
