@@ -13,6 +13,9 @@
 
 namespace {
 
+// Decimals a crew price keeps (price × coefficient).
+constexpr int kCrewPriceDecimals = 6;
+
 // Estimate column -> crew column for the mirrored cells.
 int crewColumnOf(int estimateCol) {
     switch (estimateCol) {
@@ -342,12 +345,13 @@ void CrewSheet::evaluate(int m) {
     if (!crewPrice) {
         const auto p = TextValues::isBlank(priceText) ? std::nullopt : TextValues::parsePrice(priceText);
         if (p && k.value) {
-            // The crew price is money: rounded to kopecks as it is shown.
-            const MoneyResult price = Money::product(*p, *k.value);
-            if (price)
-                crewPrice = price->toDecimal();
-            else
-                priceProblem = refused(QStringLiteral("Цена бригады"), price.problem());
+            // Exact, as the customer's price is: the crew's amount is rounded once, so that a
+            // coefficient of 1 gives the customer's amounts.
+            crewPrice = p->times(*k.value, kCrewPriceDecimals);
+            if (!crewPrice || !Money::of(*crewPrice))
+                priceProblem = refused(QStringLiteral("Цена бригады"), NumberProblem::TooLarge);
+            if (!priceProblem.isEmpty())
+                crewPrice.reset();
         }
     }
     MoneyResult amount = MoneyResult::refused(NumberProblem::Blank);

@@ -5,8 +5,8 @@
 // - k (column 8): in "one coefficient for all rows" mode the global coefficient; in "per row" mode the
 //   row's own coefficient, or the global one where the row has none;
 // - crew price (column 5) = the crew price the rate brought from price list 1 (`link`), else the
-//   customer's price × k, rounded to kopecks; crew amount (column 6) = quantity × crew price (a lump
-//   sum row: its amount × k), rounded to kopecks;
+//   customer's price × k (exact to six decimals, not rounded to kopecks); crew amount (column 6) =
+//   quantity × crew price (a lump sum row: its amount × k), rounded once to kopecks;
 // - "ip"/"ir" rows carry the crew sums of their subsection/section, a closing "Итого" row the crew
 //   total; the margin is what the customer pays for the works (sum of column 10) minus the crew total;
 // - a coefficient that is not a number, or a price or amount that would pass the maximum, leaves the

@@ -49,6 +49,7 @@ QString lineName(const KoefLine &line) {
 void fillBody(EstimatePrint &print, const EstimateEditor &editor, QSqlDatabase db) {
     const EstimateGrid &grid = *editor.grid();
     print.rows.clear();
+    print.leftOut.clear();
     for (int r = EstimateGrid::kFixedRows; r < grid.gridRowCount(); ++r) {
         if (editor.isGrandTotalRow(r))
             continue; // the closing lines say it

@@ -3,9 +3,9 @@
 // a number, money or a date form, so that every subsystem reads and writes values the same way.
 
 #include "Decimal.h"
+
 #include <QDate>
 #include <QDateTime>
-
 #include <QString>
 #include <optional>
 #include <stdexcept>
