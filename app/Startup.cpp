@@ -47,11 +47,13 @@ int prepareData(const QString &folder) {
 int exportDocument(const QString &document, const QString &out) {
     const QString folder =
         DataFolder::decide({document}, DataFolder::storedFolder(), QDir::currentPath()).folder;
-    QString error;
-    if (!EstimateExport::exportFile(document, out, folder, &error)) {
+    QString error, warning;
+    if (!EstimateExport::exportFile(document, out, folder, &error, nullptr, &warning)) {
         err() << error << Qt::endl;
         return 1;
     }
+    if (!warning.isEmpty())
+        err() << warning << Qt::endl;
     QTextStream(stdout) << QDir::toNativeSeparators(QFileInfo(out).absoluteFilePath()) << Qt::endl;
     return 0;
 }

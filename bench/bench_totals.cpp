@@ -7,6 +7,8 @@
 #include "estimate/EstimateGrid.h"
 #include "estimate/EstimateStructure.h"
 #include "estimate/EstimateTotals.h"
+#include "storage/Money.h"
+#include "storage/TextValues.h"
 
 #include <QCoreApplication>
 #include <benchmark/benchmark.h>
@@ -55,11 +57,30 @@ void BM_EditQuantity_TotalsAndCrew(benchmark::State &state) {
     int i = 0;
     for (auto _ : state) {
         grid.setCell(row, EstimateCol::Qty, QString::number(++i % 50 + 1));
-        benchmark::DoNotOptimize(totals.worksKopecks());
+        benchmark::DoNotOptimize(totals.works());
     }
     state.counters["rows"] = grid.rowCount();
 }
 BENCHMARK(BM_EditQuantity_TotalsAndCrew)->Arg(5000)->Unit(benchmark::kMicrosecond);
+
+// Baseline: the least any recomputation must do for one edit: read the edited row's quantity and
+// price into an amount and add up the cached amounts of every row (checked, as the totals are).
+void BM_Baseline_ParseRowAndSumCached(benchmark::State &state) {
+    const int rows = static_cast<int>(state.range(0));
+    std::vector<Money> amounts(static_cast<size_t>(rows), *Money::fromKopecks(12345));
+    int i = 0;
+    for (auto _ : state) {
+        const auto q = TextValues::parseAmount(QString::number(++i % 50 + 1));
+        const auto p = TextValues::parsePrice(QStringLiteral("450,50"));
+        amounts[static_cast<size_t>(rows / 2)] = Money::product(*p, *q).value();
+        MoneyResult total = Money();
+        for (const Money &m : amounts)
+            total += m;
+        benchmark::DoNotOptimize(total);
+    }
+    state.counters["rows"] = rows;
+}
+BENCHMARK(BM_Baseline_ParseRowAndSumCached)->Arg(5000)->Unit(benchmark::kMicrosecond);
 
 // A typed quantity through the editor: totals, crew sheet, the difference for the undo step and its
 // record in the journal (an in-memory SQLite database here; actions.db in the program).

@@ -66,8 +66,11 @@ void TBrigPanel::EditKoefBrigChange() {
 }
 
 void TBrigPanel::showTotals() {
-    LabelBrigTotals->setText(QStringLiteral("Бригаде: %1   Заказчику: %2   Разница: %3")
-                                 .arg(TextValues::formatMoney(m_sheet->crewTotal()),
-                                      TextValues::formatMoney(m_sheet->customerTotal()),
-                                      TextValues::formatMoney(m_sheet->margin())));
+    // A refused sum says so instead of showing a number.
+    auto shown = [](const MoneyResult &m) {
+        return m ? m->text() : QStringLiteral("не считается (%1)").arg(numberProblemText(m.problem()));
+    };
+    LabelBrigTotals->setText(
+        QStringLiteral("Бригаде: %1   Заказчику: %2   Разница: %3")
+            .arg(shown(m_sheet->crewTotal()), shown(m_sheet->customerTotal()), shown(m_sheet->margin())));
 }

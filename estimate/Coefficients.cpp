@@ -2,6 +2,8 @@
 
 #include "storage/TextValues.h"
 
+#include <optional>
+
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -57,15 +59,29 @@ bool fail(const QSqlQuery &q, QString *error) {
     return false;
 }
 
-// One line applied to one base; returns the change in money.
-double change(const KoefLine &line, double value, double base) {
+// One line applied to one base: the new base, rounded to kopecks.
+MoneyResult applied(const KoefLine &line, const Decimal &value, Money base) {
     if (line.percent()) {
-        const double d = TextValues::roundMoney(base * value / 100.0);
-        return line.raises() ? d : -d;
+        const MoneyResult d = base.percent(value);
+        return line.raises() ? base + d : base - d;
     }
-    if (line.raises())
-        return TextValues::roundMoney(base * value) - base;
-    return TextValues::roundMoney(base / value) - base;
+    return line.raises() ? base.times(value) : base.dividedBy(value);
+}
+
+std::optional<Decimal> usableValue(const KoefLine &line, NumberProblem *problem) {
+    const TextValues::NumberReading v = TextValues::readNumber(line.value, true);
+    *problem = v.problem;
+    // A factor of 0 cannot lower anything by division.
+    if (v.value && v.value->isZero() && !line.percent() && !line.raises()) {
+        *problem = NumberProblem::DivisionByZero;
+        return std::nullopt;
+    }
+    return v.value;
+}
+
+QString problemText(const KoefLine &line, NumberProblem problem) {
+    return QStringLiteral("Значение «%1» %2: коэффициент не применяется.")
+        .arg(line.value.trimmed(), numberProblemText(problem));
 }
 
 } // namespace
@@ -98,44 +114,62 @@ std::vector<KoefLine> readApplied(QSqlDatabase db) {
     return out;
 }
 
-KoefResult apply(const std::vector<KoefLine> &lines, double worksRaw, double materialsRaw) {
+QString valueProblem(const KoefLine &line) {
+    NumberProblem problem;
+    return usableValue(line, &problem) ? QString() : problemText(line, problem);
+}
+
+KoefResult apply(const std::vector<KoefLine> &lines, const MoneyResult &worksRaw,
+                 const MoneyResult &materialsRaw) {
     KoefResult r;
     r.worksRaw = worksRaw;
     r.materialsRaw = materialsRaw;
-    double works = worksRaw, materials = materialsRaw;
+    MoneyResult works = worksRaw, materials = materialsRaw;
 
-    auto valueOf = [&](const KoefLine &l) -> std::optional<double> {
-        auto v = TextValues::parseAmount(l.value);
-        // A factor of 0 cannot lower anything by division.
-        if (!v || (!l.percent() && !l.raises() && *v == 0.0)) {
-            r.problems << l.id;
-            return std::nullopt;
-        }
+    auto valueOf = [&](const KoefLine &l) -> std::optional<Decimal> {
+        NumberProblem problem;
+        const auto v = usableValue(l, &problem);
+        if (!v)
+            r.problems.insert(l.id, problemText(l, problem));
         return v;
     };
+    // The line changes each base it applies to, or, when a change would pass the maximum, none.
     auto applyToBases = [&](const KoefLine &l) {
         const auto v = valueOf(l);
         if (!v)
             return;
-        double total = 0;
-        if (l.appliesToWorks()) {
-            const double d = change(l, *v, works);
-            works += d;
-            total += d;
+        MoneyResult newWorks = works, newMaterials = materials, total = Money();
+        NumberProblem why = NumberProblem::None;
+        // A base that is already refused stays so; the line is not to blame for it.
+        auto change = [&](const MoneyResult &base, MoneyResult &changed) {
+            changed = applied(l, *v, *base);
+            if (!changed)
+                why = changed.problem();
+            else
+                total += changed - base;
+        };
+        if (l.appliesToWorks() && works)
+            change(works, newWorks);
+        if (l.appliesToMaterials() && materials)
+            change(materials, newMaterials);
+        if (why == NumberProblem::None && !total)
+            why = total.problem();
+        if (why != NumberProblem::None) {
+            r.problems.insert(l.id, QStringLiteral("Коэффициент «%1» со значением «%2»: сумма %3; он не "
+                                                   "применяется.")
+                                        .arg(l.title.trimmed(), l.value.trimmed(), numberProblemText(why)));
+            return;
         }
-        if (l.appliesToMaterials()) {
-            const double d = change(l, *v, materials);
-            materials += d;
-            total += d;
-        }
-        r.effect[l.id] += TextValues::roundMoney(total);
+        works = newWorks;
+        materials = newMaterials;
+        r.effect[l.id] = *total;
     };
 
     std::vector<const KoefLine *> ordinaryUp, ordinaryDown, overheads, vat;
     for (const KoefLine &l : lines) {
         if (!l.on())
             continue;
-        r.effect.insert(l.id, 0.0);
+        r.effect.insert(l.id, Money());
         if (l.isVat())
             vat.push_back(&l);
         else if (l.isOverheads())
@@ -154,21 +188,40 @@ KoefResult apply(const std::vector<KoefLine> &lines, double worksRaw, double mat
         const auto v = valueOf(*l);
         if (!v)
             continue;
-        const double base = (l->appliesToWorks() ? works : 0) + (l->appliesToMaterials() ? materials : 0);
-        double amount;
-        if (l->percent())
-            amount = l->raises() ? base * *v / 100.0 : base * *v / (100.0 + *v);
-        else
-            amount = l->raises() ? base * (*v - 1.0) : base - base / *v;
-        amount = TextValues::roundMoney(amount);
-        r.effect[l->id] += amount;
+        const MoneyResult base =
+            (l->appliesToWorks() ? works : Money()) + (l->appliesToMaterials() ? materials : Money());
+        if (!base) {
+            r.vat = base;
+            if (l->raises())
+                r.vatAdded = base;
+            continue;
+        }
+        // Added: value % of the base (or base × (value − 1)); included: the part of the base that is
+        // VAT, value ÷ (100 + value) of it (or (value − 1) ÷ value). Each rounded once.
+        const Decimal one = *Decimal::whole(1), hundred = *Decimal::whole(100);
+        const auto less = l->percent() ? std::optional<Decimal>(*v) : v->plus(one.negated());
+        const auto more = l->percent() ? hundred.plus(*v) : std::optional<Decimal>(*v);
+        MoneyResult amount = MoneyResult::refused(NumberProblem::TooManyDigits);
+        if (less && more) {
+            if (l->raises())
+                amount = l->percent() ? base->percent(*v) : base->times(*less);
+            else
+                amount = base->scaled(*less, *more);
+        }
+        if (!amount) {
+            r.problems.insert(
+                l->id, QStringLiteral("НДС «%1» со значением «%2»: сумма %3; он не применяется.")
+                           .arg(l->title.trimmed(), l->value.trimmed(), numberProblemText(amount.problem())));
+            continue;
+        }
+        r.effect[l->id] = *amount;
         r.vat += amount;
         if (l->raises())
             r.vatAdded += amount;
     }
-    r.works = TextValues::roundMoney(works);
-    r.materials = TextValues::roundMoney(materials);
-    r.grand = TextValues::roundMoney(r.works + r.materials + r.vatAdded);
+    r.works = works;
+    r.materials = materials;
+    r.grand = works + materials + r.vatAdded;
     return r;
 }
 

@@ -15,6 +15,10 @@
 //      results of 2 for the bases it applies to: "inc" adds it on top, "dec" means it is included
 //      (the amount is shown, the total stays).
 // Works total = works after 2, materials total = materials after 2, grand total = both + VAT added.
+// A line whose value is not a number, or whose change would pass the maximum amount, is left out and
+// named in `problems`; a total that would pass the maximum is refused.
+
+#include "storage/Money.h"
 
 #include <QHash>
 #include <QSqlDatabase>
@@ -42,18 +46,19 @@ struct KoefLine {
 };
 
 struct KoefResult {
-    double worksRaw = 0;
-    double materialsRaw = 0;
-    double works = 0;              // Edit6
-    double materials = 0;          // Edit4
-    double vat = 0;                // VAT amount, added or included
-    double vatAdded = 0;           // the part of it added on top
-    double grand = 0;              // Edit5
-    QHash<QString, double> effect; // line id -> money the line changed (VAT: its amount)
-    QStringList problems;          // lines whose value is not a usable number
+    MoneyResult worksRaw = Money();
+    MoneyResult materialsRaw = Money();
+    MoneyResult works = Money();      // Edit6
+    MoneyResult materials = Money();  // Edit4
+    MoneyResult vat = Money();        // VAT amount, added or included
+    MoneyResult vatAdded = Money();   // the part of it added on top
+    MoneyResult grand = Money();      // Edit5
+    QHash<QString, Money> effect;     // line id -> money the line changed (VAT: its amount)
+    QHash<QString, QString> problems; // line id -> why the line is left out
     bool operator==(const KoefResult &o) const {
         return worksRaw == o.worksRaw && materialsRaw == o.materialsRaw && works == o.works &&
-               materials == o.materials && vat == o.vat && grand == o.grand && effect == o.effect;
+               materials == o.materials && vat == o.vat && vatAdded == o.vatAdded && grand == o.grand &&
+               effect == o.effect && problems == o.problems;
     }
 };
 
@@ -65,8 +70,12 @@ std::vector<KoefLine> readAll(QSqlDatabase db);
 // ("SELECT * FROM koef WHERE checked='-1' and type=… and actionn=…"), in the panel's order.
 std::vector<KoefLine> readApplied(QSqlDatabase db);
 
-// Applies the lines that are on to the raw sums (money).
-KoefResult apply(const std::vector<KoefLine> &lines, double worksRaw, double materialsRaw);
+// Applies the lines that are on to the raw sums.
+KoefResult apply(const std::vector<KoefLine> &lines, const MoneyResult &worksRaw,
+                 const MoneyResult &materialsRaw);
+// Why a line's value cannot be used (not a number, or a factor of 0 that divides); empty when it can.
+// Lines that are off are checked too, so that letters typed into them show at once.
+QString valueProblem(const KoefLine &line);
 
 // Writing the table.
 bool update(QSqlDatabase db, const KoefLine &line, QString *error = nullptr);

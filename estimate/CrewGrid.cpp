@@ -1,13 +1,16 @@
 #include "CrewGrid.h"
 
+#include <QBrush>
+#include <QColor>
+
 CrewGrid::CrewGrid(QObject *parent) : CrewGridRows(parent) {
     m_rows.push_back(emptyRow());
 }
 
-QStringList CrewGrid::emptyRow() const {
-    QStringList r;
+CrewRow CrewGrid::emptyRow() const {
+    CrewRow r;
     for (int c = 0; c < CrewCol::Count; ++c)
-        r << QString();
+        r.cells << QString();
     return r;
 }
 
@@ -15,7 +18,7 @@ QString CrewGrid::cell(int gridRow, int col) const {
     const int m = gridRow - kFixedRows;
     if (m < 0 || m >= static_cast<int>(m_rows.size()) || col < 0 || col >= CrewCol::Count)
         return {};
-    return m_rows[static_cast<size_t>(m)].at(col);
+    return m_rows[static_cast<size_t>(m)].cells.at(col);
 }
 
 void CrewGrid::setCell(int gridRow, int col, const QString &text) {
@@ -24,7 +27,7 @@ void CrewGrid::setCell(int gridRow, int col, const QString &text) {
         return;
     if (m >= static_cast<int>(m_rows.size()))
         setGridRowCount(gridRow + 1);
-    QString &target = m_rows[static_cast<size_t>(m)][col];
+    QString &target = m_rows[static_cast<size_t>(m)].cells[col];
     if (target == text)
         return;
     target = text;
@@ -37,7 +40,7 @@ void CrewGrid::setAllRows(std::vector<QStringList> rows) {
     for (QStringList &r : rows) {
         while (r.size() < CrewCol::Count)
             r << QString();
-        m_rows.push_back(std::move(r));
+        m_rows.push_back(CrewRow{std::move(r), {}});
     }
     if (m_rows.empty())
         m_rows.push_back(emptyRow());
@@ -60,6 +63,12 @@ QVariant CrewGrid::data(const QModelIndex &index, int role) const {
         return {};
     if (role == Qt::DisplayRole || role == Qt::EditRole)
         return cell(index.row() + kFixedRows, index.column());
+    if (role == Qt::BackgroundRole || role == Qt::ToolTipRole) {
+        const QString problem = cellProblem(index.row() + kFixedRows, index.column());
+        if (problem.isEmpty())
+            return {};
+        return role == Qt::ToolTipRole ? QVariant(problem) : QVariant(QBrush(QColor(0xFF, 0xC8, 0xC8)));
+    }
     if (role == Qt::TextAlignmentRole && index.column() >= CrewCol::Qty && index.column() != CrewCol::IdRas)
         return int(Qt::AlignRight | Qt::AlignVCenter);
     return {};
@@ -93,4 +102,22 @@ QVariant CrewGrid::headerData(int section, Qt::Orientation orientation, int role
         return {};
     return orientation == Qt::Horizontal ? headerText(section)
                                          : QVariant(QString::number(section + kFixedRows));
+}
+
+void CrewGrid::setCellProblem(int gridRow, int col, const QString &reason) {
+    if (!isDataRow(gridRow))
+        return;
+    auto &problems = row(gridRow).problems;
+    if (reason.isEmpty() ? !problems.contains(col) : problems.value(col) == reason)
+        return;
+    if (reason.isEmpty())
+        problems.remove(col);
+    else
+        problems.insert(col, reason);
+    const QModelIndex idx = index(toModelRow(gridRow), col);
+    emit dataChanged(idx, idx, {Qt::BackgroundRole, Qt::ToolTipRole});
+}
+
+QString CrewGrid::cellProblem(int gridRow, int col) const {
+    return isDataRow(gridRow) ? row(gridRow).problems.value(col) : QString();
 }

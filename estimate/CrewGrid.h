@@ -4,6 +4,7 @@
 
 #include "GridRows.h"
 
+#include <QHash>
 #include <QStringList>
 #include <vector>
 
@@ -24,7 +25,12 @@ enum : int {
 };
 }
 
-using CrewGridRows = GridRows<QStringList, 1>;
+// One data row of the crew sheet.
+struct CrewRow {
+    QStringList cells;
+    QHash<int, QString> problems; // column -> why it has no usable value
+};
+using CrewGridRows = GridRows<CrewRow, 1>;
 
 class CrewGrid : public CrewGridRows {
     Q_OBJECT
@@ -39,6 +45,10 @@ public:
 
     static QString headerText(int col);
 
+    // A cell whose value cannot be had is flagged with the reason (tooltip, red background).
+    void setCellProblem(int gridRow, int col, const QString &reason);
+    QString cellProblem(int gridRow, int col) const;
+
     int columnCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
@@ -50,5 +60,5 @@ signals:
     void cellEdited(int gridRow, int col, const QString &oldText, const QString &newText);
 
 private:
-    QStringList emptyRow() const override;
+    CrewRow emptyRow() const override;
 };

@@ -3,7 +3,8 @@
 #include "CrewGrid.h"
 #include "EstimateGrid.h"
 #include "EstimateStructure.h"
-#include "EstimateTotals.h"
+#include "RowAmount.h"
+#include "storage/Money.h"
 #include "storage/TextValues.h"
 
 #include <QSqlDatabase>
@@ -12,9 +13,8 @@
 
 namespace {
 
-QString money(qint64 kopecks) {
-    return TextValues::formatMoney(static_cast<double>(kopecks) / 100.0);
-}
+// Decimals a crew price keeps (price × coefficient).
+constexpr int kCrewPriceDecimals = 6;
 
 // Estimate column -> crew column for the mirrored cells.
 int crewColumnOf(int estimateCol) {
@@ -43,7 +43,7 @@ int crewColumnOf(int estimateCol) {
 } // namespace
 
 CrewSheet::PriceLookup CrewSheet::priceListLookup(std::function<QSqlDatabase()> priceDb) {
-    return [priceDb](const QString &idRas, const QString &namePrice) -> std::optional<double> {
+    return [priceDb](const QString &idRas, const QString &namePrice) -> std::optional<Decimal> {
         // Only price list 1 carries crew prices.
         if (namePrice.trimmed() != QLatin1String("resurs1") || idRas.trimmed().isEmpty())
             return std::nullopt;
@@ -88,7 +88,7 @@ void CrewSheet::forgetPrices() {
     changed();
 }
 
-std::optional<double> CrewSheet::ratePrice(const QString &idRas, const QString &namePrice) {
+std::optional<Decimal> CrewSheet::ratePrice(const QString &idRas, const QString &namePrice) {
     if (!m_lookup || idRas.trimmed().isEmpty())
         return std::nullopt;
     const QString key = namePrice + QLatin1Char('/') + idRas;
@@ -134,7 +134,7 @@ void CrewSheet::setRowKoef(int estimateGridRow, const QString &text) {
     changed();
 }
 
-std::optional<double> CrewSheet::effectiveKoef(int estimateGridRow) const {
+std::optional<Decimal> CrewSheet::effectiveKoef(int estimateGridRow) const {
     const QString own = rowKoef(estimateGridRow);
     return TextValues::parseAmount(m_perRow && !TextValues::isBlank(own) ? own : m_global);
 }
@@ -312,46 +312,78 @@ void CrewSheet::evaluate(int m) {
     st = RowState{};
     st.dirty = false;
     const int r = EstimateGrid::toGridRow(m);
+    const int crewRow = m + CrewGrid::kFixedRows;
     const RowKind kind = m_grid->kind(r);
     st.kind = static_cast<int>(kind);
+    m_crew->setCellProblem(crewRow, CrewCol::Koef, QString());
+    m_crew->setCellProblem(crewRow, CrewCol::Price, QString());
     if (kind != RowKind::Work || EstimateStructure::isGrandTotalName(m_grid->cell(r, Name))) {
         setCrewCell(m, CrewCol::Price, QString());
         setCrewCell(m, CrewCol::Koef, QString());
-        if (kind == RowKind::SectionStart || kind == RowKind::SubsectionStart)
+        if (kind == RowKind::SectionStart || kind == RowKind::SubsectionStart) {
             setCrewCell(m, CrewCol::Sum, QString());
+            m_crew->setCellProblem(crewRow, CrewCol::Sum, QString());
+        }
         return;
     }
     st.work = true;
     const QString qtyText = m_grid->cell(r, Qty), priceText = m_grid->cell(r, Price);
     const QString own = m_koef[static_cast<size_t>(m)];
     const QString koefText = m_perRow && !TextValues::isBlank(own) ? own : m_global;
-    const auto k = TextValues::parseAmount(koefText);
-    const auto customer = TextValues::parseAmount(m_grid->cell(r, Sum));
+    const TextValues::NumberReading k = TextValues::readNumber(koefText, true);
+    // The customer's amount as the estimate shows it (empty when the estimate refused the row).
+    const MoneyResult customer = Money::parse(m_grid->cell(r, Sum));
     if (customer)
-        st.customer = EstimateTotals::toKopecks(*customer);
+        st.customer = *customer;
 
-    std::optional<double> crewPrice = ratePrice(m_grid->cell(r, IdRas), m_grid->cell(r, NamePrice));
+    QString priceProblem, sumProblem;
+    auto refused = [](const QString &what, NumberProblem problem) {
+        return QStringLiteral("%1 %2: она не считается и не входит в итог бригады.")
+            .arg(what, numberProblemText(problem));
+    };
+    std::optional<Decimal> crewPrice = ratePrice(m_grid->cell(r, IdRas), m_grid->cell(r, NamePrice));
     if (!crewPrice) {
         const auto p = TextValues::isBlank(priceText) ? std::nullopt : TextValues::parsePrice(priceText);
-        if (p && k)
-            crewPrice = TextValues::roundMoney(*p * *k);
+        if (p && k.value) {
+            // Exact, as the customer's price is: the crew's amount is rounded once, so that a
+            // coefficient of 1 gives the customer's amounts.
+            crewPrice = p->times(*k.value, kCrewPriceDecimals);
+            if (!crewPrice || !Money::of(*crewPrice))
+                priceProblem = refused(QStringLiteral("Цена бригады"), NumberProblem::TooLarge);
+            if (!priceProblem.isEmpty())
+                crewPrice.reset();
+        }
     }
-    std::optional<qint64> amount;
+    MoneyResult amount = MoneyResult::refused(NumberProblem::Blank);
     if (TextValues::isBlank(qtyText) && TextValues::isBlank(priceText)) {
-        if (customer && k) // a lump sum
-            amount = EstimateTotals::toKopecks(*customer * *k);
+        if (customer && k.value) // a lump sum
+            amount = customer->times(*k.value);
     } else if (const auto q = TextValues::parseAmount(qtyText); q && crewPrice) {
-        amount = EstimateTotals::toKopecks(*q * *crewPrice);
+        amount = Money::product(*crewPrice, *q);
     }
-    st.counted = amount.has_value();
-    st.crew = amount.value_or(0);
+    if (!amount && amount.problem() != NumberProblem::Blank)
+        sumProblem = refused(QStringLiteral("Сумма бригады"), amount.problem());
+    st.counted = amount.ok();
+    st.crew = amount.valueOr(Money());
     setCrewCell(m, CrewCol::Koef, koefText);
-    setCrewCell(m, CrewCol::Price, crewPrice ? TextValues::formatMoney(*crewPrice) : QString());
-    setCrewCell(m, CrewCol::Sum, amount ? money(*amount) : QString());
+    setCrewCell(m, CrewCol::Price, crewPrice ? TextValues::formatPrice(*crewPrice) : QString());
+    setCrewCell(m, CrewCol::Sum, amount.text());
+    if (!k.value && (customer || !TextValues::isBlank(priceText)))
+        m_crew->setCellProblem(crewRow, CrewCol::Koef,
+                               QStringLiteral("Коэффициент «%1» %2: цена и сумма бригады не считаются.")
+                                   .arg(koefText.trimmed(), numberProblemText(k.problem)));
+    m_crew->setCellProblem(crewRow, CrewCol::Price, priceProblem);
+    m_crew->setCellProblem(crewRow, CrewCol::Sum, sumProblem);
+}
+
+void CrewSheet::setCrewTotal(int m, const MoneyResult &total) {
+    setCrewCell(m, CrewCol::Sum, total.text());
+    m_crew->setCellProblem(m + CrewGrid::kFixedRows, CrewCol::Sum,
+                           total ? QString() : RowAmountText::totalRefused(total.problem()));
 }
 
 void CrewSheet::pass() {
-    qint64 all = 0, customer = 0, section = 0, subsection = 0;
+    MoneyResult all = Money(), customer = Money(), section = Money(), subsection = Money();
     std::vector<int> grandRows;
     for (int m = 0; m < static_cast<int>(m_rows.size()); ++m) {
         const RowState &st = m_rows[static_cast<size_t>(m)];
@@ -362,28 +394,30 @@ void CrewSheet::pass() {
                 break;
             }
             customer += st.customer;
-            all += st.crew;
-            section += st.crew;
-            subsection += st.crew;
+            if (st.counted) {
+                all += st.crew;
+                section += st.crew;
+                subsection += st.crew;
+            }
             break;
         case RowKind::SectionStart:
-            section = subsection = 0;
+            section = subsection = Money();
             break;
         case RowKind::SubsectionStart:
-            subsection = 0;
+            subsection = Money();
             break;
         case RowKind::SubsectionTotal:
-            setCrewCell(m, CrewCol::Sum, money(subsection));
-            subsection = 0;
+            setCrewTotal(m, subsection);
+            subsection = Money();
             break;
         case RowKind::SectionTotal:
-            setCrewCell(m, CrewCol::Sum, money(section));
-            section = subsection = 0;
+            setCrewTotal(m, section);
+            section = subsection = Money();
             break;
         }
     }
     for (int m : grandRows)
-        setCrewCell(m, CrewCol::Sum, money(all));
+        setCrewTotal(m, all);
     if (all != m_crewTotal || customer != m_customerTotal) {
         m_crewTotal = all;
         m_customerTotal = customer;
@@ -391,12 +425,17 @@ void CrewSheet::pass() {
     }
 }
 
-qint64 CrewSheet::crewKopecks() {
+MoneyResult CrewSheet::crewTotal() {
     flush();
     return m_crewTotal;
 }
 
-qint64 CrewSheet::customerKopecks() {
+MoneyResult CrewSheet::customerTotal() {
     flush();
     return m_customerTotal;
+}
+
+MoneyResult CrewSheet::margin() {
+    flush();
+    return m_customerTotal - m_crewTotal;
 }

@@ -5,10 +5,14 @@
 // - k (column 8): in "one coefficient for all rows" mode the global coefficient; in "per row" mode the
 //   row's own coefficient, or the global one where the row has none;
 // - crew price (column 5) = the crew price the rate brought from price list 1 (`link`), else the
-//   customer's price × k, rounded to kopecks; crew amount (column 6) = quantity × crew price (a lump
-//   sum row: its amount × k);
+//   customer's price × k (exact to six decimals, not rounded to kopecks); crew amount (column 6) =
+//   quantity × crew price (a lump sum row: its amount × k), rounded once to kopecks;
 // - "ip"/"ir" rows carry the crew sums of their subsection/section, a closing "Итого" row the crew
-//   total; the margin is what the customer pays for the works (sum of column 10) minus the crew total.
+//   total; the margin is what the customer pays for the works (sum of column 10) minus the crew total;
+// - a coefficient that is not a number, or a price or amount that would pass the maximum, leaves the
+//   cell empty and marked with the reason, and the row out of the crew's totals.
+
+#include "storage/Money.h"
 
 #include <QHash>
 #include <QObject>
@@ -26,7 +30,7 @@ class CrewSheet : public QObject {
     Q_OBJECT
 public:
     // The crew price a rate brought (idRas, NamePrice of the estimate row), if any.
-    using PriceLookup = std::function<std::optional<double>(const QString &idRas, const QString &namePrice)>;
+    using PriceLookup = std::function<std::optional<Decimal>(const QString &idRas, const QString &namePrice)>;
     // Reads `link` of price list 1 (rows whose NamePrice is "resurs1") through the given connection.
     static PriceLookup priceListLookup(std::function<QSqlDatabase()> priceDb);
 
@@ -45,7 +49,7 @@ public:
     QString rowKoef(int estimateGridRow) const;
     void setRowKoef(int estimateGridRow, const QString &text);
     // The coefficient in force for the row, as a number; nullopt when it is not a number.
-    std::optional<double> effectiveKoef(int estimateGridRow) const;
+    std::optional<Decimal> effectiveKoef(int estimateGridRow) const;
 
     void hold() { ++m_hold; }
     void release();
@@ -53,11 +57,10 @@ public:
     // Mirrors every row again (the crew grid was replaced).
     void rebuild();
 
-    qint64 crewKopecks();
-    qint64 customerKopecks();
-    double crewTotal() { return static_cast<double>(crewKopecks()) / 100.0; }
-    double customerTotal() { return static_cast<double>(customerKopecks()) / 100.0; }
-    double margin() { return customerTotal() - crewTotal(); }
+    // The sums; refused past the maximum.
+    MoneyResult crewTotal();
+    MoneyResult customerTotal();
+    MoneyResult margin();
 
 signals:
     void totalsChanged();
@@ -73,8 +76,8 @@ private:
         bool counted = false;
         bool work = false;
         int kind = 0; // RowKind
-        qint64 crew = 0;
-        qint64 customer = 0;
+        Money crew;
+        Money customer;
     };
     void onDataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles);
     // The crew rows follow the estimate's structure as it is announced, so that cells written by
@@ -92,14 +95,16 @@ private:
     void mirror(int modelRow, int firstCol, int lastCol);
     void evaluate(int modelRow);
     void pass();
+    // A totals row's crew sum, marked when refused.
+    void setCrewTotal(int modelRow, const MoneyResult &total);
     void markAll();
     void setCrewCell(int modelRow, int col, const QString &text);
-    std::optional<double> ratePrice(const QString &idRas, const QString &namePrice);
+    std::optional<Decimal> ratePrice(const QString &idRas, const QString &namePrice);
 
     EstimateGrid *m_grid;
     CrewGrid *m_crew;
     PriceLookup m_lookup;
-    QHash<QString, std::optional<double>> m_prices; // "NamePrice/idRas" -> the lookup's answer
+    QHash<QString, std::optional<Decimal>> m_prices; // "NamePrice/idRas" -> the lookup's answer
     std::vector<RowState> m_rows;
     std::vector<QString> m_koef; // the rows' own coefficients, index = estimate model row
     QString m_global = QStringLiteral("1");
@@ -107,6 +112,6 @@ private:
     int m_hold = 0;
     bool m_dirty = true;
     bool m_writing = false;
-    qint64 m_crewTotal = 0;
-    qint64 m_customerTotal = 0;
+    MoneyResult m_crewTotal = Money();
+    MoneyResult m_customerTotal = Money();
 };

@@ -7,6 +7,7 @@
 #include "EstimateEditor.h"
 #include "EstimateGrid.h"
 #include "KoefPanel_frame.h"
+#include "ProblemsLine_frame.h"
 #include "SmetaMaterials_frame.h"
 #include "TwoRowHeader.h"
 #include "storage/MainSettings.h"
@@ -51,6 +52,8 @@ void EditorPart::buildPages() {
     m_view = new QTableView(m_estimatePage);
     m_view->setObjectName(QStringLiteral("StringGridDoc"));
     docLayout->addWidget(m_view, 1);
+    // How many cells need fixing, right under the grid.
+    docLayout->addWidget(new TProblemsLine(&m_doc->editor(), m_estimatePage));
     auto *koefPanel = new QWidget(m_estimatePage);
     koefPanel->setObjectName(QStringLiteral("PanelKoef"));
     auto *koefLayout = new QVBoxLayout(koefPanel);
@@ -278,7 +281,7 @@ void EditorPart::showEstimatePage() {
 
 void EditorPart::showTotals() {
     const EstimateEditor &editor = m_doc->editor();
-    m_works->setText(TextValues::formatMoney(editor.worksTotal()));
-    m_materials->setText(TextValues::formatMoney(editor.materialsTotal()));
-    m_grand->setText(TextValues::formatMoney(editor.grandTotal()));
+    AmountField::show(m_works, editor.worksTotal());
+    AmountField::show(m_materials, editor.materialsTotal());
+    AmountField::show(m_grand, editor.grandTotal());
 }

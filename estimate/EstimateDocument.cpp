@@ -415,9 +415,9 @@ EstimateDocument::Result EstimateDocument::save() {
     entry.fileName = m_fileName;
     entry.client = m_header.customer;
     entry.object = m_header.object;
-    entry.summat = TextValues::formatMoney(m_editor->materialsTotal());
-    entry.sumrab = TextValues::formatMoney(m_editor->worksTotal());
-    entry.allsum = TextValues::formatMoney(m_editor->grandTotal());
+    entry.summat = m_editor->materialsTotal().text();
+    entry.sumrab = m_editor->worksTotal().text();
+    entry.allsum = m_editor->grandTotal().text();
     entry.draft = m_draft;
 
     QSqlDatabase db = m_module->database(Db::Smeta);

@@ -79,6 +79,15 @@ EstimateEditor::EstimateEditor(EstimateGrid *grid, CrewGrid *crew, DatabaseProvi
     connect(m_koef.get(), &KoefModel::linesChanged, this, &EstimateEditor::recomputeCoefficients);
     connect(m_crew.get(), &CrewSheet::totalsChanged, this, &EstimateEditor::totalsChanged);
     connect(m_crew.get(), &CrewSheet::settingsChanged, this, &EstimateEditor::storeCrewSettings);
+    // Marks come and go with the cells' values; the count follows them.
+    auto check = [this] { checkProblems(); };
+    for (QAbstractItemModel *model :
+         {static_cast<QAbstractItemModel *>(grid), static_cast<QAbstractItemModel *>(m_koef.get()),
+          static_cast<QAbstractItemModel *>(m_materials.get())}) {
+        connect(model, &QAbstractItemModel::dataChanged, this, check);
+        connect(model, &QAbstractItemModel::rowsRemoved, this, check);
+        connect(model, &QAbstractItemModel::modelReset, this, check);
+    }
     takeSnapshot();
     recomputeCoefficients();
 }
@@ -302,28 +311,56 @@ bool EstimateEditor::applyStep(bool undoing) {
 void EstimateEditor::recomputeCoefficients() {
     KoefResult r = Coefficients::apply(m_koef->applied(), m_totals->works(), m_materials->total());
     m_koef->setResult(r);
-    if (r == *m_result && r.problems == m_result->problems)
+    if (r == *m_result)
         return;
     *m_result = std::move(r);
     emit totalsChanged();
 }
 
-double EstimateEditor::worksRaw() const {
+EstimateEditor::ProblemCells EstimateEditor::problemCells() const {
+    return {m_grid->problemCellCount(), m_koef->problemCellCount(), m_materials->problemCellCount()};
+}
+
+void EstimateEditor::checkProblems() {
+    const ProblemCells now = problemCells();
+    if (now == m_problems)
+        return;
+    m_problems = now;
+    emit problemsChanged();
+}
+
+QString EstimateEditor::ProblemCells::text() const {
+    if (total() == 0)
+        return QString();
+    QStringList parts;
+    if (estimate > 0)
+        parts << QStringLiteral("смета: %1").arg(estimate);
+    if (koef > 0)
+        parts << QStringLiteral("коэффициенты: %1").arg(koef);
+    if (materials > 0)
+        parts << QStringLiteral("материалы: %1").arg(materials);
+    return QStringLiteral("Ячеек с ошибками: %1 (%2). Их суммы не входят в итоги; причина — в подсказке "
+                          "красной ячейки.")
+        .arg(total())
+        .arg(parts.join(QStringLiteral(", ")));
+}
+
+MoneyResult EstimateEditor::worksRaw() const {
     return m_totals->works();
 }
-double EstimateEditor::materialsRaw() const {
+MoneyResult EstimateEditor::materialsRaw() const {
     return m_materials->total();
 }
-double EstimateEditor::worksTotal() const {
+MoneyResult EstimateEditor::worksTotal() const {
     return m_result->works;
 }
-double EstimateEditor::materialsTotal() const {
+MoneyResult EstimateEditor::materialsTotal() const {
     return m_result->materials;
 }
-double EstimateEditor::vatAmount() const {
+MoneyResult EstimateEditor::vatAmount() const {
     return m_result->vat;
 }
-double EstimateEditor::grandTotal() const {
+MoneyResult EstimateEditor::grandTotal() const {
     return m_result->grand;
 }
 const KoefResult &EstimateEditor::koefResult() const {

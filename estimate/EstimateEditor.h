@@ -13,6 +13,7 @@
 // loop.
 
 #include "storage/Catalogue.h"
+#include "storage/Money.h"
 
 #include <QList>
 #include <QObject>
@@ -113,14 +114,31 @@ public:
     bool canEditCell(int gridRow, int col) const;
     bool isGrandTotalRow(int gridRow) const;
 
-    // ----- Totals (money). "Raw" sums are before the coefficient lines.
-    double worksRaw() const;
-    double materialsRaw() const;
-    double worksTotal() const;     // Edit6
-    double materialsTotal() const; // Edit4
-    double vatAmount() const;
-    double grandTotal() const; // Edit5
+    // ----- Totals. "Raw" sums are before the coefficient lines. A total that would pass the maximum
+    // amount is refused (MoneyResult says why), never wrapped.
+    MoneyResult worksRaw() const;
+    MoneyResult materialsRaw() const;
+    MoneyResult worksTotal() const;     // Edit6
+    MoneyResult materialsTotal() const; // Edit4
+    MoneyResult vatAmount() const;
+    MoneyResult grandTotal() const; // Edit5
     const KoefResult &koefResult() const;
+
+    // ----- Cells that need fixing: marked because their text is not a number or their amount would
+    // pass the maximum; what they hold is left out of every total.
+    struct ProblemCells {
+        int estimate = 0;  // the estimate grid (quantities, prices, amounts, refused totals)
+        int koef = 0;      // values of the coefficient panel
+        int materials = 0; // the materials tab
+        int total() const { return estimate + koef + materials; }
+        bool operator==(const ProblemCells &o) const {
+            return estimate == o.estimate && koef == o.koef && materials == o.materials;
+        }
+        bool operator!=(const ProblemCells &o) const { return !(*this == o); }
+        // The line under the grid: "Ячеек с ошибками: 3 (смета: 2, материалы: 1) …"; empty when none.
+        QString text() const;
+    };
+    ProblemCells problemCells() const;
 
 public slots:
     // Someone wrote the materials table of the working database: reload it and total again.
@@ -133,6 +151,8 @@ signals:
     void totalsChanged();
     // canUndo/canRedo or their titles changed.
     void undoStateChanged();
+    // problemCells() changed.
+    void problemsChanged();
     // A committed, undone or redone step inserted, removed or re-quantified rows of these rates
     // (idRas, NamePrice): the estimate's materials from norms may need recomputing.
     void ratesAffected(const QList<QPair<QString, QString>> &rates);
@@ -148,6 +168,7 @@ private:
     void recomputeCoefficients();
     bool applyStep(bool undoing);
     void storeCrewSettings();
+    void checkProblems();
     // Removes grid rows rows.first..rows.second as one step titled title; refused with refusal when
     // there is no such block ({-1, -1}).
     bool removeBlock(QPair<int, int> rows, const QString &refusal, const QString &title);
@@ -170,4 +191,5 @@ private:
     QString m_crewKoef = QStringLiteral("1");
     bool m_crewPerRow = false;
     bool m_loading = false;
+    ProblemCells m_problems;
 };

@@ -46,7 +46,7 @@ bool load(const QString &documentPath, EstimatePrint *print, QString *error) {
 }
 
 bool exportFile(const QString &documentPath, const QString &outPath, const QString &dataFolder,
-                QString *error, OfficeEngine *engine) {
+                QString *error, OfficeEngine *engine, QString *warning) {
     const QString format = QFileInfo(outPath).suffix().toLower();
     if (format != QLatin1String("pdf") && format != QLatin1String("xls")) {
         *error = QStringLiteral("Документ выводится в файл .pdf или .xls: %1")
@@ -71,6 +71,8 @@ bool exportFile(const QString &documentPath, const QString &outPath, const QStri
         own = std::make_unique<OfficeEngine>(dataFolder);
         engine = own.get();
     }
+    if (warning)
+        *warning = EstimateOutput::leftOutWarning(print);
     return EstimateOutput::produce(*engine, dataFolder, print, titles, {{outPath, format}}, error);
 }
 

@@ -16,8 +16,9 @@ bool load(const QString &documentPath, EstimatePrint *print, QString *error);
 
 // Renders the document's estimate into outPath (".pdf" or ".xls", by its extension) with the template
 // of its title from <dataFolder>/Sh (default templates are put there first when missing). engine: the
-// engine to use; null starts one for this call.
+// engine to use; null starts one for this call. warning: the rows whose amounts were left out (cells to
+// be fixed), empty when none.
 bool exportFile(const QString &documentPath, const QString &outPath, const QString &dataFolder,
-                QString *error, OfficeEngine *engine = nullptr);
+                QString *error, OfficeEngine *engine = nullptr, QString *warning = nullptr);
 
 } // namespace EstimateExport

@@ -77,6 +77,7 @@ void EstimateGrid::setRowCells(int gridRow, const QStringList &cells) {
     for (int c = 0; c < EstimateCol::Count; ++c)
         r.cells[c] = c < cells.size() ? cells.at(c) : QString();
     r.problems.clear();
+    m_problemCount = -1;
     const int m = toModelRow(gridRow);
     emit dataChanged(index(m, 0), index(m, EstimateCol::Count - 1));
     emit contentChanged();
@@ -90,6 +91,7 @@ void EstimateGrid::clear() {
     beginResetModel();
     m_rows.clear();
     m_rows.push_back(emptyRow());
+    m_problemCount = -1;
     endResetModel();
     emit contentChanged();
 }
@@ -106,6 +108,7 @@ void EstimateGrid::setAllRows(std::vector<QStringList> rows) {
     }
     if (m_rows.empty())
         m_rows.push_back(emptyRow());
+    m_problemCount = -1;
     endResetModel();
     emit contentChanged();
 }
@@ -167,7 +170,7 @@ QColor EstimateGrid::foregroundFor(int gridRow, int col) const {
     const QString name = cell(gridRow, EstimateCol::Name);
     if (col == EstimateCol::Sum) {
         auto v = TextValues::parseAmount(cell(gridRow, EstimateCol::Sum));
-        if (v && *v == 0.0)
+        if (v && v->isZero())
             return QColor(Qt::red);
     }
     QColor colour;
@@ -253,6 +256,8 @@ void EstimateGrid::setCellProblem(int gridRow, int col, const QString &reason) {
     auto &problems = row(gridRow).problems;
     if (reason.isEmpty() ? !problems.contains(col) : problems.value(col) == reason)
         return;
+    if (m_problemCount >= 0 && reason.isEmpty() != !problems.contains(col))
+        m_problemCount += reason.isEmpty() ? -1 : 1;
     if (reason.isEmpty())
         problems.remove(col);
     else
@@ -263,4 +268,13 @@ void EstimateGrid::setCellProblem(int gridRow, int col, const QString &reason) {
 
 QString EstimateGrid::cellProblem(int gridRow, int col) const {
     return isDataRow(gridRow) ? row(gridRow).problems.value(col) : QString();
+}
+
+int EstimateGrid::problemCellCount() const {
+    if (m_problemCount < 0) {
+        m_problemCount = 0;
+        for (const Row &r : m_rows)
+            m_problemCount += static_cast<int>(r.problems.size());
+    }
+    return m_problemCount;
 }

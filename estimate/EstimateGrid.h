@@ -94,6 +94,8 @@ public:
     // Validation marks: a cell whose text is not a number is flagged with the reason (tooltip).
     void setCellProblem(int gridRow, int col, const QString &reason);
     QString cellProblem(int gridRow, int col) const;
+    // How many cells are marked.
+    int problemCellCount() const;
 
 signals:
     // A user edit through the view (setData): the editor records it and recomputes.
@@ -105,7 +107,11 @@ private:
     using Row = EstimateRow;
     Row emptyRow() const override;
     // Content and structure are the document: every change of the rows is announced.
-    void rowsChanged() override { emit contentChanged(); }
+    void rowsChanged() override {
+        m_problemCount = -1;
+        emit contentChanged();
+    }
 
     bool m_dark = false;
+    mutable int m_problemCount = -1; // -1: count again
 };

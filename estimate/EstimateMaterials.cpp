@@ -1,6 +1,6 @@
 #include "EstimateMaterials.h"
 
-#include "EstimateTotals.h"
+#include "RowAmount.h"
 #include "storage/TextValues.h"
 
 #include <QBrush>
@@ -30,46 +30,27 @@ const char *columnName(int col) {
     }
 }
 
-QString notANumber(const QString &what, const QString &text) {
-    return QStringLiteral("%1 «%2» не является числом: сумма не считается и не входит в итог.")
-        .arg(what, text.trimmed());
-}
-
 } // namespace
 
 EstimateMaterials::EstimateMaterials(std::function<QSqlDatabase()> database, QObject *parent)
     : QAbstractTableModel(parent), m_database(std::move(database)) {}
 
 void EstimateMaterials::evaluate(Row &row) const {
+    const RowAmount a =
+        RowAmount::of(row.cells[MatCol::Qty], row.cells[MatCol::Price], row.cells[MatCol::Sum]);
     row.problems.clear();
-    row.counted = false;
-    row.amount = 0;
-    const QString qty = row.cells[MatCol::Qty], price = row.cells[MatCol::Price];
-    if (TextValues::isBlank(qty) && TextValues::isBlank(price)) {
-        if (TextValues::isBlank(row.cells[MatCol::Sum]))
-            return;
-        if (auto v = TextValues::parseAmount(row.cells[MatCol::Sum])) {
-            row.counted = true;
-            row.amount = EstimateTotals::toKopecks(*v);
-        } else {
-            row.problems.insert(MatCol::Sum, notANumber(QStringLiteral("Сумма"), row.cells[MatCol::Sum]));
-        }
-        return;
-    }
-    const auto q = TextValues::isBlank(qty) ? std::nullopt : TextValues::parseAmount(qty);
-    const auto p = TextValues::isBlank(price) ? std::nullopt : TextValues::parsePrice(price);
-    if (!TextValues::isBlank(qty) && !q)
-        row.problems.insert(MatCol::Qty, notANumber(QStringLiteral("Количество"), qty));
-    if (!TextValues::isBlank(price) && !p)
-        row.problems.insert(MatCol::Price, notANumber(QStringLiteral("Цена"), price));
-    if (q && p) {
-        row.counted = true;
-        row.amount = EstimateTotals::toKopecks(*q * *p);
-    }
+    if (!a.quantityProblem.isEmpty())
+        row.problems.insert(MatCol::Qty, a.quantityProblem);
+    if (!a.priceProblem.isEmpty())
+        row.problems.insert(MatCol::Price, a.priceProblem);
+    if (!a.sumProblem.isEmpty())
+        row.problems.insert(MatCol::Sum, a.sumProblem);
+    row.counted = a.amount.has_value();
+    row.amount = a.amount.value_or(Money());
 }
 
 void EstimateMaterials::sum() {
-    qint64 total = 0;
+    MoneyResult total = Money();
     for (const Row &r : m_rows)
         if (r.counted)
             total += r.amount;
@@ -77,6 +58,13 @@ void EstimateMaterials::sum() {
         m_total = total;
         emit totalChanged();
     }
+}
+
+int EstimateMaterials::problemCellCount() const {
+    int n = 0;
+    for (const Row &r : m_rows)
+        n += static_cast<int>(r.problems.size());
+    return n;
 }
 
 void EstimateMaterials::reload() {
@@ -205,8 +193,7 @@ bool EstimateMaterials::setData(const QModelIndex &index, const QVariant &value,
     const bool computed =
         !TextValues::isBlank(r.cells[MatCol::Qty]) || !TextValues::isBlank(r.cells[MatCol::Price]);
     if (computed)
-        r.cells[MatCol::Sum] =
-            r.counted ? TextValues::formatMoney(static_cast<double>(r.amount) / 100.0) : QString();
+        r.cells[MatCol::Sum] = r.counted ? r.amount.text() : QString();
 
     QSqlDatabase db = m_database();
     QSqlQuery q(db);

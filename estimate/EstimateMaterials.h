@@ -2,7 +2,10 @@
 // The estimate's materials (table `materials` of the working database) as an editable table: name,
 // unit, quantity, price, note are typed in; amount = quantity × price rounded to kopecks (a row with
 // neither keeps the amount written into it). Every change is written into the table at once. A
-// quantity or price that is not a number is marked with the reason and left out of the total.
+// quantity or price that is not a number, or whose amount would pass the maximum, is marked with the
+// reason and left out of the total (see RowAmount).
+
+#include "storage/Money.h"
 
 #include <QAbstractTableModel>
 #include <QHash>
@@ -21,14 +24,16 @@ public:
 
     // Reads the table again (someone else wrote it).
     void reload();
-    qint64 totalKopecks() const { return m_total; }
-    double total() const { return static_cast<double>(m_total) / 100.0; }
+    // The sum of the rows that count; refused past the maximum.
+    MoneyResult total() const { return m_total; }
 
     // An empty material at the end; its row.
     int addRow();
     bool removeRows(int first, int last);
     QString lastError() const { return m_error; }
     QString cellProblem(int row, int col) const;
+    // How many cells are marked.
+    int problemCellCount() const;
 
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
@@ -46,7 +51,7 @@ private:
         QString edras;
         QStringList cells; // MatCol order; Num is computed
         QHash<int, QString> problems;
-        qint64 amount = 0;
+        Money amount;
         bool counted = false;
     };
     void evaluate(Row &row) const;
@@ -54,6 +59,6 @@ private:
 
     std::function<QSqlDatabase()> m_database;
     std::vector<Row> m_rows;
-    qint64 m_total = 0;
+    MoneyResult m_total = Money();
     QString m_error;
 };

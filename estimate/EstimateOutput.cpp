@@ -14,16 +14,28 @@ namespace {
 
 using namespace TemplateNames;
 
-SheetValue money(double v) {
-    const double r = TextValues::roundMoney(v);
-    return SheetValue::ofNumber(r, TextValues::formatMoneyGrouped(r));
+SheetValue money(Money v) {
+    return SheetValue::ofMoney(v);
 }
 
-// A grid text as a typed value: a number when it reads as one, else the text itself.
-SheetValue amountOrText(const QString &text, bool isMoney) {
-    if (const auto v = TextValues::parseAmount(text))
-        return isMoney ? money(*v) : SheetValue::ofNumber(*v, TextValues::formatQuantity(*v));
-    return SheetValue::ofText(text);
+enum class Cell { Quantity, Price, Amount };
+
+// A grid text as a typed value: a number when it reads as one, else the text itself. Unit prices keep
+// every decimal they have (a price of 0,125 is not printed as 0,13); amounts are money.
+SheetValue amountOrText(const QString &text, Cell kind) {
+    const auto v = TextValues::parseAmount(text);
+    if (!v)
+        return SheetValue::ofText(text);
+    switch (kind) {
+    case Cell::Quantity:
+        return SheetValue::ofNumber(v->toDouble(), TextValues::formatQuantity(*v));
+    case Cell::Price:
+        return SheetValue::ofNumber(v->toDouble(), TextValues::groupThousands(TextValues::formatPrice(*v)));
+    case Cell::Amount:
+        break;
+    }
+    const MoneyResult m = Money::of(*v);
+    return m ? money(*m) : SheetValue::ofText(text);
 }
 
 SheetValue numberOrText(const QString &text) {
@@ -40,9 +52,9 @@ SheetRow workRow(const EstimatePrint::Row &r) {
     row.cells.insert(colCode, SheetValue::ofText(r.code));
     row.cells.insert(colName, SheetValue::ofText(r.name));
     row.cells.insert(colUnit, SheetValue::ofText(r.unit));
-    row.cells.insert(colQuantity, amountOrText(r.quantity, false));
-    row.cells.insert(colPrice, amountOrText(r.price, true));
-    row.cells.insert(colSum, amountOrText(r.sum, true));
+    row.cells.insert(colQuantity, amountOrText(r.quantity, Cell::Quantity));
+    row.cells.insert(colPrice, amountOrText(r.price, Cell::Price));
+    row.cells.insert(colSum, amountOrText(r.sum, Cell::Amount));
     return row;
 }
 
@@ -75,10 +87,10 @@ SheetList estimateRows(const EstimatePrint &p, bool runningNumbers) {
             list.rows << namedRow(rowSubsection, r.name);
             break;
         case EstimatePrint::Kind::SectionTotal:
-            list.rows << namedRow(rowSectionTotal, r.name, amountOrText(r.sum, true));
+            list.rows << namedRow(rowSectionTotal, r.name, amountOrText(r.sum, Cell::Amount));
             break;
         case EstimatePrint::Kind::SubsectionTotal:
-            list.rows << namedRow(rowSubsectionTotal, r.name, amountOrText(r.sum, true));
+            list.rows << namedRow(rowSubsectionTotal, r.name, amountOrText(r.sum, Cell::Amount));
             break;
         }
     }
@@ -116,16 +128,16 @@ SheetList statementRows(const EstimatePrint &p) {
         if (r.kind == EstimatePrint::Kind::Section)
             section = r.name;
         else if (r.kind == EstimatePrint::Kind::SectionTotal)
-            add(section.isEmpty() ? r.name : section, amountOrText(r.sum, true));
+            add(section.isEmpty() ? r.name : section, amountOrText(r.sum, Cell::Amount));
     }
     if (list.rows.isEmpty())
         add(p.nameOfWorks.isEmpty() ? QStringLiteral("Выполненные работы") : p.nameOfWorks,
             money(p.worksRaw));
-    if (p.materialsRaw != 0)
+    if (!p.materialsRaw.isZero())
         add(QStringLiteral("Материалы"), money(p.materialsRaw));
-    const double added =
-        TextValues::roundMoney(p.worksTotal + p.materialsTotal - p.worksRaw - p.materialsRaw);
-    if (added != 0)
+    // Within the range: each total is, and the printed document was refused otherwise.
+    const Money added = (p.worksTotal + p.materialsTotal - p.worksRaw - p.materialsRaw).value();
+    if (!added.isZero())
         add(QStringLiteral("Начисления по коэффициентам"), money(added));
     return list;
 }
@@ -133,23 +145,23 @@ SheetList statementRows(const EstimatePrint &p) {
 SheetList closingLines(const EstimatePrint &p, Form form) {
     SheetList list;
     list.kinds = {rowTotals};
-    auto add = [&list](const QString &name, double amount) {
+    auto add = [&list](const QString &name, Money amount) {
         list.rows << namedRow(rowTotals, name, money(amount));
     };
     if (form == Form::Ks3) {
-        add(QStringLiteral("Итого"), p.worksTotal + p.materialsTotal);
+        add(QStringLiteral("Итого"), (p.worksTotal + p.materialsTotal).value());
         add(QStringLiteral("Сумма НДС"), p.vat);
         add(QStringLiteral("Всего с учетом НДС"), p.grand);
         return list;
     }
-    const bool detailed = !p.materialRows.isEmpty() || !p.koefLines.isEmpty() || p.vat != 0;
+    const bool detailed = !p.materialRows.isEmpty() || !p.koefLines.isEmpty() || !p.vat.isZero();
     if (detailed)
         add(QStringLiteral("Итого по работам"), p.worksRaw);
     for (const EstimatePrint::Line &line : p.koefLines)
         add(line.name, line.amount);
     if (!p.materialRows.isEmpty())
         add(QStringLiteral("Итого по материалам"), p.materialsRaw);
-    if (p.vat != 0) {
+    if (!p.vat.isZero()) {
         const QString vat = p.vatName.isEmpty() ? QStringLiteral("НДС") : p.vatName;
         add(p.vatIncluded ? QStringLiteral("В том числе %1").arg(vat) : vat, p.vat);
     }
@@ -221,11 +233,11 @@ SheetData sheetData(const EstimatePrint &p, const Sheet &sheet, const ViewTitles
     d.values.insert(materialsTotal, money(p.materialsTotal));
     d.values.insert(vat, money(p.vat));
     d.values.insert(grandTotal, money(p.grand));
-    d.values.insert(subtotal, money(p.worksTotal + p.materialsTotal));
+    d.values.insert(subtotal, money((p.worksTotal + p.materialsTotal).value()));
     // The act's own fields under their names; a stored contract value prints as money.
     for (auto it = p.act.cbegin(); it != p.act.cend(); ++it) {
         if (it.key() == QLatin1String("EditSumSmet"))
-            d.values.insert(it.key(), amountOrText(it.value(), true));
+            d.values.insert(it.key(), amountOrText(it.value(), Cell::Amount));
         else
             text(it.key(), it.value());
     }
@@ -267,9 +279,22 @@ SheetData sheetData(const EstimatePrint &p, const Sheet &sheet, const ViewTitles
     return d;
 }
 
+QString leftOutWarning(const EstimatePrint &print) {
+    if (print.leftOut.isEmpty())
+        return QString();
+    return QStringLiteral("Суммы этих строк не вошли в документ и в его итоги, пока их ячейки не "
+                          "исправлены:\n") +
+           print.leftOut.join(u'\n');
+}
+
 bool produce(OfficeEngine &engine, const QString &dataFolder, const EstimatePrint &print,
              const ViewTitles &titles, const QVector<TemplateFile::Output> &outputs, QString *error,
              const SheetTemplate::Progress &progress) {
+    if (!print.refusal.isEmpty()) {
+        if (error)
+            *error = print.refusal;
+        return false;
+    }
     const Sheet sheet = sheetFor(print.title, titles);
     return SheetTemplate::fill(engine, OfficeTemplates::path(dataFolder, sheet.templateFile),
                                sheetData(print, sheet, titles), outputs, error, progress);

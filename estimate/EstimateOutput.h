@@ -33,7 +33,12 @@ QString currencySign(int currency);
 // Everything the template of the sheet receives.
 SheetData sheetData(const EstimatePrint &print, const Sheet &sheet, const ViewTitles &titles);
 
-// Fills the sheet's template from <dataFolder>/Sh and saves the outputs (".xls", ".pdf").
+// The rows whose amounts were left out (cells to be fixed), as a warning for the user after output;
+// empty when there are none.
+QString leftOutWarning(const EstimatePrint &print);
+
+// Fills the sheet's template from <dataFolder>/Sh and saves the outputs (".xls", ".pdf"). A print whose
+// totals were refused is not produced (error says why).
 bool produce(OfficeEngine &engine, const QString &dataFolder, const EstimatePrint &print,
              const ViewTitles &titles, const QVector<TemplateFile::Output> &outputs, QString *error,
              const SheetTemplate::Progress &progress = {});

@@ -4,8 +4,6 @@
 #include "estimate/EstimateEditor.h"
 #include "estimate/EstimateGrid.h"
 #include "estimate/EstimateMaterials.h"
-#include "estimate/EstimateTotals.h"
-#include "storage/TextValues.h"
 
 #include <QSqlQuery>
 
@@ -51,6 +49,7 @@ QString lineName(const KoefLine &line) {
 void fillBody(EstimatePrint &print, const EstimateEditor &editor, QSqlDatabase db) {
     const EstimateGrid &grid = *editor.grid();
     print.rows.clear();
+    print.leftOut.clear();
     for (int r = EstimateGrid::kFixedRows; r < grid.gridRowCount(); ++r) {
         if (editor.isGrandTotalRow(r))
             continue; // the closing lines say it
@@ -63,9 +62,17 @@ void fillBody(EstimatePrint &print, const EstimateEditor &editor, QSqlDatabase d
         row.quantity = grid.cell(r, EstimateCol::Qty).trimmed();
         row.price = grid.cell(r, EstimateCol::Price).trimmed();
         row.sum = grid.cell(r, EstimateCol::Sum).trimmed();
+        QStringList problems;
+        for (int col : {EstimateCol::Qty, EstimateCol::Price, EstimateCol::Sum})
+            if (const QString p = grid.cellProblem(r, col); !p.isEmpty())
+                problems << p;
         if (row.kind == EstimatePrint::Kind::Work && row.name.isEmpty() && row.sum.isEmpty() &&
-            row.code.isEmpty())
+            row.code.isEmpty() && problems.isEmpty())
             continue; // an empty line of the grid
+        if (!problems.isEmpty() && row.kind == EstimatePrint::Kind::Work)
+            print.leftOut << QStringLiteral("№ %1 «%2»: %3")
+                                 .arg(row.number.isEmpty() ? QString::number(r - 1) : row.number, row.name,
+                                      problems.join(u' '));
         print.rows << row;
     }
 
@@ -82,20 +89,32 @@ void fillBody(EstimatePrint &print, const EstimateEditor &editor, QSqlDatabase d
             row.quantity = text(MatCol::Qty);
             row.price = text(MatCol::Price);
             row.sum = text(MatCol::Sum);
-            if (row.name.isEmpty() && row.sum.isEmpty())
+            QStringList problems;
+            for (int col : {MatCol::Qty, MatCol::Price, MatCol::Sum})
+                if (const QString p = m->cellProblem(i, col); !p.isEmpty())
+                    problems << p;
+            if (row.name.isEmpty() && row.sum.isEmpty() && problems.isEmpty())
                 continue;
+            if (!problems.isEmpty())
+                print.leftOut << QStringLiteral("материал «%1»: %2").arg(row.name, problems.join(u' '));
             print.materialRows << row;
         }
     }
 
     const KoefResult &k = editor.koefResult();
-    print.worksRaw = k.worksRaw;
-    print.materialsRaw = k.materialsRaw;
-    print.worksTotal = k.works;
-    print.materialsTotal = k.materials;
-    print.vat = k.vat;
-    print.vatAdded = k.vatAdded;
-    print.grand = k.grand;
+    print.refusal.clear();
+    for (const MoneyResult &total : {k.worksRaw, k.materialsRaw, k.works, k.materials, k.vat, k.grand})
+        if (!total && print.refusal.isEmpty())
+            print.refusal = QStringLiteral("Документ не выводится: итог сметы %1. Исправьте отмеченные "
+                                           "ячейки сметы.")
+                                .arg(numberProblemText(total.problem()));
+    print.worksRaw = k.worksRaw.value();
+    print.materialsRaw = k.materialsRaw.value();
+    print.worksTotal = k.works.value();
+    print.materialsTotal = k.materials.value();
+    print.vat = k.vat.value();
+    print.vatAdded = k.vatAdded.value();
+    print.grand = k.grand.value();
     print.koefLines.clear();
     print.vatName.clear();
     print.vatIncluded = false;
@@ -106,8 +125,8 @@ void fillBody(EstimatePrint &print, const EstimateEditor &editor, QSqlDatabase d
                 print.vatIncluded = !line.raises();
                 continue;
             }
-            const double amount = k.effect.value(line.id);
-            if (amount != 0)
+            const Money amount = k.effect.value(line.id);
+            if (!amount.isZero())
                 print.koefLines << EstimatePrint::Line{lineName(line), amount};
         }
     }

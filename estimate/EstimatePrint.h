@@ -3,6 +3,8 @@
 // every row with its sections and totals, the materials, the coefficient lines and the totals, and the
 // act's own data. Output works on this copy, so the user may go on editing while a document is made.
 
+#include "storage/Money.h"
+
 #include <QDate>
 #include <QMap>
 #include <QSqlDatabase>
@@ -19,7 +21,7 @@ struct EstimatePrint {
     };
     struct Line {
         QString name;
-        double amount = 0;
+        Money amount;
     };
 
     // Header (set by whoever makes the output: the main window or the command line).
@@ -37,9 +39,15 @@ struct EstimatePrint {
     QString vatName;          // "НДС 20 %" when a VAT line is on
     bool vatIncluded = false; // the VAT is part of the sums rather than added on top
 
-    double worksRaw = 0, materialsRaw = 0;     // before the coefficient lines
-    double worksTotal = 0, materialsTotal = 0; // after them (Edit6, Edit4)
-    double vat = 0, vatAdded = 0, grand = 0;
+    Money worksRaw, materialsRaw;     // before the coefficient lines
+    Money worksTotal, materialsTotal; // after them (Edit6, Edit4)
+    Money vat, vatAdded, grand;
+
+    // Rows whose amounts the editor refused (not a number, past the maximum), with the reason: they are
+    // printed without an amount and counted in no total. "№ 3 «Штукатурка»: Количество «abc» …".
+    QStringList leftOut;
+    // Why the document cannot be printed at all (a total past the maximum); empty when it can.
+    QString refusal;
 
     // The act data (table ks2 of the document): field name -> value.
     QMap<QString, QString> act;

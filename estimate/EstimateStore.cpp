@@ -3,6 +3,7 @@
 #include "CrewGrid.h"
 #include "EstimateGrid.h"
 #include "storage/ModuleSQL.h"
+#include "storage/Money.h"
 #include "storage/TextValues.h"
 
 #include <QDate>
@@ -61,12 +62,11 @@ bool readSmeta(QSqlDatabase db, EstimateGrid &grid, CrewGrid &crew, QString *err
         cells[EstimateCol::Total] = total;
         // The labour part is the price unless a positive unit total says what is left of it.
         cells[EstimateCol::Labour] = cells[EstimateCol::Price];
-        auto totalValue = TextValues::parseAmount(total);
-        if (totalValue && *totalValue > 0) {
-            const double labour =
-                *totalValue - TextValues::parseAmount(mat).value_or(0) - TextValues::parseAmount(machine).value_or(0);
-            cells[EstimateCol::Labour] = TextValues::formatMoney(labour);
-        }
+        const MoneyResult totalValue = Money::parse(total);
+        if (totalValue && *totalValue > Money())
+            cells[EstimateCol::Labour] =
+                (totalValue - Money::parse(mat).valueOr(Money()) - Money::parse(machine).valueOr(Money()))
+                    .text();
         cells[EstimateCol::Itogo] = cells[EstimateCol::Sum];
         rows.push_back(cells);
 

@@ -1,20 +1,9 @@
 #include "EstimateTotals.h"
 
 #include "EstimateStructure.h"
-#include "storage/TextValues.h"
-
-#include <cmath>
+#include "RowAmount.h"
 
 using namespace EstimateCol;
-
-namespace {
-
-QString notANumber(const QString &what, const QString &text) {
-    return QStringLiteral("%1 «%2» не является числом: сумма строки не считается и не входит в итог.")
-        .arg(what, text.trimmed());
-}
-
-} // namespace
 
 EstimateTotals::EstimateTotals(EstimateGrid *grid, QObject *parent) : QObject(parent), m_grid(grid) {
     connect(grid, &QAbstractItemModel::dataChanged, this, &EstimateTotals::onDataChanged);
@@ -23,10 +12,6 @@ EstimateTotals::EstimateTotals(EstimateGrid *grid, QObject *parent) : QObject(pa
     connect(grid, &QAbstractItemModel::rowsMoved, this, &EstimateTotals::onRowsMoved);
     connect(grid, &QAbstractItemModel::modelReset, this, &EstimateTotals::onReset);
     rebuild();
-}
-
-qint64 EstimateTotals::toKopecks(double money) {
-    return std::llround(TextValues::roundMoney(money) * 100.0);
 }
 
 void EstimateTotals::release() {
@@ -41,7 +26,7 @@ void EstimateTotals::rebuild() {
     changed();
 }
 
-qint64 EstimateTotals::worksKopecks() {
+MoneyResult EstimateTotals::works() {
     flush();
     return m_works;
 }
@@ -154,45 +139,28 @@ void EstimateTotals::evaluate(int m) {
     st.kind = m_grid->kind(r);
     st.grand = st.kind == RowKind::Work && EstimateStructure::isGrandTotalName(m_grid->cell(r, Name));
     st.counted = false;
-    st.amount = 0;
+    st.amount = Money();
+    // A totals row writes its sum (and its mark) again in the pass.
+    st.shownTotal = kUnknownTotal;
     if (st.kind != RowKind::Work || st.grand) {
-        for (int c : {Qty, Price, Sum})
-            mark(r, c, QString());
-        return;
-    }
-    const QString qtyText = m_grid->cell(r, Qty);
-    const QString priceText = m_grid->cell(r, Price);
-    const bool noQty = TextValues::isBlank(qtyText), noPrice = TextValues::isBlank(priceText);
-    if (noQty && noPrice) {
-        // A lump sum typed into the amount, or nothing.
-        const QString sumText = m_grid->cell(r, Sum);
         mark(r, Qty, QString());
         mark(r, Price, QString());
-        if (!TextValues::isBlank(sumText)) {
-            if (auto v = TextValues::parseAmount(sumText)) {
-                st.counted = true;
-                st.amount = toKopecks(*v);
-                mark(r, Sum, QString());
-            } else {
-                mark(r, Sum, notANumber(QStringLiteral("Сумма"), sumText));
-            }
-        } else {
+        if (st.kind == RowKind::SectionStart || st.kind == RowKind::SubsectionStart)
             mark(r, Sum, QString());
-        }
+        return;
+    }
+    const QString sumText = m_grid->cell(r, Sum);
+    const RowAmount a = RowAmount::of(m_grid->cell(r, Qty), m_grid->cell(r, Price), sumText);
+    mark(r, Qty, a.quantityProblem);
+    mark(r, Price, a.priceProblem);
+    mark(r, Sum, a.sumProblem);
+    st.counted = a.amount.has_value();
+    st.amount = a.amount.value_or(Money());
+    if (!a.computed) {
         write(r, Itogo, sumText);
         return;
     }
-    const auto q = noQty ? std::nullopt : TextValues::parseAmount(qtyText);
-    const auto p = noPrice ? std::nullopt : TextValues::parsePrice(priceText);
-    mark(r, Qty, noQty || q ? QString() : notANumber(QStringLiteral("Количество"), qtyText));
-    mark(r, Price, noPrice || p ? QString() : notANumber(QStringLiteral("Цена"), priceText));
-    mark(r, Sum, QString());
-    QString amount;
-    if (q && p) {
-        st.counted = true;
-        st.amount = toKopecks(*q * *p);
-        amount = TextValues::formatMoney(static_cast<double>(st.amount) / 100.0);
-    }
+    const QString amount = a.amountText();
     write(r, Sum, amount);
     write(r, Itogo, amount);
 }
@@ -205,15 +173,17 @@ void EstimateTotals::writeNumber(int m, int number) {
     write(EstimateGrid::toGridRow(m), Num, number > 0 ? QString::number(number) : QString());
 }
 
-void EstimateTotals::writeTotal(int m, qint64 kopecks) {
+void EstimateTotals::writeTotal(int m, const MoneyResult &total) {
     RowState &st = m_rows[static_cast<size_t>(m)];
-    if (st.shownTotal == kopecks)
+    const qint64 shown = total ? total->kopecks() : kRefusedTotal;
+    if (st.shownTotal == shown)
         return;
-    st.shownTotal = kopecks;
-    const QString text = TextValues::formatMoney(static_cast<double>(kopecks) / 100.0);
+    st.shownTotal = shown;
+    const QString text = total.text();
     const int r = EstimateGrid::toGridRow(m);
     write(r, Sum, text);
     write(r, Itogo, text);
+    mark(r, Sum, total ? QString() : RowAmountText::totalRefused(total.problem()));
 }
 
 void EstimateTotals::writeSectionText(int m, int section, int subsection) {
@@ -249,7 +219,7 @@ void EstimateTotals::writeSectionText(int m, int section, int subsection) {
 
 void EstimateTotals::pass() {
     int number = 0, section = 0, subsection = 0;
-    qint64 all = 0, sectionSum = 0, subsectionSum = 0;
+    MoneyResult all = Money(), sectionSum = Money(), subsectionSum = Money();
     std::vector<int> grandRows;
     const int n = static_cast<int>(m_rows.size());
     for (int m = 0; m < n; ++m) {
@@ -271,26 +241,26 @@ void EstimateTotals::pass() {
         case RowKind::SectionStart:
             ++section;
             subsection = 0;
-            sectionSum = subsectionSum = 0;
+            sectionSum = subsectionSum = Money();
             writeSectionText(m, section, 0);
             writeNumber(m, 0);
             break;
         case RowKind::SubsectionStart:
             ++subsection;
-            subsectionSum = 0;
+            subsectionSum = Money();
             writeSectionText(m, section, subsection);
             writeNumber(m, 0);
             break;
         case RowKind::SubsectionTotal:
             writeTotal(m, subsectionSum);
             writeSectionText(m, section, subsection);
-            subsectionSum = 0;
+            subsectionSum = Money();
             writeNumber(m, 0);
             break;
         case RowKind::SectionTotal:
             writeTotal(m, sectionSum);
             writeSectionText(m, section, 0);
-            sectionSum = subsectionSum = 0;
+            sectionSum = subsectionSum = Money();
             writeNumber(m, 0);
             break;
         }

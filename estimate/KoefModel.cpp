@@ -1,7 +1,5 @@
 #include "KoefModel.h"
 
-#include "storage/TextValues.h"
-
 #include <QBrush>
 #include <QColor>
 
@@ -90,6 +88,19 @@ bool KoefModel::removeLine(int row) {
     return true;
 }
 
+QString KoefModel::problemOf(const KoefLine &line) const {
+    const QString own = Coefficients::valueProblem(line);
+    return own.isEmpty() ? m_result.problems.value(line.id) : own;
+}
+
+int KoefModel::problemCellCount() const {
+    int n = 0;
+    for (const KoefLine &l : m_lines)
+        if (!problemOf(l).isEmpty())
+            ++n;
+    return n;
+}
+
 int KoefModel::rowCount(const QModelIndex &parent) const {
     return parent.isValid() ? 0 : static_cast<int>(m_lines.size());
 }
@@ -115,7 +126,7 @@ QString KoefModel::display(const KoefLine &l, int column) const {
     case KoefCol::Effect:
         if (!l.on() || !m_result.effect.contains(l.id))
             return QString();
-        return TextValues::formatMoney(m_result.effect.value(l.id));
+        return m_result.effect.value(l.id).text();
     default:
         return QString();
     }
@@ -125,7 +136,8 @@ QVariant KoefModel::data(const QModelIndex &index, int role) const {
     if (!index.isValid() || index.row() >= rowCount())
         return {};
     const KoefLine &l = m_lines[static_cast<size_t>(index.row())];
-    const bool bad = index.column() == KoefCol::Value && m_result.problems.contains(l.id);
+    const QString problem = index.column() == KoefCol::Value ? problemOf(l) : QString();
+    const bool bad = !problem.isEmpty();
     switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole:
@@ -136,8 +148,7 @@ QVariant KoefModel::data(const QModelIndex &index, int role) const {
         return bad ? QVariant(QBrush(QColor(0xFF, 0xC8, 0xC8))) : QVariant();
     case Qt::ToolTipRole:
         if (bad)
-            return QStringLiteral("Значение «%1» не является числом: коэффициент не применяется.")
-                .arg(l.value);
+            return problem;
         if (l.isVat() && !l.raises())
             return QStringLiteral("НДС входит в сумму: показана его величина, итог не меняется.");
         return {};

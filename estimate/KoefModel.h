@@ -23,6 +23,10 @@ public:
     // The lines as the totals apply them (read with the per-type, per-action queries).
     const std::vector<KoefLine> &applied() const { return m_applied; }
     void setResult(const KoefResult &result);
+    // Why the line's value is marked (not a number, or left out of the totals); empty when it is not.
+    QString problemOf(const KoefLine &line) const;
+    // How many value cells are marked.
+    int problemCellCount() const;
 
     // A new line (on, 0 %, raising works and materials) at the end; its row.
     int addLine();

@@ -114,6 +114,7 @@ void OutputPart::run(Kind kind) {
         return;
     }
     const EstimatePrint print = m_doc->print();
+    const QString leftOut = EstimateOutput::leftOutWarning(print);
     // Outputs are named after the document, as its companion ".xls" is.
     const QString base = EstimateOutput::outputBaseName(m_doc->fileName(), print.title);
     const QString folder = m_doc->folder();
@@ -160,13 +161,15 @@ void OutputPart::run(Kind kind) {
     connect(watcher, &QFutureWatcher<OfficeService::Result>::progressValueChanged, progress,
             &QProgressDialog::setValue);
     connect(watcher, &QFutureWatcher<OfficeService::Result>::finished, this,
-            [this, watcher, progress, kind, paths, base, folder]() {
+            [this, watcher, progress, kind, paths, base, folder, leftOut]() {
                 const OfficeService::Result r = watcher->result();
                 watcher->deleteLater();
                 progress->close();
                 progress->deleteLater();
                 m_busy = false;
                 finish(kind, r.ok, r.error, paths, base, folder);
+                if (r.ok && !leftOut.isEmpty())
+                    dialogs().tell(Captions::warning, leftOut, Dialogs::Icon::Warning);
             });
     watcher->setFuture(
         office().run([dataFolder, print, titles, outputs](OfficeEngine &engine, QString *error,

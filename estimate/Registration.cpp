@@ -1,5 +1,6 @@
 #include "Registration.h"
 
+#include "storage/Money.h"
 #include "storage/TextValues.h"
 
 #include <QSqlError>
@@ -34,7 +35,7 @@ void bindEntry(QSqlQuery &q, const Entry &e) {
 } // namespace
 
 QString money(const QString &text) {
-    return TextValues::formatMoney(TextValues::parseAmount(text).value_or(0.0));
+    return Money::parse(text).valueOr(Money()).text();
 }
 
 QString note(QSqlDatabase document) {

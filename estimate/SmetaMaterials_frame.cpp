@@ -2,7 +2,6 @@
 
 #include "EstimateMaterials.h"
 #include "ui/Dialogs.h"
-#include "storage/TextValues.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -51,8 +50,11 @@ TSmetaMaterials::TSmetaMaterials(EstimateMaterials *model, QWidget *parent)
 }
 
 void TSmetaMaterials::showTotal() {
+    const MoneyResult total = m_model->total();
     LabelMatTotal->setText(
-        QStringLiteral("Итого материалы: %1").arg(TextValues::formatMoney(m_model->total())));
+        QStringLiteral("Итого материалы: %1")
+            .arg(total ? total->text()
+                       : QStringLiteral("не считается (%1)").arg(numberProblemText(total.problem()))));
 }
 
 void TSmetaMaterials::ButtonAddMatClick() {

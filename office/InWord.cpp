@@ -1,7 +1,7 @@
 #include "InWord.h"
 
 #include <QStringList>
-#include <cmath>
+#include <cstdlib>
 
 namespace {
 
@@ -98,20 +98,13 @@ QString TInWord::number(qint64 n, Gender gender) {
     return words.join(u' ');
 }
 
-QString TInWord::amount(double value, int currency) {
+QString TInWord::amount(Money value, int currency) {
     const CurrencyWords &c = kCurrencies[currency >= 0 && currency < 5 ? currency : 0];
-    // Hundredths as an integer, rounded half away from zero (as money is rounded everywhere).
-    const double hundredths = std::round(std::fabs(value) * 100.0 + 1e-7);
-    const qint64 total = static_cast<qint64>(hundredths);
+    const qint64 total = value.isNegative() ? -value.kopecks() : value.kopecks();
     const qint64 whole = total / 100;
     const int cents = static_cast<int>(total % 100);
-    const bool negative = value < 0 && total > 0;
-
-    QString wholeText;
-    if (std::fabs(value) > kMax)
-        wholeText = QString::number(whole); // past what the words cover: the digits themselves
-    else
-        wholeText = number(whole, c.gender);
+    const bool negative = value.isNegative();
+    const QString wholeText = number(whole, c.gender);
     QString text =
         wholeText + u' ' +
         plural(whole, QString::fromUtf8(c.one), QString::fromUtf8(c.few), QString::fromUtf8(c.many)) + u' ' +

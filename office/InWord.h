@@ -4,6 +4,8 @@
 // gender of the currency's unit (одна гривна, один доллар), hundredths in two digits, and both units in
 // the form the number asks for (1 рубль, 2 рубля, 5 рублей; 21 копейка, 12 копеек).
 
+#include "storage/Money.h"
+
 #include <QString>
 
 class TInWord {
@@ -12,12 +14,10 @@ public:
     enum Currency { Rub = 0, Dol = 1, Grn = 2, Br = 3, Tenge = 4 };
     enum class Gender { Masculine, Feminine };
 
-    // Largest amount written in words; larger amounts are written in digits.
-    static constexpr double kMax = 999999999999.99;
-
-    // value is rounded to hundredths (half away from zero); zero reads "Ноль рублей 00 копеек", a
-    // negative amount starts with "Минус". currency: an EditValuta index (out of range = roubles).
-    static QString amount(double value, int currency);
+    // Zero reads "Ноль рублей 00 копеек", a negative amount starts with "Минус". Every amount money can
+    // hold (up to 999 999 999 999,99) is written in words. currency: an EditValuta index (out of range =
+    // roubles).
+    static QString amount(Money value, int currency);
 
     // A whole number from 0 to 999 999 999 999 in words, lower case ("две тысячи сто один").
     static QString number(qint64 n, Gender gender);

@@ -12,6 +12,11 @@ SheetValue SheetValue::ofNumber(double v, const QString &shown) {
     return {true, v, shown};
 }
 
+SheetValue SheetValue::ofMoney(const Money &amount) {
+    // A spreadsheet keeps numbers as binary fractions; the amount is exact up to the kopeck there.
+    return {true, static_cast<double>(amount.kopecks()) / 100.0, amount.grouped()};
+}
+
 namespace SheetTemplate {
 
 namespace {

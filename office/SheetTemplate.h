@@ -16,6 +16,7 @@
 
 #include "office/SheetText.h"
 #include "office/TemplateFile.h"
+#include "storage/Money.h"
 
 #include <QHash>
 #include <QString>
@@ -33,6 +34,8 @@ struct SheetValue {
     static SheetValue ofText(const QString &t) { return {false, 0, t}; }
     // shown: the number as it reads inside a longer cell text ("12 345,67").
     static SheetValue ofNumber(double v, const QString &shown);
+    // An amount: a number cell of the sheet, "12 345,67" inside a longer text.
+    static SheetValue ofMoney(const Money &amount);
 };
 
 struct SheetRow {

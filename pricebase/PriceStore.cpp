@@ -1,6 +1,7 @@
 #include "PriceStore.h"
 
 #include "storage/Catalogue.h"
+#include "storage/Money.h"
 #include "storage/TextValues.h"
 
 #include <QSqlError>
@@ -171,8 +172,14 @@ bool updateCrewPrices(QSqlDatabase db, int currency, const QString &koefText, QS
                     problem = badPriceMessage(q.value(iRas).toString(), q.value(iName).toString(), price);
                     break;
                 }
-                updates.push_back(
-                    {QStringLiteral("link"), TextValues::formatMoney(*value * *koef), keyColumn, key});
+                const MoneyResult link = Money::product(*value, *koef);
+                if (!link) {
+                    problem = QStringLiteral("Цена бригады для расценки %1 «%2» (%3 × %4) %5.")
+                                  .arg(q.value(iRas).toString(), q.value(iName).toString(), price, koefText,
+                                       numberProblemText(link.problem()));
+                    break;
+                }
+                updates.push_back({QStringLiteral("link"), link->text(), keyColumn, key});
             }
         }
     }

@@ -56,9 +56,10 @@ bool RateInsertion::fillWorkRow(int row, const RateRow &rate, const QString &res
                 *error = PriceStore::badPriceMessage(rate[PriceCol::Ras], rate[PriceCol::Name], priceText);
             return false;
         }
-        // 0 or less means no price.
-        if (*value > 0)
-            price = TextValues::formatMoney(*value);
+        // 0 or less means no price. The price keeps every decimal it has: the amount is rounded, not
+        // the price (0,125 × 1000 is 125,00).
+        if (!value->isZero() && !value->isNegative())
+            price = TextValues::formatPrice(*value);
     }
     m_grid.setCell(row, EstimateCol::Price, price);
     m_grid.setCell(row, EstimateCol::Labour, price);
@@ -203,10 +204,11 @@ int RateInsertion::sortedPlace(int row, QString *error) {
 }
 
 QString addQuantities(const QString &quantity, const QString &added, bool *ok) {
-    const auto read = [](const QString &t) -> std::optional<double> {
-        return TextValues::isBlank(t) ? std::optional<double>(0.0) : TextValues::parseAmount(t);
+    const auto read = [](const QString &t) -> std::optional<Decimal> {
+        return TextValues::isBlank(t) ? std::optional<Decimal>(Decimal()) : TextValues::parseAmount(t);
     };
     const auto a = read(quantity), b = read(added);
-    *ok = a && b;
-    return *ok ? TextValues::formatQuantity(*a + *b) : QString();
+    const auto sum = a && b ? a->plus(*b) : std::nullopt;
+    *ok = sum.has_value();
+    return *ok ? TextValues::formatQuantity(*sum) : QString();
 }

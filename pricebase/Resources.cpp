@@ -1,6 +1,7 @@
 #include "Resources.h"
 
 #include "estimate/EstimateGrid.h"
+#include "storage/Money.h"
 #include "storage/TextValues.h"
 
 #include <QHash>
@@ -19,8 +20,13 @@ bool fail(QString *error, const QString &text) {
     return false;
 }
 
-double number(const QString &text) {
-    return TextValues::parsePrice(text).value_or(0.0);
+// A price or norm of the price base; one that is not a number counts as 0.
+Decimal number(const QString &text) {
+    return TextValues::parsePrice(text).value_or(Decimal());
+}
+
+Money money(const QString &text) {
+    return Money::of(number(text)).valueOr(Money());
 }
 
 // The material of that name in the estimate: found, and its price text.
@@ -79,11 +85,11 @@ bool addToEstimate(QSqlDatabase price, QSqlDatabase smeta, EstimateGrid &grid, i
         return true;
     if (resources.front().name.isEmpty()) {
         // The rate carries a plain money amount instead of materials.
-        const double money = number(resources.front().cena);
-        grid.setCell(gridRow, EstimateCol::Material, TextValues::formatMoney(money));
-        const double total = number(grid.cell(gridRow, EstimateCol::Machine)) + money +
-                             number(grid.cell(gridRow, EstimateCol::Labour));
-        grid.setCell(gridRow, EstimateCol::Total, TextValues::formatMoney(total));
+        const Money material = money(resources.front().cena);
+        grid.setCell(gridRow, EstimateCol::Material, material.text());
+        const MoneyResult total = money(grid.cell(gridRow, EstimateCol::Machine)) + material +
+                                  money(grid.cell(gridRow, EstimateCol::Labour));
+        grid.setCell(gridRow, EstimateCol::Total, total.text());
         return true;
     }
     if (!smeta.transaction())
@@ -130,7 +136,7 @@ bool searchAndWriteResurse(QSqlDatabase price, QSqlDatabase smeta, const Estimat
     // The resources of each rate of the estimate, read once.
     QHash<QString, std::vector<Resource>> byRate;
     struct Use {
-        double quantity;
+        Decimal quantity;
         const std::vector<Resource> *resources;
     };
     std::vector<Use> uses;
@@ -164,11 +170,22 @@ bool searchAndWriteResurse(QSqlDatabase price, QSqlDatabase smeta, const Estimat
     for (const Resource &res : own) {
         if (res.name.isEmpty())
             continue;
-        double total = 0;
+        // The quantity needed: Σ quantity × norm (kept to a millionth; shown to the thousandth).
+        std::optional<Decimal> total = Decimal();
         for (const Use &u : uses)
             for (const Resource &other : *u.resources)
-                if (other.name == res.name)
-                    total += u.quantity * number(other.norma);
+                if (other.name == res.name && total) {
+                    const auto need = u.quantity.times(number(other.norma), 6);
+                    total = need ? total->plus(*need) : std::nullopt;
+                }
+        // The amount follows the quantity as it is written (to the thousandth).
+        if (total)
+            total = total->times(*Decimal::whole(1), 3);
+        if (!total) {
+            smeta.rollback();
+            return fail(error, QStringLiteral("Количество материала «%1» %2.")
+                                   .arg(res.name, numberProblemText(NumberProblem::TooManyDigits)));
+        }
         QString existingPrice, problem;
         const bool exists = findMaterial(smeta, res.name, &existingPrice, &problem);
         if (!problem.isEmpty()) {
@@ -177,23 +194,23 @@ bool searchAndWriteResurse(QSqlDatabase price, QSqlDatabase smeta, const Estimat
         }
         QSqlQuery q(smeta);
         if (!exists) {
-            if (total == 0)
+            if (total->isZero())
                 continue; // nothing needed, nothing to add
             q.prepare(QStringLiteral("INSERT INTO materials (edras, namemat, edizm, kolvo, price, summa) "
                                      "values(?,?,?,?,?,?);"));
             q.addBindValue(rec);
             q.addBindValue(res.name);
             q.addBindValue(res.edizm);
-            q.addBindValue(TextValues::formatQuantity(total));
+            q.addBindValue(TextValues::formatQuantity(*total));
             q.addBindValue(res.cena);
-            q.addBindValue(TextValues::formatMoney(total * number(res.cena)));
-        } else if (total == 0) {
+            q.addBindValue(Money::product(number(res.cena), *total).text());
+        } else if (total->isZero()) {
             q.prepare(QStringLiteral("DELETE FROM materials WHERE namemat=?"));
             q.addBindValue(res.name);
         } else {
             q.prepare(QStringLiteral("UPDATE materials SET kolvo=?,summa=? WHERE namemat=?"));
-            q.addBindValue(TextValues::formatQuantity(total));
-            q.addBindValue(TextValues::formatMoney(total * number(existingPrice)));
+            q.addBindValue(TextValues::formatQuantity(*total));
+            q.addBindValue(Money::product(number(existingPrice), *total).text());
             q.addBindValue(res.name);
         }
         if (!exec(q))

@@ -1,7 +1,7 @@
 #include "TextValues.h"
 
 #include <QRegularExpression>
-#include <cmath>
+#include <algorithm>
 
 namespace TextValues {
 
@@ -32,7 +32,9 @@ QString nameFromStored(const QString &stored) {
     return s;
 }
 
-QString sqlName(const QString &shown) { return sqlLiteral(nameToStored(shown)); }
+QString sqlName(const QString &shown) {
+    return sqlLiteral(nameToStored(shown));
+}
 
 bool isSafeTableName(const QString &name) {
     static const QRegularExpression re(QStringLiteral("^[A-Za-z0-9_]+$"));
@@ -41,114 +43,113 @@ bool isSafeTableName(const QString &name) {
 
 namespace {
 
-QString withoutBlanks(const QString &text) {
+bool isAsciiDigit(QChar c) {
+    return c >= QLatin1Char('0') && c <= QLatin1Char('9');
+}
+
+// Reads "123,45" strictly (ASCII digits, one comma, digits on at least one side of it).
+NumberReading readDecimal(const QString &text, bool negative) {
+    NumberReading out;
+    const int comma = text.indexOf(QLatin1Char(','));
+    const QString whole = comma < 0 ? text : text.left(comma);
+    const QString decimals = comma < 0 ? QString() : text.mid(comma + 1);
+    if ((whole.isEmpty() && decimals.isEmpty()) || decimals.contains(QLatin1Char(',')) ||
+        !std::all_of(whole.begin(), whole.end(), isAsciiDigit) ||
+        !std::all_of(decimals.begin(), decimals.end(), isAsciiDigit)) {
+        out.problem = NumberProblem::NotANumber;
+        return out;
+    }
+    // Leading zeros of the whole part and trailing zeros of the decimals carry nothing.
+    int first = 0;
+    while (first < whole.size() && whole[first] == QLatin1Char('0'))
+        ++first;
+    int last = decimals.size();
+    while (last > 0 && decimals[last - 1] == QLatin1Char('0'))
+        --last;
+    const QString digits = whole.mid(first) + decimals.left(last);
+    if (digits.size() > Decimal::kMaxDigits || last > Decimal::kMaxScale) {
+        out.problem = NumberProblem::TooManyDigits;
+        return out;
+    }
+    const qint64 mantissa = digits.isEmpty() ? 0 : digits.toLongLong();
+    out.value = Decimal::of(negative ? -mantissa : mantissa, last);
+    if (!out.value)
+        out.problem = NumberProblem::TooManyDigits;
+    return out;
+}
+
+} // namespace
+
+NumberReading readNumber(const QString &text, bool signAllowed) {
     QString s;
     s.reserve(text.size());
     for (QChar c : text)
         if (!c.isSpace())
             s += c;
-    return s;
-}
-
-// Reads "123,45" (comma decimal, optional leading minus only when allowed) strictly.
-std::optional<double> readDecimal(const QString &text) {
-    static const QRegularExpression re(QStringLiteral("^-?(\\d+(,\\d*)?|,\\d+)$"));
-    if (!re.match(text).hasMatch())
-        return std::nullopt;
-    QString dotted = text;
-    dotted.replace(QLatin1Char(','), QLatin1Char('.'));
-    bool ok = false;
-    double v = dotted.toDouble(&ok);
-    if (!ok || !std::isfinite(v))
-        return std::nullopt;
-    return v;
-}
-
-} // namespace
-
-std::optional<double> parsePrice(const QString &text) {
-    QString s = withoutBlanks(text);
+    if (s.isEmpty())
+        return {std::nullopt, NumberProblem::Blank};
     s.replace(QLatin1Char('.'), QLatin1Char(','));
-    int dash = s.indexOf(QLatin1Char('-'));
+    bool negative = false;
+    if (signAllowed) {
+        s.replace(QChar(0x2212), QLatin1Char('-')); // a typographic minus pasted from documents
+        negative = s.startsWith(QLatin1Char('-'));
+        if (negative)
+            s.remove(0, 1);
+    }
+    const int dash = s.indexOf(QLatin1Char('-'));
     if (dash >= 0)
         s.truncate(dash);
     if (s.isEmpty())
-        return std::nullopt;
-    return readDecimal(s);
+        return {std::nullopt, NumberProblem::NotANumber};
+    return readDecimal(s, negative);
 }
 
-std::optional<double> parsePositivePrice(const QString &text) {
+std::optional<Decimal> parsePrice(const QString &text) {
+    return readNumber(text, false).value;
+}
+
+std::optional<Decimal> parsePositivePrice(const QString &text) {
     auto v = parsePrice(text);
-    if (!v || *v <= 0)
+    if (!v || v->isZero() || v->isNegative())
         return std::nullopt;
     return v;
 }
 
-std::optional<double> parseAmount(const QString &text) {
-    QString s = withoutBlanks(text);
-    s.replace(QLatin1Char('.'), QLatin1Char(','));
-    s.replace(QChar(0x2212), QLatin1Char('-')); // a typographic minus pasted from documents
-    bool negative = s.startsWith(QLatin1Char('-'));
-    if (negative)
-        s.remove(0, 1);
-    int dash = s.indexOf(QLatin1Char('-'));
-    if (dash >= 0)
-        s.truncate(dash);
-    if (s.isEmpty())
-        return std::nullopt;
-    auto v = readDecimal(s);
-    if (v && negative)
-        *v = -*v;
-    return v;
+std::optional<Decimal> parseAmount(const QString &text) {
+    return readNumber(text, true).value;
 }
 
-bool isBlank(const QString &text) { return text.trimmed().isEmpty(); }
-
-double roundMoney(double value) {
-    // Binary fractions such as 0.285 sit just below the half kopeck; nudge by a relative epsilon.
-    double scaled = value * 100.0;
-    double nudge = std::max(1e-9, std::abs(scaled) * 1e-12);
-    double r = std::round(scaled + (scaled >= 0 ? nudge : -nudge));
-    double out = r / 100.0;
-    return out == 0.0 ? 0.0 : out; // no "-0,00"
+bool isBlank(const QString &text) {
+    return text.trimmed().isEmpty();
 }
 
-QString formatMoney(double value) {
-    QString s = QString::number(roundMoney(value), 'f', 2);
-    s.replace(QLatin1Char('.'), QLatin1Char(','));
-    return s;
+QString formatQuantity(const Decimal &value) {
+    return value.text(0, 3);
 }
 
-QString formatMoneyGrouped(double value) {
-    QString plain = formatMoney(value);
-    bool negative = plain.startsWith(QLatin1Char('-'));
-    if (negative)
-        plain.remove(0, 1);
+QString formatPrice(const Decimal &value) {
+    return value.text(2, Decimal::kMaxScale);
+}
+
+QString groupThousands(const QString &number) {
+    const bool negative = number.startsWith(QLatin1Char('-'));
+    const QString plain = negative ? number.mid(1) : number;
     int comma = plain.indexOf(QLatin1Char(','));
-    QString whole = plain.left(comma);
-    QString grouped;
+    if (comma < 0)
+        comma = plain.size();
+    const QString whole = plain.left(comma);
+    QString out = negative ? QStringLiteral("-") : QString();
     for (int i = 0; i < whole.size(); ++i) {
         if (i > 0 && (whole.size() - i) % 3 == 0)
-            grouped += QLatin1Char(' ');
-        grouped += whole[i];
+            out += QLatin1Char(' ');
+        out += whole[i];
     }
-    return (negative ? QStringLiteral("-") : QString()) + grouped + plain.mid(comma);
+    return out + plain.mid(comma);
 }
 
-QString formatQuantity(double value) {
-    double r = std::round(value * 1000.0) / 1000.0;
-    if (r == 0.0)
-        r = 0.0;
-    QString s = QString::number(r, 'f', 3);
-    while (s.endsWith(QLatin1Char('0')))
-        s.chop(1);
-    if (s.endsWith(QLatin1Char('.')))
-        s.chop(1);
-    s.replace(QLatin1Char('.'), QLatin1Char(','));
-    return s;
+QString shortDate(const QDate &date) {
+    return date.toString(QStringLiteral("dd.MM.yyyy"));
 }
-
-QString shortDate(const QDate &date) { return date.toString(QStringLiteral("dd.MM.yyyy")); }
 
 QDate parseShortDate(const QString &text) {
     QDate d = QDate::fromString(text.trimmed(), QStringLiteral("dd.MM.yyyy"));
@@ -157,16 +158,24 @@ QDate parseShortDate(const QString &text) {
     return d;
 }
 
-QString dateCompareDay(const QDate &date) { return date.toString(QStringLiteral("yyyyMMdd")); }
+QString dateCompareDay(const QDate &date) {
+    return date.toString(QStringLiteral("yyyyMMdd"));
+}
 
 QString dateCompareSeconds(const QDateTime &dateTime) {
     return dateTime.toString(QStringLiteral("yyyyMMddHHmmss"));
 }
 
-QString dateCompareSeconds(const QDate &date) { return dateCompareDay(date) + QStringLiteral("000000"); }
+QString dateCompareSeconds(const QDate &date) {
+    return dateCompareDay(date) + QStringLiteral("000000");
+}
 
-QString monthText(const QDate &date) { return QString::number(date.month()); }
+QString monthText(const QDate &date) {
+    return QString::number(date.month());
+}
 
-QString yearText(const QDate &date) { return QString::number(date.year()); }
+QString yearText(const QDate &date) {
+    return QString::number(date.year());
+}
 
 } // namespace TextValues

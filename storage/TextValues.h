@@ -2,6 +2,8 @@
 // Every value the program stores is text. These helpers are the one place where text becomes SQL,
 // a number, money or a date form, so that every subsystem reads and writes values the same way.
 
+#include "Decimal.h"
+
 #include <QDate>
 #include <QDateTime>
 #include <QString>
@@ -28,32 +30,41 @@ QString sqlName(const QString &shown);
 // Table names that come from settings or accounts: letters, digits and underscores only.
 bool isSafeTableName(const QString &name);
 
-// Price text rule: blanks removed, "." read as ",", a range "a-b" read as its low end a,
-// "," as decimal separator. Empty text and text that is not a number give nullopt.
-std::optional<double> parsePrice(const QString &text);
+// The number rule of every price, quantity, amount and coefficient text: blanks removed, "." read as
+// ",", a range "a-b" read as its low end a, "," as decimal separator; with signAllowed a leading minus
+// is a sign (returns are negative). The number is exact (see Decimal); problem says why there is none.
+struct NumberReading {
+    std::optional<Decimal> value;
+    NumberProblem problem = NumberProblem::None;
+};
+NumberReading readNumber(const QString &text, bool signAllowed);
+
+// Prices: the rule without a sign. Empty text and text that is not a number give nullopt.
+std::optional<Decimal> parsePrice(const QString &text);
 // A price that parses to 0 or less means "no price".
-std::optional<double> parsePositivePrice(const QString &text);
-// Quantities and amounts: as the price rule, but a leading minus is a sign (returns are negative).
-std::optional<double> parseAmount(const QString &text);
+std::optional<Decimal> parsePositivePrice(const QString &text);
+// Quantities, amounts and coefficients: a leading minus is a sign.
+std::optional<Decimal> parseAmount(const QString &text);
 // True when the text holds nothing but blanks.
 bool isBlank(const QString &text);
 
-// Money rounded to kopecks, half away from zero.
-double roundMoney(double value);
-// Money as "0,00": two decimals, decimal comma, no thousands separator.
-QString formatMoney(double value);
-// Money with thousands separated by a blank: "12 345,67" (for printed documents).
-QString formatMoneyGrouped(double value);
-// A quantity: up to three decimals, trailing zeros dropped, decimal comma ("1,5", "12").
-QString formatQuantity(double value);
+// A quantity: up to three decimals (rounded half away from zero), trailing zeros dropped, decimal
+// comma ("1,5", "12"). Amounts are Money's (Money::text, Money::grouped).
+QString formatQuantity(const Decimal &value);
+// A unit price as the estimate shows it: at least two decimals, every further one kept exactly
+// ("1250,50", "0,125").
+QString formatPrice(const Decimal &value);
+// A number text with the thousands of its whole part separated by a blank: "-1234567,5" gives
+// "-1 234 567,5" (printed documents).
+QString groupThousands(const QString &number);
 
 // Dates.
-QString shortDate(const QDate &date);                    // "dd.MM.yyyy"
-QDate parseShortDate(const QString &text);               // invalid date when it is not one
-QString dateCompareDay(const QDate &date);               // "YYYYMMDD"
-QString dateCompareSeconds(const QDateTime &dateTime);   // "YYYYMMDDHHMMSS"
-QString dateCompareSeconds(const QDate &date);           // time 00:00:00
-QString monthText(const QDate &date);                    // "1".."12", unpadded
-QString yearText(const QDate &date);                     // "2025"
+QString shortDate(const QDate &date);                  // "dd.MM.yyyy"
+QDate parseShortDate(const QString &text);             // invalid date when it is not one
+QString dateCompareDay(const QDate &date);             // "YYYYMMDD"
+QString dateCompareSeconds(const QDateTime &dateTime); // "YYYYMMDDHHMMSS"
+QString dateCompareSeconds(const QDate &date);         // time 00:00:00
+QString monthText(const QDate &date);                  // "1".."12", unpadded
+QString yearText(const QDate &date);                   // "2025"
 
 } // namespace TextValues

@@ -60,6 +60,15 @@ EstimatePrint::Row row(EstimatePrint::Kind kind, const char *name, const char *s
     return r;
 }
 
+Money rubles(const char *text) {
+    return Money::parse(QString::fromUtf8(text)).value();
+}
+
+// What a spreadsheet cell receives for an amount.
+double number(Money m) {
+    return static_cast<double>(m.kopecks()) / 100.0;
+}
+
 // Two sections, materials, a discount line and VAT added on top.
 EstimatePrint sample() {
     using K = EstimatePrint::Kind;
@@ -78,15 +87,15 @@ EstimatePrint sample() {
               row(K::SubsectionTotal, "Итого по § 2.1", "27300"),
               row(K::SectionTotal, "Итого по разделу 2", "27300")};
     p.materialRows = {row(K::Work, "Штукатурка гипсовая", "8820", "1", "504", "17,50")};
-    p.worksRaw = 35020;
-    p.materialsRaw = 8820;
-    p.koefLines = {{QStringLiteral("Скидка на работы 5 %"), -1751}};
-    p.worksTotal = 33269;
-    p.materialsTotal = 8820;
+    p.worksRaw = rubles("35020");
+    p.materialsRaw = rubles("8820");
+    p.koefLines = {{QStringLiteral("Скидка на работы 5 %"), rubles("-1751")}};
+    p.worksTotal = rubles("33269");
+    p.materialsTotal = rubles("8820");
     p.vatName = QStringLiteral("НДС 20 %");
-    p.vat = 8417.8;
-    p.vatAdded = 8417.8;
-    p.grand = 50506.8;
+    p.vat = rubles("8417,8");
+    p.vatAdded = rubles("8417,8");
+    p.grand = rubles("50506,8");
     p.act = {{QStringLiteral("EditNumDoc"), QStringLiteral("7")},
              {QStringLiteral("ComboBoxZakaz"), QString()},
              {QStringLiteral("EditSumSmet"), QStringLiteral("50 506,80")}};
@@ -140,9 +149,10 @@ TEST(EstimateOutput, ClosingLinesAddUpToTheGrandTotal) {
             sum += r.cells.value(colSum).number;
         }
         EXPECT_EQ(lines, c.lines) << c.title;
-        EXPECT_DOUBLE_EQ(d.lists[1].rows.last().cells.value(colSum).number, p.grand) << c.title;
+        EXPECT_DOUBLE_EQ(d.lists[1].rows.last().cells.value(colSum).number, number(p.grand)) << c.title;
         if (QString::fromUtf8(c.title) != QStringLiteral("АКТ КС-3")) {
-            EXPECT_NEAR(sum - p.grand, p.grand, 0.005) << "the lines before the last add up to it";
+            EXPECT_NEAR(sum - number(p.grand), number(p.grand), 0.005)
+                << "the lines before the last add up to it";
         }
     }
 }
@@ -159,8 +169,8 @@ TEST(EstimateOutput, StatementHasOneLinePerSectionPlusMaterialsAndCoefficients) 
     }
     EXPECT_EQ(lines, (QStringList{"1 РАЗДЕЛ 1. Демонтаж", "2 РАЗДЕЛ 2. Стены", "3 Материалы",
                                   "4 Начисления по коэффициентам"}));
-    EXPECT_NEAR(sum, p.worksTotal + p.materialsTotal, 0.005);
-    EXPECT_DOUBLE_EQ(d.values.value(subtotal).number, p.worksTotal + p.materialsTotal);
+    EXPECT_NEAR(sum, number(p.worksTotal) + number(p.materialsTotal), 0.005);
+    EXPECT_DOUBLE_EQ(d.values.value(subtotal).number, number(p.worksTotal) + number(p.materialsTotal));
 }
 
 TEST(EstimateOutput, HeaderItemsActFieldsAndWords) {

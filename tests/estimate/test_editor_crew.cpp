@@ -49,20 +49,20 @@ TEST_F(CrewTest, GlobalAndPerRowCoefficients) {
         const char *what;
         std::function<void()> step;
         QString price3, sum3, k3, price4, sum4, k4, section, total;
-        double margin;
+        const char *margin;
     };
     const std::vector<Case> cases = {
         {"global 0,7 for all rows", [&] { sheet.setGlobalKoef("0,7"); }, "280,00", "2800,00", "0,7", "105,00",
-         "2100,00", "0,7", "4900,00", "4900,00", 2100},
+         "2100,00", "0,7", "4900,00", "4900,00", "2100,00"},
         {"a typed row coefficient switches to per-row",
          [&] { ASSERT_TRUE(crew.setData(crew.index(2, CrewCol::Koef), "0,5", Qt::EditRole)); }, "280,00",
-         "2800,00", "0,7", "75,00", "1500,00", "0,5", "4300,00", "4300,00", 2700},
+         "2800,00", "0,7", "75,00", "1500,00", "0,5", "4300,00", "4300,00", "2700,00"},
         {"the global value still serves rows without their own", [&] { sheet.setGlobalKoef("0,6"); },
-         "240,00", "2400,00", "0,6", "75,00", "1500,00", "0,5", "3900,00", "3900,00", 3100},
+         "240,00", "2400,00", "0,6", "75,00", "1500,00", "0,5", "3900,00", "3900,00", "3100,00"},
         {"back to one coefficient for all", [&] { sheet.setPerRow(false); }, "240,00", "2400,00", "0,6",
-         "90,00", "1800,00", "0,6", "4200,00", "4200,00", 2800},
+         "90,00", "1800,00", "0,6", "4200,00", "4200,00", "2800,00"},
         {"a bad global coefficient leaves the crew price empty", [&] { sheet.setGlobalKoef("ноль"); }, "", "",
-         "ноль", "", "", "ноль", "0,00", "0,00", 7000},
+         "ноль", "", "", "ноль", "0,00", "0,00", "7000,00"},
     };
     for (const Case &c : cases) {
         c.step();
@@ -74,16 +74,16 @@ TEST_F(CrewTest, GlobalAndPerRowCoefficients) {
         EXPECT_EQ(crewCell(4, CrewCol::Koef), c.k4) << c.what;
         EXPECT_EQ(crewCell(5, CrewCol::Sum), c.section) << c.what; // "Итого по разделу"
         EXPECT_EQ(crewCell(6, CrewCol::Sum), c.total) << c.what;   // "Итого по смете"
-        EXPECT_DOUBLE_EQ(sheet.margin(), c.margin) << c.what;
-        EXPECT_DOUBLE_EQ(sheet.customerTotal(), 7000) << c.what;
+        EXPECT_EQ(rub(sheet.margin()), c.margin) << c.what;
+        EXPECT_EQ(rub(sheet.customerTotal()), "7000,00") << c.what;
     }
 }
 
 TEST_F(CrewTest, CrewPriceBroughtByTheRateWins) {
     editor->crew()->setPriceLookup(
-        [](const QString &idRas, const QString &namePrice) -> std::optional<double> {
+        [](const QString &idRas, const QString &namePrice) -> std::optional<Decimal> {
             if (namePrice == "resurs1" && idRas == "17")
-                return 250.0;
+                return Decimal::whole(250);
             return std::nullopt;
         });
     editor->crew()->setGlobalKoef("0,5");
@@ -99,7 +99,7 @@ TEST_F(CrewTest, CrewPriceBroughtByTheRateWins) {
     type(r, Name, "Вывоз мусора");
     type(r, Sum, "3000");
     EXPECT_EQ(crewCell(r, CrewCol::Sum), "1500,00");
-    EXPECT_DOUBLE_EQ(editor->crew()->crewTotal(), 3500);
+    EXPECT_EQ(rub(editor->crew()->crewTotal()), "3500,00");
 }
 
 } // namespace

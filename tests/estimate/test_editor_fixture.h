@@ -1,6 +1,7 @@
 #pragma once
 // The open estimate in a scratch data folder, as the main window has it: its grids and its editor.
 
+#include "MoneyText.h"
 #include "TestFolder.h"
 #include "estimate/CrewGrid.h"
 #include "estimate/EstimateDocument.h"

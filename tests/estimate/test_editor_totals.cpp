@@ -17,19 +17,19 @@ TEST_F(EditorTest, AmountFollowsQuantityAndPriceAndBadInputIsMarked) {
         QString qty, price, sum; // typed
         QString amount;          // shown
         bool qtyBad, priceBad, sumBad;
-        double counted;
+        const char *counted;
     };
     const std::vector<Case> cases = {
-        {"2", "150", "", "300,00", false, false, false, 300},
-        {"1,5", "99.99", "", "149,99", false, false, false, 149.99}, // 149.985 rounds half up
-        {"-3", "100", "", "-300,00", false, false, false, -300},     // a return
-        {"10", "1 200,50", "", "12005,00", false, false, false, 12005},
-        {"4", "100-200", "", "400,00", false, false, false, 400}, // a price range counts its low end
-        {"abc", "100", "", "", true, false, false, 0},
-        {"3", "дорого", "", "", false, true, false, 0},
-        {"3", "", "", "", false, false, false, 0},           // no price yet
-        {"", "", "5000", "5000", false, false, false, 5000}, // a lump sum
-        {"", "", "много", "много", false, false, true, 0},
+        {"2", "150", "", "300,00", false, false, false, "300,00"},
+        {"1,5", "99.99", "", "149,99", false, false, false, "149,99"}, // 149.985 rounds half up
+        {"-3", "100", "", "-300,00", false, false, false, "-300,00"},  // a return
+        {"10", "1 200,50", "", "12005,00", false, false, false, "12005,00"},
+        {"4", "100-200", "", "400,00", false, false, false, "400,00"}, // a price range counts its low end
+        {"abc", "100", "", "", true, false, false, "0,00"},
+        {"3", "дорого", "", "", false, true, false, "0,00"},
+        {"3", "", "", "", false, false, false, "0,00"},           // no price yet
+        {"", "", "5000", "5000", false, false, false, "5000,00"}, // a lump sum
+        {"", "", "много", "много", false, false, true, "0,00"},
     };
     for (const Case &c : cases) {
         type(2, Sum, QString());
@@ -42,7 +42,7 @@ TEST_F(EditorTest, AmountFollowsQuantityAndPriceAndBadInputIsMarked) {
         EXPECT_EQ(grid.cellProblem(2, Qty).isEmpty(), !c.qtyBad) << what;
         EXPECT_EQ(grid.cellProblem(2, Price).isEmpty(), !c.priceBad) << what;
         EXPECT_EQ(grid.cellProblem(2, Sum).isEmpty(), !c.sumBad) << what;
-        EXPECT_DOUBLE_EQ(editor->worksRaw(), c.counted) << what;
+        EXPECT_EQ(rub(editor->worksRaw()), c.counted) << what;
         // Nothing typed is lost.
         EXPECT_EQ(cell(2, Qty), c.qty) << what;
         EXPECT_EQ(cell(2, Price), c.price) << what;
@@ -97,8 +97,8 @@ TEST_F(EditorTest, TotalsFieldsFollowMaterialsAndCoefficientLines) {
     ASSERT_TRUE(q.exec("INSERT INTO materials (namemat, edizm, kolvo, price, summa) "
                        "VALUES ('Клей', 'кг', '10', '200', '2000,00'), ('Грунт', 'л', 'x', '5', '')"));
     editor->materialsChanged();
-    EXPECT_DOUBLE_EQ(editor->materialsRaw(), 2000.0); // the bad quantity is left out
-    EXPECT_DOUBLE_EQ(editor->grandTotal(), 12000.0);  // every line is off in a new document
+    EXPECT_EQ(rub(editor->materialsRaw()), "2000,00"); // the bad quantity is left out
+    EXPECT_EQ(rub(editor->grandTotal()), "12000,00");  // every line is off in a new document
 
     // Switch lines on through the panel's model, as the user does.
     KoefModel &koef = *editor->koef();
@@ -115,24 +115,24 @@ TEST_F(EditorTest, TotalsFieldsFollowMaterialsAndCoefficientLines) {
     auto on = [&](const QString &title) { set(title, KoefCol::On, Qt::Checked, Qt::CheckStateRole); };
     on("Скидка на работы, %");
     set("Скидка на работы, %", KoefCol::Value, "10");
-    EXPECT_DOUBLE_EQ(editor->worksTotal(), 9000.0);
+    EXPECT_EQ(rub(editor->worksTotal()), "9000,00");
     on("Коэффициент удорожания");
     set("Коэффициент удорожания", KoefCol::Value, "1,2");
     // Raises before lowerings: 10000 × 1,2 = 12000, then −10 % = 10800; materials 2000 × 1,2 = 2400.
-    EXPECT_DOUBLE_EQ(editor->worksTotal(), 10800.0);
-    EXPECT_DOUBLE_EQ(editor->materialsTotal(), 2400.0);
+    EXPECT_EQ(rub(editor->worksTotal()), "10800,00");
+    EXPECT_EQ(rub(editor->materialsTotal()), "2400,00");
     on("Накладные расходы, %");
     set("Накладные расходы, %", KoefCol::Value, "5");
     // Overheads on the result: 10800 + 540 = 11340, 2400 + 120 = 2520.
-    EXPECT_DOUBLE_EQ(editor->worksTotal(), 11340.0);
-    EXPECT_DOUBLE_EQ(editor->materialsTotal(), 2520.0);
+    EXPECT_EQ(rub(editor->worksTotal()), "11340,00");
+    EXPECT_EQ(rub(editor->materialsTotal()), "2520,00");
     on("НДС, %");
     // VAT 20 % on top of 13860.
-    EXPECT_DOUBLE_EQ(editor->vatAmount(), 2772.0);
-    EXPECT_DOUBLE_EQ(editor->grandTotal(), 16632.0);
+    EXPECT_EQ(rub(editor->vatAmount()), "2772,00");
+    EXPECT_EQ(rub(editor->grandTotal()), "16632,00");
     set("НДС, %", KoefCol::Action, "понижает"); // VAT included: shown, total unchanged
-    EXPECT_DOUBLE_EQ(editor->vatAmount(), 2310.0);
-    EXPECT_DOUBLE_EQ(editor->grandTotal(), 13860.0);
+    EXPECT_EQ(rub(editor->vatAmount()), "2310,00");
+    EXPECT_EQ(rub(editor->grandTotal()), "13860,00");
     // The lines are in the working database, so they are saved with the document.
     QSqlQuery check(db);
     ASSERT_TRUE(check.exec("SELECT checked, value, actionn FROM koef WHERE title='НДС, %'") && check.next());
@@ -140,11 +140,11 @@ TEST_F(EditorTest, TotalsFieldsFollowMaterialsAndCoefficientLines) {
     EXPECT_EQ(check.value(2).toString(), "dec");
     // The effect of each line in money.
     const KoefResult &res = editor->koefResult();
-    EXPECT_DOUBLE_EQ(res.effect.value(koef.lines()[static_cast<size_t>(row("Накладные расходы, %"))].id),
-                     660.0);
+    EXPECT_EQ(rub(res.effect.value(koef.lines()[static_cast<size_t>(row("Накладные расходы, %"))].id)),
+              "660,00");
     // A bad value: the line is left out and marked.
     set("Скидка на работы, %", KoefCol::Value, "десять");
-    EXPECT_DOUBLE_EQ(editor->worksTotal(), 12600.0);
+    EXPECT_EQ(rub(editor->worksTotal()), "12600,00");
     EXPECT_TRUE(koef.data(koef.index(row("Скидка на работы, %"), KoefCol::Value), Qt::ToolTipRole).isValid());
 }
 
@@ -156,60 +156,85 @@ TEST(Coefficients, LinesApplyPerBaseInTheFixedOrder) {
     struct Case {
         const char *what;
         std::vector<KoefLine> lines;
-        double works, materials, vat, grand;
+        const char *works, *materials, *vat, *grand;
     };
     const std::vector<Case> cases = {
-        {"nothing", {}, 1000, 500, 0, 1500},
-        {"percent raise on works", {line("1", "Срочность", "10", "work", "inc", "proc")}, 1100, 500, 0, 1600},
-        {"number raise on both", {line("1", "К", "1,5", "all", "inc", "num")}, 1500, 750, 0, 2250},
-        {"number lowering divides", {line("1", "К", "2", "mat", "dec", "num")}, 1000, 250, 0, 1250},
+        {"nothing", {}, "1000,00", "500,00", "0,00", "1500,00"},
+        {"percent raise on works",
+         {line("1", "Срочность", "10", "work", "inc", "proc")},
+         "1100,00",
+         "500,00",
+         "0,00",
+         "1600,00"},
+        {"number raise on both",
+         {line("1", "К", "1,5", "all", "inc", "num")},
+         "1500,00",
+         "750,00",
+         "0,00",
+         "2250,00"},
+        {"number lowering divides",
+         {line("1", "К", "2", "mat", "dec", "num")},
+         "1000,00",
+         "250,00",
+         "0,00",
+         "1250,00"},
         {"lowering after raising whatever the order of lines",
          {line("1", "Скидка", "10", "work", "dec", "proc"), line("2", "К", "2", "work", "inc", "num")},
-         1800,
-         500,
-         0,
-         2300},
+         "1800,00",
+         "500,00",
+         "0,00",
+         "2300,00"},
         {"overheads after ordinary lines",
          {line("1", "Накладные расходы, %", "10", "all", "inc", "proc"),
           line("2", "К", "2", "all", "inc", "num")},
-         2200,
-         1100,
-         0,
-         3300},
+         "2200,00",
+         "1100,00",
+         "0,00",
+         "3300,00"},
         {"VAT on top of the result",
          {line("1", "НДС, %", "20", "all", "inc", "proc", "RadioButton"),
           line("2", "Скидка", "50", "mat", "dec", "proc")},
-         1000,
-         250,
-         250,
-         1500},
-        {"VAT included", {line("1", "В т.ч. НДС", "20", "all", "dec", "proc")}, 1000, 500, 250, 1500},
+         "1000,00",
+         "250,00",
+         "250,00",
+         "1500,00"},
+        {"VAT included",
+         {line("1", "В т.ч. НДС", "20", "all", "dec", "proc")},
+         "1000,00",
+         "500,00",
+         "250,00",
+         "1500,00"},
         {"VAT on works only",
          {line("1", "НДС, %", "10", "work", "inc", "proc", "RadioButton")},
-         1000,
-         500,
-         100,
-         1600},
+         "1000,00",
+         "500,00",
+         "100,00",
+         "1600,00"},
         {"a line that is off",
          {KoefLine{"1", "1", "0", "К", "3", "all", "inc", "num", ""}},
-         1000,
-         500,
-         0,
-         1500},
-        {"a bad value is skipped", {line("1", "К", "abc", "all", "inc", "num")}, 1000, 500, 0, 1500},
+         "1000,00",
+         "500,00",
+         "0,00",
+         "1500,00"},
+        {"a bad value is skipped",
+         {line("1", "К", "abc", "all", "inc", "num")},
+         "1000,00",
+         "500,00",
+         "0,00",
+         "1500,00"},
         {"kopecks are rounded per line",
          {line("1", "Наценка", "33,333", "work", "inc", "proc")},
-         1333.33,
-         500,
-         0,
-         1833.33},
+         "1333,33",
+         "500,00",
+         "0,00",
+         "1833,33"},
     };
     for (const Case &c : cases) {
-        const KoefResult r = Coefficients::apply(c.lines, 1000, 500);
-        EXPECT_DOUBLE_EQ(r.works, c.works) << c.what;
-        EXPECT_DOUBLE_EQ(r.materials, c.materials) << c.what;
-        EXPECT_DOUBLE_EQ(r.vat, c.vat) << c.what;
-        EXPECT_DOUBLE_EQ(r.grand, c.grand) << c.what;
+        const KoefResult r = Coefficients::apply(c.lines, *Money::parse("1000"), *Money::parse("500"));
+        EXPECT_EQ(rub(r.works), c.works) << c.what;
+        EXPECT_EQ(rub(r.materials), c.materials) << c.what;
+        EXPECT_EQ(rub(r.vat), c.vat) << c.what;
+        EXPECT_EQ(rub(r.grand), c.grand) << c.what;
     }
 }
 
@@ -262,21 +287,21 @@ TEST_F(EditorTest, MaterialsGridComputesWritesAndMarks) {
         QString text;
         QString sum;
         bool bad;
-        double total;
+        const char *total;
     };
     const std::vector<Case> cases = {
-        {MatCol::Name, "Штукатурка гипсовая", "", false, 0},
-        {MatCol::Qty, "12", "", false, 0},
-        {MatCol::Price, "450.5", "5406,00", false, 5406},
-        {MatCol::Qty, "-2", "-901,00", false, -901}, // returned to the shop
-        {MatCol::Price, "бесплатно", "", true, 0},
-        {MatCol::Price, "", "", false, 0},
+        {MatCol::Name, "Штукатурка гипсовая", "", false, "0,00"},
+        {MatCol::Qty, "12", "", false, "0,00"},
+        {MatCol::Price, "450.5", "5406,00", false, "5406,00"},
+        {MatCol::Qty, "-2", "-901,00", false, "-901,00"}, // returned to the shop
+        {MatCol::Price, "бесплатно", "", true, "0,00"},
+        {MatCol::Price, "", "", false, "0,00"},
     };
     for (const Case &c : cases) {
         ASSERT_TRUE(mats.setData(mats.index(row, c.col), c.text, Qt::EditRole)) << c.text.toStdString();
         EXPECT_EQ(mats.index(row, MatCol::Sum).data().toString(), c.sum) << c.text.toStdString();
         EXPECT_EQ(!mats.cellProblem(row, c.col).isEmpty(), c.bad) << c.text.toStdString();
-        EXPECT_DOUBLE_EQ(editor->materialsRaw(), c.total) << c.text.toStdString();
+        EXPECT_EQ(rub(editor->materialsRaw()), c.total) << c.text.toStdString();
     }
     // Everything typed is in the working database.
     QSqlQuery q(module->database(Db::Smeta));

@@ -8,6 +8,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMouseEvent>
@@ -201,6 +202,49 @@ TEST_F(EditorWindowTest, TwoSectionEstimateThroughThePopupMenuAndShortcuts) {
     child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))->setCurrentWidget(child<QWidget>(window.get(), QStringLiteral("TabSheetBrig")));
     QApplication::processEvents();
     EXPECT_TRUE(window->grab().save(QStringLiteral(VIRN_SCREENSHOT_DIR "/editor_crew_sheet.png")));
+}
+
+TEST_F(EditorWindowTest, BadAndHugeInputIsMarkedAndCountedUnderTheGrid) {
+    auto *line = window->findChild<QLabel *>(QStringLiteral("LabelProblems"));
+    ASSERT_NE(line, nullptr);
+    EXPECT_TRUE(line->isHidden());
+    ASSERT_EQ(editor()->appendRow(), 3);
+    struct Case {
+        const char *what;
+        int row, col;
+        const char *text;
+        const char *works, *grand; // Edit6, Edit5 ("" when refused)
+        int problems;              // 0: the line is hidden
+    };
+    const Case cases[] = {
+        {"a name", 2, Name, "Штукатурка", "0,00", "0,00", 0},
+        {"letters as the quantity", 2, Qty, "abc", "0,00", "0,00", 1},
+        {"a price", 2, Price, "100", "0,00", "0,00", 1},
+        {"a quantity past the maximum", 2, Qty, "999999999999999999", "0,00", "0,00", 1},
+        {"a quantity that fits", 2, Qty, "3", "300,00", "300,00", 0},
+        {"an amount at the maximum", 2, Price, "333333333333,33", "999999999999,99", "999999999999,99", 0},
+        {"a second row passes the total", 3, Sum, "1", "", "", 0},
+        {"and is taken back", 3, Sum, "", "999999999999,99", "999999999999,99", 0},
+    };
+    for (const Case &c : cases) {
+        if (*c.text) {
+            typeCell(c.row, c.col, QString::fromUtf8(c.text));
+        } else { // the cell's editor cannot be emptied by typing
+            ASSERT_TRUE(grid()->setData(at(c.row, c.col), QString(), Qt::EditRole));
+        }
+        EXPECT_EQ(child<QLineEdit>(window.get(), QStringLiteral("Edit6"))->text(), QString::fromUtf8(c.works)) << c.what;
+        EXPECT_EQ(child<QLineEdit>(window.get(), QStringLiteral("Edit5"))->text(), QString::fromUtf8(c.grand)) << c.what;
+        EXPECT_EQ(child<QLineEdit>(window.get(), QStringLiteral("Edit5"))->toolTip().isEmpty(), *c.grand != 0) << c.what;
+        EXPECT_EQ(line->isHidden(), c.problems == 0) << c.what;
+        if (c.problems > 0) {
+            EXPECT_TRUE(line->text().startsWith(QStringLiteral("Ячеек с ошибками: %1").arg(c.problems)))
+                << c.what << ": " << line->text().toStdString();
+        }
+        const QModelIndex qty = at(2, Qty);
+        const bool qtyBad = !grid()->cellProblem(2, Qty).isEmpty();
+        EXPECT_EQ(qty.data(Qt::BackgroundRole).isValid(), qtyBad) << c.what;
+        EXPECT_EQ(qty.data(Qt::ToolTipRole).toString(), grid()->cellProblem(2, Qty)) << c.what;
+    }
 }
 
 } // namespace

@@ -79,7 +79,7 @@ TEST_F(EstimateDocumentTest, SavedDocumentReopensWithItsRowsHeaderAndTotals) {
     EXPECT_EQ(doc->caption(), QStringLiteral("Кухня.sim"));
     EXPECT_FALSE(doc->isChanged());
     // The register knows the file with the totals the document computed.
-    const QString grand = TextValues::formatMoney(doc->editor().grandTotal());
+    const QString grand = doc->editor().grandTotal().text();
     EXPECT_EQ(queryRows(module->database(Db::MyDoc), "SELECT name, client, sumrab, allsum FROM documents"),
               QStringList{"Кухня|ООО `Ромашка`|3750,00|" + grand});
 

@@ -98,7 +98,7 @@ void writeContractDocx(const QString &path) {
 TEST_F(Engine, WordTemplateReplacesSplitRepeatedAndHeaderPlaceholders) {
     const QString templ = m_folder.file(QStringLiteral("ДОГОВОР НА РЕМОНТ.docx"));
     writeContractDocx(templ);
-    const QString words = TInWord::amount(12345.67, TInWord::Rub);
+    const QString words = TInWord::amount(*Money::parse(QStringLiteral("12345,67")), TInWord::Rub);
     const WordTemplate::Replacements values{
         {QStringLiteral("[заказчик]"), QStringLiteral("Иванов Иван Иванович")},
         {QStringLiteral("[дата]"), QStringLiteral("01.02.2025")},

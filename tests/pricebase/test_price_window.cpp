@@ -3,6 +3,7 @@
 // navigation and the crew switch. Leaves a picture of the window in the temporary folder.
 
 #include "MainWindowFixture.h"
+#include "MoneyText.h"
 #include "PriceTestData.h"
 #include "ui/Dialogs.h"
 #include "estimate/EstimateEditor.h"
@@ -145,8 +146,8 @@ TEST_F(PriceWindow, TypedNameChosenFromMemoPriceFillsRowTotalsAndMaterials) {
     settle();
     EXPECT_EQ(cell(2, EstimateCol::Sum), QStringLiteral("6000,00"));
     EXPECT_EQ(materials(), (QStringList{"Краска|5|400|2000,00", "Грунт|2|120|240,00"}));
-    EXPECT_DOUBLE_EQ((&window->document().editor())->worksRaw(), 6500.0);
-    EXPECT_DOUBLE_EQ((&window->document().editor())->materialsRaw(), 2240.0);
+    EXPECT_EQ(rub(window->document().editor().worksRaw()), "6500,00");
+    EXPECT_EQ(rub(window->document().editor().materialsRaw()), "2240,00");
     EXPECT_NE(child<QLineEdit>(window.get(), QStringLiteral("Edit6"))->text(), QStringLiteral("0,00"));
 
     const QString picture = QDir::temp().filePath("virn-price-window.png");

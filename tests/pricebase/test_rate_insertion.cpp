@@ -85,6 +85,8 @@ TEST(RateInsertion, FillsTheRowFromTheRate) {
     const Case cases[] = {
         {"1 250.50", "1250,50", InsertOutcome::Inserted},
         {"1200-1500", "1200,00", InsertOutcome::Inserted},
+        {"0,125", "0,125", InsertOutcome::Inserted}, // the price is not rounded: the amount is
+        {"12.3456", "12,3456", InsertOutcome::Inserted},
         {"0", "", InsertOutcome::Inserted},
         {"", "", InsertOutcome::Inserted},
         {"-5", "", InsertOutcome::Failed},
