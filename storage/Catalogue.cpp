@@ -2,6 +2,12 @@
 
 #include <QRegularExpression>
 
+// How a table is added: append a step to its database's list below (never edit a step that has
+// shipped: files out there are already past it). The step says which subsystem owns what it makes;
+// only that subsystem writes the table. A new column of an existing table is a NewColumn of a new
+// step; a look-up on a column gets its index in the step that creates the table, or in a new step
+// for a table that exists already.
+
 namespace {
 
 QString textColumns(const QStringList &names) {
@@ -14,6 +20,12 @@ QString textColumns(const QStringList &names) {
 QString table(const QString &name, const QString &key, const QStringList &textCols) {
     return QStringLiteral("CREATE TABLE IF NOT EXISTS %1 (%2 INTEGER PRIMARY KEY AUTOINCREMENT, %3)")
         .arg(name, key, textColumns(textCols));
+}
+
+// "CREATE INDEX IF NOT EXISTS price1_rec ON price1 (rec)": one name per table and columns.
+QString index(const QString &tableName, const QStringList &columns) {
+    return QStringLiteral("CREATE INDEX IF NOT EXISTS %1_%2 ON %1 (%3)")
+        .arg(tableName, columns.join(QLatin1Char('_')), columns.join(QStringLiteral(", ")));
 }
 
 const QStringList kPriceColumns = {"edras", "nameras", "edizm", "rub", "dol", "grn",
@@ -47,6 +59,227 @@ QString outputTable(const QString &name) {
                           "data DATE, date_compare INTEGER, dataend DATE, number TEXT, name TEXT, filename TEXT, "
                           "ext TEXT, summat TEXT, sumrab TEXT, allsum TEXT, status INTEGER, month TEXT, year TEXT)")
         .arg(name);
+}
+
+// The working estimate and every document file (a document is a copy of it).
+QList<SchemaStep> smetaSteps() {
+    return {
+        {1,
+         "estimate",
+         {},
+         {
+             // Owners: the estimate writes Afiles, parametrs and smeta (EstimateStore), koef
+             // (Coefficients), materials (MaterialsStore only), mydoc (Registration), work, and the
+             // copies Object, Customer, Requisite, RequisiteZak (EstimateHeader); shema belongs to the
+             // room schemes; ks2 to the act (the estimate writes its defaults), Account and financial to
+             // the invoice, cash to the cash book.
+             table("Afiles", "id", {"name", "type", "actionn", "shablon", "note"}),
+             table("parametrs", "_id", {"name", "value", "note"}),
+             table("koef", "id", kKoefColumns),
+             QStringLiteral(
+                 "CREATE TABLE IF NOT EXISTS materials (_id INTEGER PRIMARY KEY AUTOINCREMENT, edras TEXT, "
+                 "namemat TEXT, edizm TEXT, kolvo TEXT, price TEXT, summa TEXT, note TEXT, reserve TEXT, "
+                 "numpos INTEGER)"),
+             table("smeta", "_id", kSmetaColumns),
+             QStringLiteral(
+                 "CREATE TABLE IF NOT EXISTS shema (number TEXT, name TEXT, stena TEXT, type TEXT, "
+                 "width TEXT, height TEXT, otkos TEXT, sill TEXT, bblock TEXT)"),
+             table("Object", "_id", kObjectColumns),
+             table("Customer", "_id", kCustomerColumns),
+             requisiteTable("Requisite"),
+             requisiteTable("RequisiteZak"),
+             table("ks2", "id", {"name", "value"}),
+             table("Account", "id", {"name", "value", "note"}),
+             table("financial", "id", {"name", "value", "note"}),
+             table("cash", "id",
+                   {"data", "prihod", "myzp", "material", "transport", "workzp", "prochee", "note"}),
+             QStringLiteral(
+                 "CREATE TABLE IF NOT EXISTS mydoc (id INTEGER PRIMARY KEY AUTOINCREMENT, iddoc INTEGER, "
+                 "note TEXT)"),
+             table("work", "_id", {"basename", "note"}),
+         },
+         // Documents of earlier versions hold these tables with fewer columns (a Customer without
+         // numroom, a smeta without idwork, materials without numpos).
+         true},
+        // The rates' resources find their material by name on every quantity edit.
+        {2, "estimate", {}, {index("materials", {"namemat"})}},
+    };
+}
+
+QList<SchemaStep> priceSteps() {
+    return {
+        // Owner: the price base (PriceStore writes the lists, the resources are read by rate).
+        {1,
+         "pricebase",
+         {},
+         {table("price1", "id", kPriceColumns), table("price2", "id", kPriceColumns),
+          table("brigade", "id", kPriceColumns), table("resurs1", "id", kResourceColumns),
+          table("resurs2", "id", kResourceColumns), table("resurs_s", "id", kResourceColumns)},
+         // Lists of earlier versions may lack a currency or the crew columns; a list is written back
+         // into its table as it is.
+         true},
+        // Look-ups: a rate by its record number (crew prices, the crew sheet) and by name (live
+        // search), the resources of a rate.
+        {2,
+         "pricebase",
+         {},
+         {index("price1", {"rec"}), index("price2", {"rec"}), index("price1", {"nameras"}),
+          index("price2", {"nameras"}), index("resurs1", {"ras"}), index("resurs2", {"ras"}),
+          index("resurs_s", {"ras"})}},
+    };
+}
+
+QList<SchemaStep> cashSteps() {
+    return {
+        {1,
+         "cashbook",
+         {},
+         {
+             // Owners: the cash book writes cash and checks; the customers register writes customer,
+             // Object and RequisiteZak, the contractors register Requisite.
+             QStringLiteral(
+                 "CREATE TABLE IF NOT EXISTS cash (_id INTEGER PRIMARY KEY AUTOINCREMENT, date TEXT, "
+                 "incoming TEXT, my_salary TEXT, material TEXT, transport TEXT, salary_workers TEXT, "
+                 "other TEXT, note TEXT, customer TEXT, object TEXT, month TEXT, year TEXT, "
+                 "date_compare TEXT, cheki TEXT )"),
+             QStringLiteral(
+                 "CREATE TABLE IF NOT EXISTS checks (id INTEGER PRIMARY KEY AUTOINCREMENT, date TEXT, "
+                 "name TEXT, edizm TEXT, kolvo TEXT, price TEXT, sum TEXT, val TEXT )"),
+             table("customer", "_id", kCustomerColumns),
+             table("Object", "_id", kObjectColumns),
+             requisiteTable("RequisiteZak"),
+             requisiteTable("Requisite"),
+         }},
+        // Customers registered before the apartment number was kept.
+        {2, "customers", {{"customer", "numroom", "TEXT"}}, {}},
+        {3,
+         "customers",
+         {},
+         {index("customer", {"fio"}), index("Object", {"fio", "object"}),
+          index("cash", {"customer", "object"}), index("checks", {"val"}), index("RequisiteZak", {"id"}),
+          index("Requisite", {"id"})}},
+    };
+}
+
+QList<SchemaStep> peopleSteps() {
+    return {
+        {1,
+         "customers",
+         {},
+         {
+             // Owners: the customers register writes Customer, Object and Contractor; the estimate
+             // writes NumDoc (Registration, on save) and LastDoc (RecentDocuments).
+             table("Customer", "_id", kCustomerColumns),
+             table("Object", "_id", kObjectColumns),
+             QStringLiteral(
+                 "CREATE TABLE IF NOT EXISTS NumDoc (id INTEGER PRIMARY KEY AUTOINCREMENT, Client TEXT, "
+                 "Object TEXT, Smeta INTEGER, Act INTEGER)"),
+             table("Contractor", "id", {"shotname", "longname", "phone"}),
+             QStringLiteral(
+                 "CREATE TABLE IF NOT EXISTS LastDoc (id INTEGER PRIMARY KEY AUTOINCREMENT, value TEXT)"),
+         }},
+        {2, "customers", {{"Customer", "numroom", "TEXT"}}, {}},
+        {3,
+         "customers",
+         {},
+         {index("Customer", {"fio"}), index("Object", {"fio", "object"}),
+          index("NumDoc", {"Client", "Object"}), index("LastDoc", {"value"}),
+          index("Contractor", {"shotname"})}},
+    };
+}
+
+QList<SchemaStep> koefTempSteps() {
+    // Owner: the estimate's coefficients (a saved set is a named group of coefficient lines).
+    return {{1, "estimate", {}, {table("Koef", "id", QStringList{"nameset"} + kKoefColumns)}}};
+}
+
+QList<SchemaStep> myDocSteps() {
+    return {
+        // Owners: the register of documents and drafts is written by the estimate's Registration on
+        // save (and by the register window); contract, account and act by their documents.
+        {1,
+         "documents",
+         {},
+         {registerTable("documents"), registerTable("drafts"),
+          QStringLiteral(
+              "CREATE TABLE IF NOT EXISTS contract (id INTEGER PRIMARY KEY AUTOINCREMENT, iddoc TEXT, "
+              "data DATE, date_compare INTEGER, dataend DATE, number TEXT, name TEXT, "
+              "filename TEXT, ext TEXT, avans TEXT, allsum TEXT, status INTEGER, month TEXT, "
+              "year TEXT)"),
+          outputTable("account"), outputTable("act")}},
+        // Look-ups: the register filters by customer and period, each output is found by its estimate.
+        {2,
+         "documents",
+         {},
+         {index("documents", {"client"}), index("documents", {"date_compare"}), index("drafts", {"client"}),
+          index("drafts", {"date_compare"}), index("contract", {"iddoc"}), index("account", {"iddoc"}),
+          index("act", {"iddoc"})}},
+    };
+}
+
+QList<SchemaStep> matSteps() {
+    const QString list =
+        QStringLiteral("CREATE TABLE IF NOT EXISTS %1 (id INTEGER PRIMARY KEY AUTOINCREMENT, "
+                       "namemat TEXT, edizm TEXT, price TEXT, nummat TEXT, idmat TEXT, "
+                       "numpos INTEGER)");
+    return {
+        // Owner: the materials lists and the warehouse (storage).
+        {1,
+         "materials",
+         {},
+         {list.arg("list1"), list.arg("list2"), list.arg("list3"),
+          QStringLiteral(
+              "CREATE TABLE IF NOT EXISTS storage (id INTEGER PRIMARY KEY AUTOINCREMENT, data DATE, "
+              "namemat TEXT, edizm TEXT, kolvo TEXT, price TEXT, summa TEXT, minlimit TEXT, "
+              "client TEXT, sale TEXT, customer TEXT, object TEXT, month TEXT, year TEXT, "
+              "date_compare TEXT, dataoffs DATE, note TEXT)")}},
+        // The write-off report looks the warehouse up by customer and by object.
+        {2, "materials", {}, {index("storage", {"customer"}), index("storage", {"object"})}},
+    };
+}
+
+QList<SchemaStep> shemaSteps() {
+    // Owner: the room schemes. A scheme is its walls and openings, one row each, grouped by name.
+    return {{1,
+             "calculators",
+             {},
+             {table("shemas", "id",
+                    {"nameshema", "number", "name", "stena", "type", "width", "height", "otkos", "sill",
+                     "bblock"})}}};
+}
+
+QList<SchemaStep> returnActionSteps() {
+    return {
+        // Owners: the estimate's UndoJournal writes ReturnAction, its RowClipboard PopupMenuEdit.
+        // Both are emptied for every new document, never dropped.
+        {1,
+         "estimate",
+         {},
+         {QStringLiteral("CREATE TABLE IF NOT EXISTS ReturnAction (_id INTEGER PRIMARY KEY AUTOINCREMENT,"
+                         "numpos TEXT,edras TEXT,nameras TEXT,edizm TEXT,kolvo TEXT,price TEXT,summa TEXT,"
+                         "idRas TEXT,NamePrice TEXT,KoefBrig TEXT,_action TEXT,MouseDownRow TEXT,"
+                         "MouseUpRow TEXT,hint TEXT)"),
+          QStringLiteral("CREATE TABLE IF NOT EXISTS PopupMenuEdit (numpos TEXT, edras TEXT, nameras TEXT,"
+                         "edizm TEXT, kolvo TEXT, price TEXT, summa TEXT, idRas TEXT, NamePrice TEXT, "
+                         "KoefBrig TEXT)")}},
+        // The journal's step number and the full cells of each row; dropping the undone steps
+        // ("DELETE ... WHERE step > ?") and reading a step go through the index.
+        {2,
+         "estimate",
+         {{"ReturnAction", "step", "INTEGER"}, {"ReturnAction", "cells", "TEXT"}},
+         {index("ReturnAction", {"step"})}},
+    };
+}
+
+QList<SchemaStep> mailSteps() {
+    // Owner: the mail client.
+    return {{1,
+             "mail",
+             {},
+             {table("folders", "id", {"name", "note"}),
+              table("messages", "id",
+                    {"folder", "sender", "recipients", "subject", "body", "attachments", "data",
+                     "date_compare", "seen"})}}};
 }
 
 } // namespace
@@ -83,103 +316,48 @@ QString relativePath(Db db) {
     return {};
 }
 
-QStringList createStatements(Db db) {
+const QList<SchemaStep> &schemaSteps(Db db) {
+    static const QList<SchemaStep> smeta = smetaSteps(), price = priceSteps(), cash = cashSteps(),
+                                   people = peopleSteps(), koefTemp = koefTempSteps(), myDoc = myDocSteps(),
+                                   mat = matSteps(), shema = shemaSteps(), returnAction = returnActionSteps(),
+                                   mail = mailSteps(), none;
     switch (db) {
     case Db::Smeta:
-        // The order of the working database; a document file is a copy of it, so opening an older
-        // file through this connection adds whatever table it lacks.
-        return {
-            table("Afiles", "id", {"name", "type", "actionn", "shablon", "note"}),
-            table("parametrs", "_id", {"name", "value", "note"}),
-            table("koef", "id", kKoefColumns),
-            QStringLiteral("CREATE TABLE IF NOT EXISTS materials (_id INTEGER PRIMARY KEY AUTOINCREMENT, edras TEXT, "
-                           "namemat TEXT, edizm TEXT, kolvo TEXT, price TEXT, summa TEXT, note TEXT, reserve TEXT, "
-                           "numpos INTEGER)"),
-            table("smeta", "_id", kSmetaColumns),
-            QStringLiteral("CREATE TABLE IF NOT EXISTS shema (number TEXT, name TEXT, stena TEXT, type TEXT, "
-                           "width TEXT, height TEXT, otkos TEXT, sill TEXT, bblock TEXT)"),
-            table("Object", "_id", kObjectColumns),
-            table("Customer", "_id", kCustomerColumns),
-            requisiteTable("Requisite"),
-            requisiteTable("RequisiteZak"),
-            table("ks2", "id", {"name", "value"}),
-            table("Account", "id", {"name", "value", "note"}),
-            table("financial", "id", {"name", "value", "note"}),
-            table("cash", "id", {"data", "prihod", "myzp", "material", "transport", "workzp", "prochee", "note"}),
-            QStringLiteral("CREATE TABLE IF NOT EXISTS mydoc (id INTEGER PRIMARY KEY AUTOINCREMENT, iddoc INTEGER, "
-                           "note TEXT)"),
-            table("work", "_id", {"basename", "note"}),
-        };
+        return smeta;
     case Db::Price:
-        return {table("price1", "id", kPriceColumns),    table("price2", "id", kPriceColumns),
-                table("brigade", "id", kPriceColumns),   table("resurs1", "id", kResourceColumns),
-                table("resurs2", "id", kResourceColumns), table("resurs_s", "id", kResourceColumns)};
+        return price;
     case Db::Cash:
-        return {
-            QStringLiteral("CREATE TABLE IF NOT EXISTS cash (_id INTEGER PRIMARY KEY AUTOINCREMENT, date TEXT, "
-                           "incoming TEXT, my_salary TEXT, material TEXT, transport TEXT, salary_workers TEXT, "
-                           "other TEXT, note TEXT, customer TEXT, object TEXT, month TEXT, year TEXT, "
-                           "date_compare TEXT, cheki TEXT )"),
-            QStringLiteral("CREATE TABLE IF NOT EXISTS checks (id INTEGER PRIMARY KEY AUTOINCREMENT, date TEXT, "
-                           "name TEXT, edizm TEXT, kolvo TEXT, price TEXT, sum TEXT, val TEXT )"),
-            table("customer", "_id", kCustomerColumns),
-            table("Object", "_id", kObjectColumns),
-            requisiteTable("RequisiteZak"),
-            requisiteTable("Requisite"),
-        };
+        return cash;
     case Db::People:
-        return {
-            table("Customer", "_id", kCustomerColumns),
-            table("Object", "_id", kObjectColumns),
-            QStringLiteral("CREATE TABLE IF NOT EXISTS NumDoc (id INTEGER PRIMARY KEY AUTOINCREMENT, Client TEXT, "
-                           "Object TEXT, Smeta INTEGER, Act INTEGER)"),
-            table("Contractor", "id", {"shotname", "longname", "phone"}),
-            QStringLiteral("CREATE TABLE IF NOT EXISTS LastDoc (id INTEGER PRIMARY KEY AUTOINCREMENT, value TEXT)"),
-        };
+        return people;
     case Db::KoefTemp:
-        // A saved coefficient set is a named group of coefficient lines.
-        return {table("Koef", "id", QStringList{"nameset"} + kKoefColumns)};
+        return koefTemp;
     case Db::MyDoc:
-        return {registerTable("documents"), registerTable("drafts"),
-                QStringLiteral("CREATE TABLE IF NOT EXISTS contract (id INTEGER PRIMARY KEY AUTOINCREMENT, iddoc TEXT, "
-                               "data DATE, date_compare INTEGER, dataend DATE, number TEXT, name TEXT, "
-                               "filename TEXT, ext TEXT, avans TEXT, allsum TEXT, status INTEGER, month TEXT, "
-                               "year TEXT)"),
-                outputTable("account"), outputTable("act")};
-    case Db::Mat: {
-        const QString list = QStringLiteral("CREATE TABLE IF NOT EXISTS %1 (id INTEGER PRIMARY KEY AUTOINCREMENT, "
-                                            "namemat TEXT, edizm TEXT, price TEXT, nummat TEXT, idmat TEXT, "
-                                            "numpos INTEGER)");
-        return {list.arg("list1"), list.arg("list2"), list.arg("list3"),
-                QStringLiteral("CREATE TABLE IF NOT EXISTS storage (id INTEGER PRIMARY KEY AUTOINCREMENT, data DATE, "
-                               "namemat TEXT, edizm TEXT, kolvo TEXT, price TEXT, summa TEXT, minlimit TEXT, "
-                               "client TEXT, sale TEXT, customer TEXT, object TEXT, month TEXT, year TEXT, "
-                               "date_compare TEXT, dataoffs DATE, note TEXT)")};
-    }
+        return myDoc;
+    case Db::Mat:
+        return mat;
     case Db::Shema:
-        // A room scheme: its walls and openings, one row each, grouped by scheme name.
-        return {table("shemas", "id", {"nameshema", "number", "name", "stena", "type", "width", "height", "otkos",
-                                       "sill", "bblock"})};
+        return shema;
     case Db::ReturnAction:
-        return {QStringLiteral("CREATE TABLE IF NOT EXISTS ReturnAction (_id INTEGER PRIMARY KEY AUTOINCREMENT,"
-                               "numpos TEXT,edras TEXT,nameras TEXT,edizm TEXT,kolvo TEXT,price TEXT,summa TEXT,"
-                               "idRas TEXT,NamePrice TEXT,KoefBrig TEXT,_action TEXT,MouseDownRow TEXT,"
-                               "MouseUpRow TEXT,hint TEXT)"),
-                QStringLiteral("CREATE TABLE IF NOT EXISTS PopupMenuEdit (numpos TEXT, edras TEXT, nameras TEXT,"
-                               "edizm TEXT, kolvo TEXT, price TEXT, summa TEXT, idRas TEXT, NamePrice TEXT, "
-                               "KoefBrig TEXT)")};
+        return returnAction;
     case Db::Mail:
-        return {table("folders", "id", {"name", "note"}),
-                table("messages", "id", {"folder", "sender", "recipients", "subject", "body", "attachments",
-                                         "data", "date_compare", "seen"})};
+        return mail;
     }
-    return {};
+    return none;
 }
 
 QStringList tableNames(Db db) {
-    static const QRegularExpression re(QStringLiteral("CREATE TABLE IF NOT EXISTS (\\w+)"));
+    static const QRegularExpression re(QStringLiteral("^CREATE TABLE IF NOT EXISTS (\\w+)"));
     QStringList names;
-    for (const QString &s : createStatements(db))
-        names << re.match(s).captured(1);
+    for (const SchemaStep &step : schemaSteps(db))
+        for (const QString &s : step.statements) {
+            const QRegularExpressionMatch m = re.match(s);
+            if (m.hasMatch())
+                names << m.captured(1);
+        }
     return names;
+}
+
+bool isShared(Db db) {
+    return db != Db::Smeta;
 }

@@ -1,5 +1,7 @@
 #include "ModuleSQL.h"
 
+#include "Schema.h"
+
 #include <QAtomicInt>
 #include <QDir>
 #include <QFileInfo>
@@ -28,18 +30,6 @@ bool TModuleSQL::isOpen(Db db) const {
     return QSqlDatabase::contains(connectionName(db)) && QSqlDatabase::database(connectionName(db), false).isOpen();
 }
 
-bool TModuleSQL::createTables(QSqlDatabase &database, Db db, QString *error) {
-    QSqlQuery q(database);
-    for (const QString &statement : createStatements(db)) {
-        if (!q.exec(statement)) {
-            if (error)
-                *error = q.lastError().text();
-            return false;
-        }
-    }
-    return true;
-}
-
 QSqlDatabase TModuleSQL::database(Db db) {
     const QString name = connectionName(db);
     if (QSqlDatabase::contains(name)) {
@@ -52,16 +42,24 @@ QSqlDatabase TModuleSQL::database(Db db) {
     const QString path = filePath(db);
     QDir().mkpath(QFileInfo(path).absolutePath());
     con.setDatabaseName(path);
+    // Another program may be writing the same file: wait for it rather than fail at once.
+    con.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(Schema::kBusyTimeoutMs));
     QString reason;
     if (!con.open()) {
         reason = con.lastError().text();
     } else {
         QSqlQuery probe(con);
         // A file that is not SQLite opens fine and fails on its first read.
-        if (!probe.exec(QStringLiteral("PRAGMA schema_version")) || !probe.next())
+        if (!probe.exec(QStringLiteral("PRAGMA schema_version")) || !probe.next()) {
             reason = probe.lastError().text();
-        else
-            createTables(con, db, &reason); // leaves the reason on failure
+        } else {
+            probe.finish();
+            // A file where the log cannot be kept (a file system without shared memory) still works,
+            // one writer at a time.
+            if (isShared(db))
+                Schema::shareConnection(con);
+            reason = Schema::upgrade(con, db);
+        }
     }
     if (!reason.isEmpty()) {
         con.close();

@@ -1,6 +1,7 @@
 #pragma once
 // The data module: one named SQLite connection per catalogue entry. Paths are set when the module is
-// created; a connection opens on first use and then creates every table it is missing.
+// created; a connection opens on first use and then brings its file to the current version of the
+// catalogue (Schema.h). Shared files are opened in write-ahead-log mode with a busy timeout.
 
 #include "Catalogue.h"
 
@@ -32,16 +33,13 @@ public:
     // Closes the connection (the file may then be replaced); the next database() reopens it.
     void close(Db db);
     void closeAll();
-    // Close and open again, which also recreates dropped tables.
+    // Close and open again.
     QSqlDatabase reconnect(Db db);
     // Points a connection at another file (the cash book may live elsewhere).
     void setFilePath(Db db, const QString &path);
 
     // Called once per failed database with a Russian text naming the file.
     void setFailureHandler(std::function<void(Db, const QString &)> handler) { m_onFailure = std::move(handler); }
-
-    // Runs the table statements of db on an open connection; false with the reason on failure.
-    static bool createTables(QSqlDatabase &database, Db db, QString *error = nullptr);
 
 private:
     QString m_dataFolder;
