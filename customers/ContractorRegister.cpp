@@ -1,7 +1,8 @@
 #include "ContractorRegister.h"
 
-#include "storage/SettingsStore.h"
 #include "storage/ModuleSQL.h"
+#include "storage/Schema.h"
+#include "storage/SettingsStore.h"
 #include "storage/TextValues.h"
 
 #include <QSqlError>
@@ -158,14 +159,11 @@ RegisterStatus ContractorRegister::remove(const QString &id) {
 }
 
 RegisterStatus ContractorRegister::drop() {
-    if (!RecordIo::run(m_module.database(Db::Cash), QStringLiteral("DROP TABLE IF EXISTS Requisite;"), {},
-                       &m_error) ||
+    // The tables stay, empty: only their upgrade steps make them.
+    if (!Schema::clearTables(m_module.database(Db::Cash), {QStringLiteral("Requisite")}, &m_error) ||
         !RecordIo::run(m_module.database(Db::Cash), QStringLiteral("VACUUM;"), {}, &m_error) ||
-        !RecordIo::run(m_module.database(Db::People), QStringLiteral("DROP TABLE IF EXISTS Contractor;"), {},
-                       &m_error))
+        !Schema::clearTables(m_module.database(Db::People), {QStringLiteral("Contractor")}, &m_error))
         return RegisterStatus::Failed;
-    m_module.reconnect(Db::Cash);
-    m_module.reconnect(Db::People);
     return RegisterStatus::Ok;
 }
 

@@ -33,7 +33,7 @@ public:
     // btnOk: writes the names, the phone and every legal detail (a missing Requisite row is created).
     RegisterStatus save(const Fields &contractor, const Fields &requisites);
     RegisterStatus remove(const QString &id);
-    // "DROP TABLE Requisite;", "VACUUM;", "DROP TABLE Contractor;"; the tables come back empty.
+    // Empties Requisite (cashbase.db, then compacted) and Contractor (peoplebase.db).
     RegisterStatus drop();
 
     QString lastError() const { return m_error; }

@@ -1,6 +1,7 @@
 #include "CustomerRegister.h"
 
 #include "storage/ModuleSQL.h"
+#include "storage/Schema.h"
 #include "storage/TextValues.h"
 
 #include <QSqlError>
@@ -34,15 +35,11 @@ QString requisiteValue(const QString &column, const Fields &customer, const Fiel
 CustomerRegister::CustomerRegister(TModuleSQL &module) : m_module(module) {}
 
 QSqlDatabase CustomerRegister::cash() {
-    QSqlDatabase db = m_module.database(Db::Cash);
-    RecordIo::ensureNumroom(db, QStringLiteral("customer"), &m_error);
-    return db;
+    return m_module.database(Db::Cash);
 }
 
 QSqlDatabase CustomerRegister::people() {
-    QSqlDatabase db = m_module.database(Db::People);
-    RecordIo::ensureNumroom(db, QStringLiteral("Customer"), &m_error);
-    return db;
+    return m_module.database(Db::People);
 }
 
 bool CustomerRegister::run(QSqlDatabase db, const QString &sql, const QVariantList &values,
@@ -225,22 +222,17 @@ RegisterStatus CustomerRegister::deleteCustomer(const QString &customer) {
 }
 
 RegisterStatus CustomerRegister::dropRegister() {
-    {
-        QSqlDatabase c = cash();
-        for (const char *sql :
-             {"DROP TABLE IF EXISTS customer;", "DROP TABLE IF EXISTS Object;",
-              "DROP TABLE IF EXISTS RequisiteZak;", "DROP TABLE IF EXISTS cash;", "VACUUM;"})
-            if (!run(c, QString::fromLatin1(sql)))
-                return RegisterStatus::Failed;
-        QSqlDatabase p = people();
-        // The people database mirrors customers and objects alike, so both go.
-        for (const char *sql : {"DROP TABLE IF EXISTS Customer;", "DROP TABLE IF EXISTS Object;"})
-            if (!run(p, QString::fromLatin1(sql)))
-                return RegisterStatus::Failed;
-    }
-    // The tables come back empty on the next connection.
-    m_module.reconnect(Db::Cash);
-    m_module.reconnect(Db::People);
+    // The tables stay, empty: only their upgrade steps make them.
+    QSqlDatabase c = cash();
+    if (!Schema::clearTables(c,
+                             {QStringLiteral("customer"), QStringLiteral("Object"),
+                              QStringLiteral("RequisiteZak"), QStringLiteral("cash")},
+                             &m_error) ||
+        !run(c, QStringLiteral("VACUUM;")))
+        return RegisterStatus::Failed;
+    // The people database mirrors customers and objects alike, so both go.
+    if (!Schema::clearTables(people(), {QStringLiteral("Customer"), QStringLiteral("Object")}, &m_error))
+        return RegisterStatus::Failed;
     return RegisterStatus::Ok;
 }
 

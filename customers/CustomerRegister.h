@@ -38,8 +38,8 @@ public:
     RegisterStatus deleteObject(const QString &customer, const QString &object);
     // Deletes its objects, the customer, its cash entries and its legal details.
     RegisterStatus deleteCustomer(const QString &customer);
-    // Drops customer, Object, RequisiteZak and cash (cashbase.db) and Customer, Object (peoplebase.db);
-    // the tables come back empty on reconnection.
+    // Empties customer, Object, RequisiteZak and cash (cashbase.db, then compacted) and Customer,
+    // Object (peoplebase.db).
     RegisterStatus dropRegister();
 
     // btnOK: saves the customer (customer["_id"] empty or unknown: a new customer) with its legal details,

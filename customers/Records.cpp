@@ -1,6 +1,7 @@
 #include "Records.h"
 
 #include "storage/TextValues.h"
+#include "storage/Transaction.h"
 
 #include <QSqlDatabase>
 #include <QSqlError>
@@ -89,19 +90,6 @@ bool hasColumn(QSqlDatabase db, const QString &table, const QString &column) {
     return false;
 }
 
-bool ensureNumroom(QSqlDatabase db, const QString &table, QString *error) {
-    if (!db.isOpen() || hasColumn(db, table, QStringLiteral("numroom")))
-        return true;
-    if (!hasColumn(db, table, QStringLiteral("fio")))
-        return true; // no such table (yet): it is created with the column
-    QSqlQuery q(db);
-    if (q.exec(QStringLiteral("ALTER TABLE %1 ADD COLUMN numroom TEXT;").arg(table)))
-        return true;
-    if (error)
-        *error = q.lastError().text();
-    return false;
-}
-
 bool run(QSqlDatabase db, const QString &sql, const QVariantList &values, QString *error, int *rowsAffected) {
     auto fail = [&](const QString &why) {
         if (error)
@@ -123,19 +111,18 @@ bool run(QSqlDatabase db, const QString &sql, const QVariantList &values, QStrin
 }
 
 bool inTransaction(QSqlDatabase db, const std::function<bool()> &body, QString *error) {
-    if (!db.isOpen()) {
+    Transaction t(db);
+    if (!t.active()) {
         if (error)
-            *error = QStringLiteral("база данных не открыта");
+            *error = t.error();
         return false;
     }
-    db.transaction();
-    if (body()) {
-        if (db.commit())
-            return true;
-        if (error)
-            *error = db.lastError().text();
-    }
-    db.rollback();
+    if (!body())
+        return false;
+    if (t.commit())
+        return true;
+    if (error)
+        *error = t.error();
     return false;
 }
 

@@ -68,12 +68,11 @@ namespace RecordIo {
 Fields fromRecord(const QSqlRecord &record, const QString &nameColumn = QString());
 // True when the table has the column (older files may lack some).
 bool hasColumn(QSqlDatabase db, const QString &table, const QString &column);
-// Brings an older customer table up to date: "ALTER TABLE <table> ADD COLUMN numroom TEXT;".
-bool ensureNumroom(QSqlDatabase db, const QString &table, QString *error = nullptr);
 // One statement with bound values; on failure *error names the reason and the statement.
 bool run(QSqlDatabase db, const QString &sql, const QVariantList &values, QString *error,
          int *rowsAffected = nullptr);
-// Runs body inside a transaction of db: committed when it returns true, rolled back otherwise.
+// Runs body inside a transaction of db (Transaction.h: the write lock from the start, a savepoint
+// inside a transaction already open): committed when it returns true, rolled back otherwise.
 bool inTransaction(QSqlDatabase db, const std::function<bool()> &body, QString *error);
 // "?,?,?" for n values.
 QString placeholders(int n);

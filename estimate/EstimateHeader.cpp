@@ -101,8 +101,6 @@ bool writeCopies(QSqlDatabase doc, CustomerRegister &customers, ContractorRegist
         customer.found && !v.object.isEmpty() ? customers.object(v.customer, v.object) : Fields{};
     const ContractorData contractor =
         v.contractor.isEmpty() ? ContractorData{} : contractors.forEstimateText(v.contractor);
-    // An older document may hold a Customer table without the apartment column.
-    RecordIo::ensureNumroom(doc, QStringLiteral("Customer"), error);
     return RecordIo::inTransaction(
         doc,
         [&] {

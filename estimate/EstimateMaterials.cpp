@@ -1,11 +1,11 @@
 #include "EstimateMaterials.h"
 
+#include "MaterialsStore.h"
 #include "RowAmount.h"
 #include "storage/TextValues.h"
 
 #include <QBrush>
 #include <QColor>
-#include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
 
@@ -98,17 +98,12 @@ void EstimateMaterials::reload() {
 }
 
 int EstimateMaterials::addRow() {
-    QSqlDatabase db = m_database();
-    QSqlQuery q(db);
     m_error.clear();
-    if (!db.isOpen() ||
-        !q.exec(QStringLiteral("INSERT INTO materials (edras, namemat, edizm, kolvo, price, summa, note) "
-                               "VALUES ('', '', '', '', '', '', '')"))) {
-        m_error = db.isOpen() ? q.lastError().text() : QStringLiteral("рабочая база сметы не открыта");
+    const QString id = MaterialsStore::add(m_database(), {}, &m_error);
+    if (id.isEmpty())
         return -1;
-    }
     Row r;
-    r.id = q.lastInsertId().toString();
+    r.id = id;
     r.cells = QStringList{QString(), QString(), QString(), QString(), QString(), QString(), QString()};
     const int row = rowCount();
     beginInsertRows({}, row, row);
@@ -120,27 +115,12 @@ int EstimateMaterials::addRow() {
 bool EstimateMaterials::removeRows(int first, int last) {
     if (first < 0 || last >= rowCount() || first > last)
         return false;
-    QSqlDatabase db = m_database();
     m_error.clear();
-    if (!db.isOpen() || !db.transaction()) {
-        m_error = QStringLiteral("рабочая база сметы не открыта");
+    QStringList ids;
+    for (int i = first; i <= last; ++i)
+        ids << m_rows[static_cast<size_t>(i)].id;
+    if (!MaterialsStore::removeByIds(m_database(), ids, &m_error))
         return false;
-    }
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("DELETE FROM materials WHERE _id=?"));
-    for (int i = first; i <= last; ++i) {
-        q.addBindValue(m_rows[static_cast<size_t>(i)].id);
-        if (!q.exec()) {
-            m_error = q.lastError().text();
-            db.rollback();
-            return false;
-        }
-    }
-    if (!db.commit()) {
-        m_error = db.lastError().text();
-        db.rollback();
-        return false;
-    }
     beginRemoveRows({}, first, last);
     m_rows.erase(m_rows.begin() + first, m_rows.begin() + last + 1);
     endRemoveRows();
@@ -195,18 +175,10 @@ bool EstimateMaterials::setData(const QModelIndex &index, const QVariant &value,
     if (computed)
         r.cells[MatCol::Sum] = r.counted ? r.amount.text() : QString();
 
-    QSqlDatabase db = m_database();
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("UPDATE materials SET %1=?, summa=? WHERE _id=?")
-                  .arg(QLatin1String(columnName(index.column()))));
-    q.addBindValue(r.cells[index.column()]);
-    q.addBindValue(r.cells[MatCol::Sum]);
-    q.addBindValue(r.id);
     m_error.clear();
-    if (!db.isOpen() || !q.exec()) {
-        m_error = db.isOpen() ? q.lastError().text() : QStringLiteral("рабочая база сметы не открыта");
+    if (!MaterialsStore::setCell(m_database(), r.id, QLatin1String(columnName(index.column())),
+                                 r.cells[index.column()], r.cells[MatCol::Sum], &m_error))
         return false;
-    }
     m_rows[static_cast<size_t>(index.row())] = std::move(r);
     emit dataChanged(this->index(index.row(), 0), this->index(index.row(), MatCol::Count - 1));
     sum();

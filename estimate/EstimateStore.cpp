@@ -2,9 +2,12 @@
 
 #include "CrewGrid.h"
 #include "EstimateGrid.h"
+#include "MaterialsStore.h"
 #include "storage/ModuleSQL.h"
 #include "storage/Money.h"
+#include "storage/Schema.h"
 #include "storage/TextValues.h"
+#include "storage/Transaction.h"
 
 #include <QDate>
 #include <QSqlError>
@@ -96,16 +99,15 @@ bool writeSmeta(QSqlDatabase db, EstimateGrid &grid, const CrewGrid &crew, const
         if (grid.cell(r, EstimateCol::IdDoc).trimmed().isEmpty())
             grid.setCell(r, EstimateCol::IdDoc, QString::number(++nextId));
 
-    if (!db.transaction()) {
+    Transaction t(db);
+    if (!t.active()) {
         if (error)
-            *error = db.lastError().text();
+            *error = t.error();
         return false;
     }
     QSqlQuery q(db);
-    if (!q.exec(QStringLiteral("DELETE FROM smeta"))) {
-        db.rollback();
+    if (!q.exec(QStringLiteral("DELETE FROM smeta")))
         return fail(q, error);
-    }
     q.prepare(QStringLiteral("INSERT INTO smeta (numpos, edras, nameras, edizm, kolvo, price, summa, idRas, NamePrice, "
                              "KoefBrig, section, machine, mat, total, laboriousness, idwork) "
                              "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
@@ -118,19 +120,14 @@ bool writeSmeta(QSqlDatabase db, EstimateGrid &grid, const CrewGrid &crew, const
             q.addBindValue(grid.cell(r, c));
         q.addBindValue(QString()); // labour intensity is not kept in the grid
         q.addBindValue(grid.cell(r, IdDoc));
-        if (!q.exec()) {
-            db.rollback();
+        if (!q.exec())
             return fail(q, error);
-        }
     }
-    if (!params.isEmpty() && !writeParameters(db, params, error)) {
-        db.rollback();
+    if (!params.isEmpty() && !writeParameters(db, params, error))
         return false;
-    }
-    if (!db.commit()) {
+    if (!t.commit()) {
         if (error)
-            *error = db.lastError().text();
-        db.rollback();
+            *error = t.error();
         return false;
     }
     return true;
@@ -225,37 +222,47 @@ bool createNewDoc(TModuleSQL &module, EstimateGrid &grid, CrewGrid &crew, QStrin
     grid.clear();
     crew.setAllRows({});
 
-    {
-        QSqlDatabase smeta = module.database(Db::Smeta);
-        if (!smeta.isOpen()) {
-            if (error)
-                *error = module.failure(Db::Smeta);
-            return false;
-        }
-        QSqlQuery q(smeta);
-        for (const char *s : {"DROP TABLE IF EXISTS materials;", "DROP TABLE IF EXISTS koef;", "DROP TABLE IF EXISTS ks2;",
-                              "DROP TABLE IF EXISTS mydoc;", "DROP TABLE IF EXISTS cashstorage;",
-                              "DROP TABLE IF EXISTS Account;", "VACUUM;"})
-            if (!q.exec(QString::fromUtf8(s)))
-                return fail(q, error);
-    }
-    QSqlDatabase smeta = module.reconnect(Db::Smeta);
+    QSqlDatabase smeta = module.database(Db::Smeta);
     if (!smeta.isOpen()) {
         if (error)
             *error = module.failure(Db::Smeta);
         return false;
     }
-    writeDefaultActSettings(smeta);
-    writeDefaultKoefLines(smeta);
+    // The document's tables are emptied, never dropped (only the upgrade steps make tables), and
+    // refilled with the defaults, in one transaction.
+    const auto reset = [&smeta]() -> QString {
+        Transaction t(smeta);
+        if (!t.active())
+            return t.error();
+        QString why;
+        if (!MaterialsStore::clear(smeta, &why) ||
+            !Schema::clearTables(smeta,
+                                 {QStringLiteral("koef"), QStringLiteral("ks2"), QStringLiteral("mydoc"),
+                                  QStringLiteral("Account")},
+                                 &why))
+            return why;
+        // No table of today's layout: a leftover of older documents goes.
+        QSqlQuery q(smeta);
+        if (!q.exec(QStringLiteral("DROP TABLE IF EXISTS cashstorage")))
+            return q.lastError().text();
+        if (!writeDefaultActSettings(smeta) || !writeDefaultKoefLines(smeta))
+            return QStringLiteral("не удалось записать настройки акта и строки коэффициентов");
+        return t.commit() ? QString() : t.error();
+    };
+    if (const QString why = reset(); !why.isEmpty()) {
+        if (error)
+            *error = why;
+        return false;
+    }
+    // The emptied pages are given back, so that a document file holds no remains of the last one.
+    QSqlQuery(smeta).exec(QStringLiteral("VACUUM"));
 
     QSqlDatabase actions = module.database(Db::ReturnAction);
     if (actions.isOpen()) {
-        QSqlQuery q(actions);
-        for (const char *s : {"DROP TABLE IF EXISTS ReturnAction;", "DROP TABLE IF EXISTS PopupMenuEdit;", "VACUUM;"})
-            if (!q.exec(QString::fromUtf8(s)))
-                return fail(q, error);
-        if (!TModuleSQL::createTables(actions, Db::ReturnAction, error))
+        if (!Schema::clearTables(actions, {QStringLiteral("ReturnAction"), QStringLiteral("PopupMenuEdit")},
+                                 error))
             return false;
+        QSqlQuery(actions).exec(QStringLiteral("VACUUM"));
     }
     return true;
 }

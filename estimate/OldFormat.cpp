@@ -2,10 +2,10 @@
 
 #include "EstimateStore.h"
 #include "storage/Catalogue.h"
+#include "storage/Schema.h"
+#include "storage/Transaction.h"
 
 #include <QAtomicInt>
-#include <QHash>
-#include <QMutex>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -45,43 +45,14 @@ QString quoted(const QString &identifier) {
     return QLatin1Char('"') + s + QLatin1Char('"');
 }
 
-struct Column {
-    QString name;
-    QString type;
-};
-
-QList<Column> columnsOf(QSqlDatabase db, const QString &table) {
-    QList<Column> out;
+// The table's columns, lower-cased (SQLite compares names without case); empty when there is no table.
+QStringList columnsOf(QSqlDatabase db, const QString &table) {
+    QStringList out;
     QSqlQuery q(db);
     if (q.exec(QStringLiteral("PRAGMA table_info(%1)").arg(quoted(table))))
         while (q.next())
-            out.append({q.value(1).toString(), q.value(2).toString()});
+            out << q.value(1).toString().toLower();
     return out;
-}
-
-// Today's tables and their columns, read once from an in-memory database made by the creation
-// statements, so that the layout is written down in one place only.
-const QHash<QString, QList<Column>> &reference() {
-    static QMutex mutex;
-    static QHash<QString, QList<Column>> tables;
-    QMutexLocker lock(&mutex);
-    if (tables.isEmpty()) {
-        Connection c(QStringLiteral(":memory:"));
-        QSqlDatabase db = c.db();
-        QSqlQuery q(db);
-        for (const QString &s : createStatements(Db::Smeta))
-            q.exec(s);
-        for (const QString &t : tableNames(Db::Smeta))
-            tables.insert(t, columnsOf(db, t));
-    }
-    return tables;
-}
-
-bool hasColumn(const QList<Column> &cols, const QString &name) {
-    for (const Column &c : cols)
-        if (c.name.compare(name, Qt::CaseInsensitive) == 0)
-            return true;
-    return false;
 }
 
 QString failed(const QSqlQuery &q) {
@@ -94,10 +65,10 @@ QString upgradeOpen(QSqlDatabase db) {
     q.exec(QStringLiteral("PRAGMA trusted_schema=OFF"));
     q.exec(QStringLiteral("PRAGMA cell_size_check=ON"));
 
-    const QList<Column> smeta = columnsOf(db, QStringLiteral("smeta"));
+    const QStringList smeta = columnsOf(db, QStringLiteral("smeta"));
     if (smeta.isEmpty())
         return QStringLiteral("в файле нет таблицы сметы");
-    if (!hasColumn(smeta, QStringLiteral("nameras")))
+    if (!smeta.contains(QStringLiteral("nameras")))
         return QStringLiteral("в таблице сметы нет наименований работ");
 
     QStringList drops;
@@ -110,48 +81,41 @@ QString upgradeOpen(QSqlDatabase db) {
                           quoted(q.value(1).toString()));
     q.finish();
 
-    if (!db.transaction())
-        return db.lastError().text().trimmed();
-    auto rollback = [&db](const QString &why) {
-        db.rollback();
-        return why;
-    };
+    // One transaction for all of it: a file that cannot be brought up to date stays as it was.
+    Transaction t(db);
+    if (!t.active())
+        return t.error();
     for (const QString &s : drops)
         if (!q.exec(s))
-            return rollback(failed(q));
-    for (const QString &s : createStatements(Db::Smeta))
-        if (!q.exec(s))
-            return rollback(failed(q));
-    const auto &ref = reference();
-    for (auto it = ref.constBegin(); it != ref.constEnd(); ++it) {
-        const QList<Column> present = columnsOf(db, it.key());
-        for (const Column &c : it.value()) {
-            if (hasColumn(present, c.name))
-                continue;
-            if (!q.exec(QStringLiteral("ALTER TABLE %1 ADD COLUMN %2 %3")
-                            .arg(quoted(it.key()), quoted(c.name),
-                                 c.type.isEmpty() ? QStringLiteral("TEXT") : c.type)))
-                return rollback(failed(q));
-        }
+            return failed(q);
+    QString why = Schema::upgrade(db, Db::Smeta);
+    if (!why.isEmpty())
+        return why;
+    // The version a file claims is checked against what it holds: a file that says it is up to date
+    // and lacks a table or column was damaged after it was written.
+    for (const QString &table : tableNames(Db::Smeta)) {
+        const QStringList present = columnsOf(db, table);
+        if (present.isEmpty())
+            return QStringLiteral("в файле нет таблицы %1").arg(table);
+        for (const QString &column : Schema::columns(Db::Smeta, table))
+            if (!present.contains(column.toLower()))
+                return QStringLiteral("в таблице %1 нет столбца %2").arg(table, column);
     }
     if (!q.exec(QStringLiteral("SELECT COUNT(*) FROM koef")) || !q.next())
-        return rollback(failed(q));
+        return failed(q);
     const bool noKoef = q.value(0).toInt() == 0;
     q.finish();
     if (noKoef && !EstimateStore::writeDefaultKoefLines(db))
-        return rollback(QStringLiteral("не удалось добавить строки коэффициентов"));
-    if (!db.commit())
-        return rollback(db.lastError().text().trimmed());
+        return QStringLiteral("не удалось добавить строки коэффициентов");
+    if (!t.commit())
+        return t.error();
     return {};
 }
 
 } // namespace
 
 QStringList currentColumns(const QString &table) {
-    QStringList out;
-    for (const Column &c : reference().value(table))
-        out << c.name;
-    return out;
+    return Schema::columns(Db::Smeta, table);
 }
 
 QString upgrade(const QString &path) {

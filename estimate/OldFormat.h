@@ -17,12 +17,14 @@
 namespace OldFormat {
 
 // Brings the database at `path` (a private copy, opened read-write on its own connection) to today's
-// layout: missing tables and columns are added, views and triggers dropped, and a document without
-// coefficient lines gets the default lines. Empty string on success, else the reason in Russian
-// (a file without a `smeta` table is not a document).
+// layout, all in one transaction: views and triggers are dropped, the working database's upgrade
+// steps above the file's version run (they add the missing tables and columns), and a document
+// without coefficient lines gets the default lines. A file whose version says it has been through a
+// step but that lacks what the step makes is refused. Empty string on success, else the reason in
+// Russian (a file without a `smeta` table is not a document).
 QString upgrade(const QString &path);
 
-// Today's columns of a table of the working database, in order (from its creation statement).
+// Today's columns of a table of the working database, in order (as its upgrade steps leave it).
 QStringList currentColumns(const QString &table);
 
 } // namespace OldFormat

@@ -1,5 +1,7 @@
 #include "RecentDocuments.h"
 
+#include "storage/Transaction.h"
+
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
@@ -17,23 +19,21 @@ bool fail(const QSqlQuery &q, QString *error) {
 bool touch(QSqlDatabase people, const QString &path, QString *error) {
     if (path.isEmpty())
         return true;
-    if (!people.transaction()) {
+    // One transaction with the write lock from the start: another program may be updating the list.
+    Transaction t(people);
+    if (!t.active()) {
         if (error)
-            *error = people.lastError().text();
+            *error = t.error();
         return false;
     }
-    auto rollback = [&](const QSqlQuery &q) {
-        people.rollback();
-        return fail(q, error);
-    };
     QSqlQuery q(people);
     q.prepare(QStringLiteral("DELETE FROM LastDoc WHERE value=?"));
     q.addBindValue(path);
     if (!q.exec())
-        return rollback(q);
+        return fail(q, error);
     // The oldest records go until there is room for one more.
     if (!q.exec(QStringLiteral("SELECT id FROM LastDoc WHERE 1 ORDER BY id")))
-        return rollback(q);
+        return fail(q, error);
     QList<qlonglong> ids;
     while (q.next())
         ids << q.value(0).toLongLong();
@@ -42,16 +42,15 @@ bool touch(QSqlDatabase people, const QString &path, QString *error) {
         q.prepare(QStringLiteral("DELETE FROM LastDoc WHERE id=?"));
         q.addBindValue(ids.at(i));
         if (!q.exec())
-            return rollback(q);
+            return fail(q, error);
     }
     q.prepare(QStringLiteral("INSERT INTO LastDoc (value) values(?)"));
     q.addBindValue(path);
     if (!q.exec())
-        return rollback(q);
-    if (!people.commit()) {
+        return fail(q, error);
+    if (!t.commit()) {
         if (error)
-            *error = people.lastError().text();
-        people.rollback();
+            *error = t.error();
         return false;
     }
     return true;

@@ -2,6 +2,7 @@
 
 #include "storage/Money.h"
 #include "storage/TextValues.h"
+#include "storage/Transaction.h"
 
 #include <QSqlError>
 #include <QSqlQuery>
@@ -137,6 +138,13 @@ bool countEstimate(QSqlDatabase people, const QString &customer, const QString &
     const qlonglong n = number.trimmed().toLongLong(&ok);
     const qlonglong value = ok && n > 0 ? n : 1;
 
+    // Read and write under one write lock: two programs saving for the same pair make one record.
+    Transaction t(people);
+    if (!t.active()) {
+        if (error)
+            *error = t.error();
+        return false;
+    }
     QSqlQuery q(people);
     q.prepare(QStringLiteral("SELECT id, Smeta FROM NumDoc WHERE Client=? AND Object=?"));
     q.addBindValue(client);
@@ -151,7 +159,8 @@ bool countEstimate(QSqlDatabase people, const QString &customer, const QString &
         const qlonglong current = q.value(1).toLongLong();
         q.finish();
         if (value <= current)
-            return true;
+            return true; // nothing to write: the guard ends the transaction
+
         q.prepare(QStringLiteral("UPDATE NumDoc SET Smeta=? WHERE id=?"));
         q.addBindValue(value);
         q.addBindValue(id);
@@ -165,6 +174,11 @@ bool countEstimate(QSqlDatabase people, const QString &customer, const QString &
     if (!q.exec()) {
         if (error)
             *error = q.lastError().text();
+        return false;
+    }
+    if (!t.commit()) {
+        if (error)
+            *error = t.error();
         return false;
     }
     return true;

@@ -2,6 +2,7 @@
 
 #include "EstimateGrid.h"
 #include "RowDiff.h"
+#include "storage/Transaction.h"
 
 #include <QSqlError>
 #include <QSqlQuery>
@@ -21,19 +22,17 @@ bool fail(const QSqlQuery &q, QString *error) {
 } // namespace
 
 bool copy(QSqlDatabase db, const std::vector<QStringList> &rows, QString *error) {
-    QSqlQuery q(db);
-    for (const char *s : {"DROP TABLE IF EXISTS PopupMenuEdit;",
-                          "CREATE TABLE PopupMenuEdit (numpos TEXT, edras TEXT, nameras TEXT,edizm TEXT, "
-                          "kolvo TEXT, price TEXT, "
-                          "summa TEXT, idRas TEXT, NamePrice TEXT, KoefBrig TEXT);",
-                          "VACUUM;"})
-        if (!q.exec(QString::fromUtf8(s)))
-            return fail(q, error);
-    if (!db.transaction()) {
+    // The clipboard replaces what it held. The table is the catalogue's (actions.db): emptied here,
+    // never dropped or made anew.
+    Transaction t(db);
+    if (!t.active()) {
         if (error)
-            *error = db.lastError().text();
+            *error = t.error();
         return false;
     }
+    QSqlQuery q(db);
+    if (!q.exec(QStringLiteral("DELETE FROM PopupMenuEdit")))
+        return fail(q, error);
     q.prepare(QStringLiteral(
         "INSERT INTO PopupMenuEdit (edras, nameras, edizm, kolvo, price, summa, idRas, KoefBrig, "
         "NamePrice) values(?, ?, ?, ?, ?, ?, ?, ?, ?)"));
@@ -42,15 +41,12 @@ bool copy(QSqlDatabase db, const std::vector<QStringList> &rows, QString *error)
         for (int c : std::initializer_list<int>{Ras, Name, Unit, Qty, Price, Sum, IdRas, RowDiff::kCrewKoef,
                                                 NamePrice})
             q.addBindValue(c < r.size() ? r.at(c) : QString());
-        if (!q.exec()) {
-            db.rollback();
+        if (!q.exec())
             return fail(q, error);
-        }
     }
-    if (!db.commit()) {
+    if (!t.commit()) {
         if (error)
-            *error = db.lastError().text();
-        db.rollback();
+            *error = t.error();
         return false;
     }
     return true;

@@ -1,6 +1,6 @@
 #pragma once
 // Copy and paste of estimate rows through table PopupMenuEdit of actions.db ("Копировать расценку",
-// "Вставить расценку"). Copying re-creates the table and writes the rows; pasting reads them back
+// "Вставить расценку"). Copying empties the table and writes the rows; pasting reads them back
 // as new work rows: rate number, name, unit, price, rate id, crew coefficient and resources table
 // (quantities are typed again for the new place).
 

@@ -1,7 +1,8 @@
 #include "UndoJournal.h"
 
 #include "EstimateGrid.h"
-#include "storage/Catalogue.h"
+#include "storage/Schema.h"
+#include "storage/Transaction.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -49,12 +50,11 @@ UndoJournal::UndoJournal(QSqlDatabase database) {
         QSqlDatabase mem = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
         mem.setDatabaseName(QStringLiteral(":memory:"));
         mem.open();
-        for (const QString &s : createStatements(Db::ReturnAction))
-            QSqlQuery(mem).exec(s);
+        // The same layout as the file's, made by the same steps.
+        m_error = Schema::upgrade(mem, Db::ReturnAction);
     }
     // The journal only has to outlive a session, not a power cut: no waiting for the disk per step.
     QSqlQuery(db()).exec(QStringLiteral("PRAGMA synchronous=OFF"));
-    prepareTable();
 }
 
 UndoJournal::~UndoJournal() {
@@ -62,35 +62,11 @@ UndoJournal::~UndoJournal() {
         QSqlDatabase::removeDatabase(m_connection);
 }
 
-bool UndoJournal::prepareTable() {
-    QSqlQuery q(db());
-    if (!q.exec(QStringLiteral("PRAGMA table_info(ReturnAction)"))) {
-        m_error = q.lastError().text();
-        return false;
-    }
-    bool hasStep = false, hasCells = false;
-    while (q.next()) {
-        const QString name = q.value(1).toString();
-        hasStep = hasStep || name == QLatin1String("step");
-        hasCells = hasCells || name == QLatin1String("cells");
-    }
-    if (!hasStep && !q.exec(QStringLiteral("ALTER TABLE ReturnAction ADD COLUMN step INTEGER"))) {
-        m_error = q.lastError().text();
-        return false;
-    }
-    if (!hasCells && !q.exec(QStringLiteral("ALTER TABLE ReturnAction ADD COLUMN cells TEXT"))) {
-        m_error = q.lastError().text();
-        return false;
-    }
-    return true;
-}
-
 bool UndoJournal::clear() {
     m_count = m_position = 0;
     QSqlQuery q(db());
-    if (!prepareTable() || !q.exec(QStringLiteral("DELETE FROM ReturnAction"))) {
-        if (m_error.isEmpty())
-            m_error = q.lastError().text();
+    if (!q.exec(QStringLiteral("DELETE FROM ReturnAction"))) {
+        m_error = q.lastError().text();
         return false;
     }
     return true;
@@ -100,8 +76,9 @@ bool UndoJournal::record(const QString &title, const std::vector<RowDiff::Op> &o
     if (ops.empty())
         return true;
     QSqlDatabase d = db();
-    if (!d.transaction()) {
-        m_error = d.lastError().text();
+    Transaction t(d);
+    if (!t.active()) {
+        m_error = t.error();
         return false;
     }
     QSqlQuery q(d);
@@ -134,9 +111,12 @@ bool UndoJournal::record(const QString &title, const std::vector<RowDiff::Op> &o
         q.addBindValue(QString::fromUtf8(QJsonDocument(cells).toJson(QJsonDocument::Compact)));
         ok = q.exec();
     }
-    if (!ok || !d.commit()) {
+    if (!ok) {
         m_error = q.lastError().text();
-        d.rollback();
+        return false;
+    }
+    if (!t.commit()) {
+        m_error = t.error();
         return false;
     }
     m_count = m_position = step;

@@ -2,9 +2,10 @@
 // The undo journal of the estimate grid, kept in table ReturnAction of actions.db. One record per
 // changed row: `_action` "edit", "insert" or "delete", `MouseDownRow`/`MouseUpRow` the grid row, the
 // named columns the row's values (new ones for "edit" and "insert", old ones for "delete"), `hint`
-// the step's caption. Two columns are added to the table: `step` (the step number, all records of
-// one step share it) and `cells` (JSON {"old": [...], "new": [...]} with every cell of the row and
-// its crew coefficient), from which a step is undone and redone exactly.
+// the step's caption. Two more columns (added by the journal's second upgrade step, with an index on
+// `step`): `step` (the step number, all records of one step share it) and `cells` (JSON
+// {"old": [...], "new": [...]} with every cell of the row and its crew coefficient), from which a
+// step is undone and redone exactly.
 // Undone steps stay for redo until a new step is recorded.
 
 #include "RowDiff.h"
@@ -42,7 +43,6 @@ public:
     QString error() const { return m_error; }
 
 private:
-    bool prepareTable();
     bool read(int step, std::vector<RowDiff::Op> &ops);
     QString title(int step) const;
 

@@ -2,7 +2,9 @@
 
 #include "storage/Catalogue.h"
 #include "storage/Money.h"
+#include "storage/Schema.h"
 #include "storage/TextValues.h"
+#include "storage/Transaction.h"
 
 #include <QSqlError>
 #include <QSqlQuery>
@@ -28,12 +30,6 @@ bool knownTable(const QString &table) {
 }
 
 } // namespace
-
-QString createStatement(const QString &table) {
-    const QStringList names = tableNames(Db::Price);
-    const int i = names.indexOf(table);
-    return i < 0 ? QString() : createStatements(Db::Price).at(i);
-}
 
 RateRow::Cells rowCells(const QSqlQuery &q, bool withKoef) {
     RateRow::Cells c;
@@ -96,24 +92,20 @@ bool writeList(QSqlDatabase db, const QString &table, int currency, const std::v
     if (!knownTable(table))
         return fail(error, QStringLiteral("Неизвестная таблица расценок «%1»").arg(table));
     const bool list1 = table == QLatin1String("price1");
-    if (!db.transaction())
-        return fail(error, db.lastError().text());
+    Transaction t(db);
+    if (!t.active())
+        return fail(error, t.error());
     QSqlQuery q(db);
-    auto rollback = [&](const QSqlQuery &failed) {
-        const QString reason = failed.lastError().text();
-        db.rollback();
-        return fail(error, reason);
-    };
-    if (!q.exec(QStringLiteral("DROP TABLE ") + table + QStringLiteral(";")))
-        return rollback(q);
-    if (!q.exec(createStatement(table)))
-        return rollback(q);
+    // The list is written whole: the table is emptied (its layout and indexes stay, its ids start
+    // from 1 again, as for a table just made) and every row inserted again.
+    if (!Schema::clearTables(db, {table}, error))
+        return false;
     const QString sql = QStringLiteral("INSERT INTO ") + table + QStringLiteral(" (edras,nameras,edizm,") +
                         currencyColumn(currency) + QStringLiteral(",rec") +
                         (list1 ? QStringLiteral(",koef,link) values (?,?,?,?,?,?,?)")
                                : QStringLiteral(") values (?,?,?,?,?)"));
     if (!q.prepare(sql))
-        return rollback(q);
+        return failQuery(error, q);
     for (const RateRow &row : rows) {
         // A row left empty in edit mode carries nothing worth keeping.
         if (row.isBlank())
@@ -125,11 +117,11 @@ bool writeList(QSqlDatabase db, const QString &table, int currency, const std::v
             q.addBindValue(row.bound(PriceCol::Link));
         }
         if (!q.exec())
-            return rollback(q);
+            return failQuery(error, q);
     }
     q.finish();
-    if (!db.commit())
-        return fail(error, db.lastError().text());
+    if (!t.commit())
+        return fail(error, t.error());
     QSqlQuery vacuum(db);
     vacuum.exec(QStringLiteral("VACUUM;")); // only compacts the file; the data is already committed
     return true;
@@ -184,22 +176,20 @@ bool updateCrewPrices(QSqlDatabase db, int currency, const QString &koefText, QS
         }
     }
     if (!updates.empty()) {
-        if (!db.transaction())
-            return fail(error, db.lastError().text());
+        Transaction t(db);
+        if (!t.active())
+            return fail(error, t.error());
         QSqlQuery u(db);
         for (const Update &up : updates) {
             u.prepare(QStringLiteral("UPDATE price1 SET ") + up.column + QStringLiteral("=? WHERE ") +
                       up.keyColumn + QStringLiteral("=?;"));
             u.addBindValue(up.value);
             u.addBindValue(up.key);
-            if (!u.exec()) {
-                const QString reason = u.lastError().text();
-                db.rollback();
-                return fail(error, reason);
-            }
+            if (!u.exec())
+                return failQuery(error, u);
         }
-        if (!db.commit())
-            return fail(error, db.lastError().text());
+        if (!t.commit())
+            return fail(error, t.error());
         if (statements)
             *statements = static_cast<int>(updates.size());
     }

@@ -49,9 +49,6 @@ RateRow::Cells rowCells(const QSqlQuery &q, bool withKoef);
 // section title no unit) and builds the section index alongside.
 void readRows(QSqlQuery &q, bool withKoef, PriceListData &out);
 
-// "CREATE TABLE IF NOT EXISTS" of a local rates table (price1, price2, brigade).
-QString createStatement(const QString &table);
-
 // The message of a price text that is not a number.
 QString badPriceMessage(const QString &number, const QString &name, const QString &priceText);
 

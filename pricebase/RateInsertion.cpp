@@ -4,6 +4,7 @@
 #include "Resources.h"
 #include "estimate/EstimateGrid.h"
 #include "storage/TextValues.h"
+#include "storage/Transaction.h"
 
 #include <QSqlError>
 #include <QSqlQuery>
@@ -167,25 +168,35 @@ int RateInsertion::sortedPlace(int row, QString *error) {
             *error = q.lastError().text();
         return -1;
     };
+    // SortWork is this insertion's own scratch table in the estimate's database, outside the catalogue:
+    // made here, dropped again below; no other code makes or writes it.
     QSqlQuery q(m_smeta);
     if (!q.exec(QStringLiteral("DROP TABLE IF EXISTS SortWork;")) ||
         !q.exec(
             QStringLiteral("CREATE TABLE IF NOT EXISTS SortWork (id INTEGER PRIMARY KEY AUTOINCREMENT, num "
                            "INTEGER);")))
         return fail(q);
-    if (!m_smeta.transaction())
-        return fail(q);
-    q.prepare(QStringLiteral("INSERT INTO SortWork (num) values(?)"));
-    for (const QString &rec : recs) {
-        if (rec.trimmed().isEmpty())
-            continue;
-        q.addBindValue(rec.trimmed());
-        if (!q.exec()) {
-            m_smeta.rollback();
-            return fail(q);
+    {
+        Transaction t(m_smeta);
+        if (!t.active()) {
+            if (error)
+                *error = t.error();
+            return -1;
+        }
+        q.prepare(QStringLiteral("INSERT INTO SortWork (num) values(?)"));
+        for (const QString &rec : recs) {
+            if (rec.trimmed().isEmpty())
+                continue;
+            q.addBindValue(rec.trimmed());
+            if (!q.exec())
+                return fail(q);
+        }
+        if (!t.commit()) {
+            if (error)
+                *error = t.error();
+            return -1;
         }
     }
-    m_smeta.commit();
     int place = row;
     QSqlQuery sel(m_smeta);
     if (!sel.exec(QStringLiteral("SELECT * FROM SortWork ORDER BY num")))

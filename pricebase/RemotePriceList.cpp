@@ -2,6 +2,7 @@
 
 #include "storage/SettingsStore.h"
 #include "storage/TextValues.h"
+#include "storage/Transaction.h"
 
 #include <QAtomicInt>
 #include <QSqlDatabase>
@@ -170,8 +171,9 @@ bool RemotePriceList::writeList(const std::vector<RateRow> &rows, QString *error
     if (!q.exec(QStringLiteral("DROP TABLE ") + m_settings.table + QStringLiteral(";")) ||
         !q.exec(createStatement(m_settings.table)))
         return fail(error, reasonOf(q.lastError()));
-    if (!db.transaction())
-        return fail(error, reasonOf(db.lastError()));
+    Transaction t(db);
+    if (!t.active())
+        return fail(error, t.error());
     // Every column of the layout is NOT NULL without a default, so rec, link, mat and koef are written
     // too (rec keeps the rates' resources attached).
     q.prepare(
@@ -182,14 +184,11 @@ bool RemotePriceList::writeList(const std::vector<RateRow> &rows, QString *error
             continue;
         for (int c : columns)
             q.addBindValue(row.bound(c));
-        if (!q.exec()) {
-            const QString reason = reasonOf(q.lastError());
-            db.rollback();
-            return fail(error, reason);
-        }
+        if (!q.exec())
+            return fail(error, reasonOf(q.lastError()));
     }
-    if (!db.commit())
-        return fail(error, reasonOf(db.lastError()));
+    if (!t.commit())
+        return fail(error, t.error());
     return true;
 }
 

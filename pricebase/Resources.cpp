@@ -1,8 +1,10 @@
 #include "Resources.h"
 
 #include "estimate/EstimateGrid.h"
+#include "estimate/MaterialsStore.h"
 #include "storage/Money.h"
 #include "storage/TextValues.h"
+#include "storage/Transaction.h"
 
 #include <QHash>
 #include <QSqlError>
@@ -27,20 +29,6 @@ Decimal number(const QString &text) {
 
 Money money(const QString &text) {
     return Money::of(number(text)).valueOr(Money());
-}
-
-// The material of that name in the estimate: found, and its price text.
-bool findMaterial(QSqlDatabase smeta, const QString &name, QString *price, QString *error) {
-    QSqlQuery q(smeta);
-    q.prepare(QStringLiteral("SELECT * FROM materials WHERE namemat=?"));
-    q.addBindValue(name);
-    if (!q.exec())
-        return fail(error, q.lastError().text());
-    if (!q.next())
-        return false;
-    if (price)
-        *price = q.value(q.record().indexOf("price")).toString();
-    return true;
 }
 
 } // namespace
@@ -92,33 +80,29 @@ bool addToEstimate(QSqlDatabase price, QSqlDatabase smeta, EstimateGrid &grid, i
         grid.setCell(gridRow, EstimateCol::Total, total.text());
         return true;
     }
-    if (!smeta.transaction())
-        return fail(error, smeta.lastError().text());
+    // The estimate's materials are written through their store, all in one transaction.
+    Transaction t(smeta);
+    if (!t.active())
+        return fail(error, t.error());
     bool wrote = false;
     for (const Resource &r : resources) {
         if (r.name.isEmpty())
             continue;
         QString problem;
-        if (findMaterial(smeta, r.name, nullptr, &problem))
+        if (MaterialsStore::findByName(smeta, r.name, &problem))
             continue;
-        if (!problem.isEmpty()) {
-            smeta.rollback();
+        if (!problem.isEmpty())
             return fail(error, problem);
-        }
-        QSqlQuery ins(smeta);
-        ins.prepare(QStringLiteral("INSERT INTO materials (namemat, edizm, price) values(?,?,?);"));
-        ins.addBindValue(r.name);
-        ins.addBindValue(r.edizm);
-        ins.addBindValue(r.cena);
-        if (!ins.exec()) {
-            const QString reason = ins.lastError().text();
-            smeta.rollback();
-            return fail(error, reason);
-        }
+        MaterialsStore::Material m;
+        m.name = r.name;
+        m.unit = r.edizm;
+        m.price = r.cena;
+        if (MaterialsStore::add(smeta, m, &problem).isEmpty())
+            return fail(error, problem);
         wrote = true;
     }
-    if (!smeta.commit())
-        return fail(error, smeta.lastError().text());
+    if (!t.commit())
+        return fail(error, t.error());
     if (materialsChanged)
         *materialsChanged = wrote;
     return true;
@@ -157,16 +141,10 @@ bool searchAndWriteResurse(QSqlDatabase price, QSqlDatabase smeta, const Estimat
         }
         uses.push_back({*qty, &it.value()});
     }
-    if (!smeta.transaction())
-        return fail(error, smeta.lastError().text());
+    Transaction t(smeta);
+    if (!t.active())
+        return fail(error, t.error());
     bool wrote = false;
-    auto exec = [&](QSqlQuery &q) {
-        if (q.exec())
-            return true;
-        const QString reason = q.lastError().text();
-        smeta.rollback();
-        return fail(error, reason);
-    };
     for (const Resource &res : own) {
         if (res.name.isEmpty())
             continue;
@@ -181,44 +159,38 @@ bool searchAndWriteResurse(QSqlDatabase price, QSqlDatabase smeta, const Estimat
         // The amount follows the quantity as it is written (to the thousandth).
         if (total)
             total = total->times(*Decimal::whole(1), 3);
-        if (!total) {
-            smeta.rollback();
+        if (!total)
             return fail(error, QStringLiteral("Количество материала «%1» %2.")
                                    .arg(res.name, numberProblemText(NumberProblem::TooManyDigits)));
-        }
-        QString existingPrice, problem;
-        const bool exists = findMaterial(smeta, res.name, &existingPrice, &problem);
-        if (!problem.isEmpty()) {
-            smeta.rollback();
+        QString problem;
+        const auto existing = MaterialsStore::findByName(smeta, res.name, &problem);
+        if (!problem.isEmpty())
             return fail(error, problem);
-        }
-        QSqlQuery q(smeta);
-        if (!exists) {
+        bool ok = true;
+        if (!existing) {
             if (total->isZero())
                 continue; // nothing needed, nothing to add
-            q.prepare(QStringLiteral("INSERT INTO materials (edras, namemat, edizm, kolvo, price, summa) "
-                                     "values(?,?,?,?,?,?);"));
-            q.addBindValue(rec);
-            q.addBindValue(res.name);
-            q.addBindValue(res.edizm);
-            q.addBindValue(TextValues::formatQuantity(*total));
-            q.addBindValue(res.cena);
-            q.addBindValue(Money::product(number(res.cena), *total).text());
+            MaterialsStore::Material m;
+            m.edras = rec;
+            m.name = res.name;
+            m.unit = res.edizm;
+            m.quantity = TextValues::formatQuantity(*total);
+            m.price = res.cena;
+            m.sum = Money::product(number(res.cena), *total).text();
+            ok = !MaterialsStore::add(smeta, m, &problem).isEmpty();
         } else if (total->isZero()) {
-            q.prepare(QStringLiteral("DELETE FROM materials WHERE namemat=?"));
-            q.addBindValue(res.name);
+            ok = MaterialsStore::removeByName(smeta, res.name, &problem);
         } else {
-            q.prepare(QStringLiteral("UPDATE materials SET kolvo=?,summa=? WHERE namemat=?"));
-            q.addBindValue(TextValues::formatQuantity(*total));
-            q.addBindValue(Money::product(number(existingPrice), *total).text());
-            q.addBindValue(res.name);
+            ok = MaterialsStore::setQuantityByName(smeta, res.name, TextValues::formatQuantity(*total),
+                                                   Money::product(number(existing->price), *total).text(),
+                                                   &problem);
         }
-        if (!exec(q))
-            return false;
+        if (!ok)
+            return fail(error, problem);
         wrote = true;
     }
-    if (!smeta.commit())
-        return fail(error, smeta.lastError().text());
+    if (!t.commit())
+        return fail(error, t.error());
     if (materialsChanged)
         *materialsChanged = wrote;
     return true;

@@ -1,0 +1,52 @@
+#pragma once
+// The one writer of table `materials` of the working database: the estimate's materials grid
+// (EstimateMaterials), the rates' resources (the price base) and a new document all change the
+// estimate's materials through these functions, never by their own SQL. Values are text as stored.
+// Each function is one statement or one transaction; called inside a caller's transaction it joins it.
+
+#include <QSqlDatabase>
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+namespace MaterialsStore {
+
+// One material row.
+struct Material {
+    QString id; // _id
+    QString edras;
+    QString name;     // namemat
+    QString unit;     // edizm
+    QString quantity; // kolvo
+    QString price;
+    QString sum; // summa
+    QString note;
+};
+
+// The columns a grid edits: namemat, edizm, kolvo, price, note (summa comes with each edit).
+bool isEditableColumn(const QString &column);
+
+// The first material of that name; nullopt when there is none or the look-up failed (then *error
+// is set, else it is left empty).
+std::optional<Material> findByName(QSqlDatabase db, const QString &name, QString *error = nullptr);
+
+// Adds a material; its new _id, or an empty string with *error on failure.
+QString add(QSqlDatabase db, const Material &m, QString *error = nullptr);
+
+// Writes one edited column and the row's amount, by _id.
+bool setCell(QSqlDatabase db, const QString &id, const QString &column, const QString &value,
+             const QString &sum, QString *error = nullptr);
+
+// Quantity and amount of every material of that name.
+bool setQuantityByName(QSqlDatabase db, const QString &name, const QString &quantity, const QString &sum,
+                       QString *error = nullptr);
+
+// Deletes the rows with these _id values, all or none.
+bool removeByIds(QSqlDatabase db, const QStringList &ids, QString *error = nullptr);
+// Deletes every material of that name.
+bool removeByName(QSqlDatabase db, const QString &name, QString *error = nullptr);
+
+// Empties the table for a new document.
+bool clear(QSqlDatabase db, QString *error = nullptr);
+
+} // namespace MaterialsStore
