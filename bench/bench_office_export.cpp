@@ -3,9 +3,9 @@
 // profile), one with the helper running, and five documents in a row.
 //     ./bench/bench_office_export
 
-#include "storage/DataFolder.h"
 #include "estimate/EstimateExport.h"
 #include "office/OfficeEngine.h"
+#include "storage/DataFolder.h"
 #include "storage/ModuleSQL.h"
 
 #include <QCoreApplication>

@@ -7,9 +7,9 @@
 #include <QString>
 
 struct RegisterTexts {
-    QString duplicate;  // the name is taken already
-    QString notFound;   // the row named is not (or no longer) in the register
-    QString failed;     // "…: %1" with the database's reason
+    QString duplicate; // the name is taken already
+    QString notFound;  // the row named is not (or no longer) in the register
+    QString failed;    // "…: %1" with the database's reason
 };
 
 // True for Ok; otherwise tells the user (caption and icon by the kind of outcome) and returns false.

@@ -3,8 +3,8 @@
 #include "RegisterReport.h"
 #include "RequisitesForm.h"
 
-#include "ui/Dialogs.h"
 #include "storage/SettingsStore.h"
+#include "ui/Dialogs.h"
 
 #include <QCheckBox>
 #include <QFormLayout>

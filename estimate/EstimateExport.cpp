@@ -1,12 +1,12 @@
 #include "EstimateExport.h"
 
-#include "storage/DataFolder.h"
-#include "storage/SettingsStore.h"
 #include "estimate/EstimateDocument.h"
 #include "estimate/EstimateOutput.h"
 #include "office/OfficeEngine.h"
 #include "office/OfficeTemplates.h"
+#include "storage/DataFolder.h"
 #include "storage/ModuleSQL.h"
+#include "storage/SettingsStore.h"
 
 #include <QDir>
 #include <QFileInfo>

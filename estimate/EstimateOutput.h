@@ -4,9 +4,9 @@
 // totals, the materials, the coefficient lines, the totals and the amount in words.
 
 #include "estimate/EstimatePrint.h"
+#include "estimate/ViewTitles.h"
 #include "office/SheetTemplate.h"
 #include "office/TemplateFile.h"
-#include "estimate/ViewTitles.h"
 
 #include <QString>
 

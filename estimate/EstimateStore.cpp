@@ -90,7 +90,8 @@ bool readSmeta(QSqlDatabase db, EstimateGrid &grid, CrewGrid &crew, QString *err
     return true;
 }
 
-bool writeSmeta(QSqlDatabase db, EstimateGrid &grid, const CrewGrid &crew, const Parameters &params, QString *error) {
+bool writeSmeta(QSqlDatabase db, EstimateGrid &grid, const CrewGrid &crew, const Parameters &params,
+                QString *error) {
     // Work ids stay with their rows; new rows get the next free one.
     long long nextId = 0;
     for (int r = EstimateGrid::kFixedRows; r < grid.gridRowCount(); ++r)
@@ -108,9 +109,10 @@ bool writeSmeta(QSqlDatabase db, EstimateGrid &grid, const CrewGrid &crew, const
     QSqlQuery q(db);
     if (!q.exec(QStringLiteral("DELETE FROM smeta")))
         return fail(q, error);
-    q.prepare(QStringLiteral("INSERT INTO smeta (numpos, edras, nameras, edizm, kolvo, price, summa, idRas, NamePrice, "
-                             "KoefBrig, section, machine, mat, total, laboriousness, idwork) "
-                             "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+    q.prepare(QStringLiteral(
+        "INSERT INTO smeta (numpos, edras, nameras, edizm, kolvo, price, summa, idRas, NamePrice, "
+        "KoefBrig, section, machine, mat, total, laboriousness, idwork) "
+        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
     for (int r = EstimateGrid::kFixedRows; r < grid.gridRowCount(); ++r) {
         using namespace EstimateCol;
         for (int c : {Num, Ras, Name, Unit, Qty, Price, Sum, IdRas, NamePrice})
@@ -160,19 +162,30 @@ bool writeParameters(QSqlDatabase db, const Parameters &params, QString *error) 
 
 Parameters defaultActSettings() {
     const QString today = TextValues::shortDate(QDate::currentDate());
-    return {{"ComboBoxZakaz", ""},     {"ZEditAddress", ""},
-            {"ZEditPhone", ""},        {"ZEditFax", ""},
-            {"ComboBoxPodryad", ""},   {"PEditAddress", ""},
-            {"PEditPhone", ""},        {"PEditFax", ""},
+    return {{"ComboBoxZakaz", ""},
+            {"ZEditAddress", ""},
+            {"ZEditPhone", ""},
+            {"ZEditFax", ""},
+            {"ComboBoxPodryad", ""},
+            {"PEditAddress", ""},
+            {"PEditPhone", ""},
+            {"PEditFax", ""},
             {"ComboBoxTypeWork", "Наименование стройки"},
-            {"EditNameWork", ""},      {"AddressWork", ""},
-            {"ComboBoxObject", ""},    {"EditNumDoc", ""},
-            {"DateEditContract", today}, {"EditSumSmet", ""},
-            {"SummaWord", ""},         {"EditSdal", ""},
-            {"EditDolSdal", "Прораб"}, {"EditPrinal", ""},
+            {"EditNameWork", ""},
+            {"AddressWork", ""},
+            {"ComboBoxObject", ""},
+            {"EditNumDoc", ""},
+            {"DateEditContract", today},
+            {"EditSumSmet", ""},
+            {"SummaWord", ""},
+            {"EditSdal", ""},
+            {"EditDolSdal", "Прораб"},
+            {"EditPrinal", ""},
             {"EditDolPrinal", "Представитель"},
-            {"EditNumKv", ""},         {"DateEditPeriodS", today},
-            {"DateEditPeriodPo", today}, {"RadioButton1", "0"}};
+            {"EditNumKv", ""},
+            {"DateEditPeriodS", today},
+            {"DateEditPeriodPo", today},
+            {"RadioButton1", "0"}};
 }
 
 bool writeDefaultActSettings(QSqlDatabase db) {
@@ -200,8 +213,9 @@ bool writeDefaultKoefLines(QSqlDatabase db) {
         {"НДС, %", "20", "all", "inc", "proc", "RadioButton"},
     };
     QSqlQuery q(db);
-    q.prepare(QStringLiteral("INSERT INTO koef (rows, checked, title, value, type, actionn, NumOrProc, EditComment) "
-                             "VALUES (?, ?, ?, ?, ?, ?, ?, ?)"));
+    q.prepare(QStringLiteral(
+        "INSERT INTO koef (rows, checked, title, value, type, actionn, NumOrProc, EditComment) "
+        "VALUES (?, ?, ?, ?, ?, ?, ?, ?)"));
     int row = 0;
     for (const Line &l : lines) {
         q.addBindValue(QString::number(row++));

@@ -16,7 +16,8 @@ QSize TwoRowHeader::sizeHint() const {
     return s;
 }
 
-void TwoRowHeader::paintCell(QPainter *painter, const QRect &rect, const QString &text, const QColor &colour) const {
+void TwoRowHeader::paintCell(QPainter *painter, const QRect &rect, const QString &text,
+                             const QColor &colour) const {
     QStyleOptionHeader opt;
     initStyleOption(&opt);
     opt.rect = rect;
@@ -40,7 +41,8 @@ void TwoRowHeader::paintSection(QPainter *painter, const QRect &rect, int logica
         paintCell(painter, lower, EstimateGrid::headerText(1, logicalIndex), QColor(0x80, 0x80, 0x80));
         return;
     }
-    paintCell(painter, rect, model() ? model()->headerData(logicalIndex, orientation()).toString() : QString(), {});
+    paintCell(painter, rect,
+              model() ? model()->headerData(logicalIndex, orientation()).toString() : QString(), {});
 }
 
 void TwoRowHeader::paintEvent(QPaintEvent *event) {

@@ -2,9 +2,9 @@
 
 #include "PriceBase.h"
 #include "ServerRasSettings_frame.h"
-#include "ui/Dialogs.h"
 #include "storage/MainSettings.h"
 #include "storage/SettingsStore.h"
+#include "ui/Dialogs.h"
 
 #include <QAction>
 #include <QComboBox>

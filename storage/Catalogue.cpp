@@ -28,36 +28,41 @@ QString index(const QString &tableName, const QStringList &columns) {
         .arg(tableName, columns.join(QLatin1Char('_')), columns.join(QStringLiteral(", ")));
 }
 
-const QStringList kPriceColumns = {"edras", "nameras", "edizm", "rub", "dol", "grn",
+const QStringList kPriceColumns = {"edras", "nameras", "edizm", "rub",  "dol", "grn",
                                    "br",    "tenge",   "rec",   "link", "mat", "koef"};
 const QStringList kResourceColumns = {"name", "edizm", "cena", "ras", "val", "koef", "norma"};
-const QStringList kCustomerColumns = {"fio", "email", "phone", "object", "note", "address", "fax", "okpo", "function",
-                                      "numroom", "Region", "City", "Area", "Street", "House", "Agent"};
+const QStringList kCustomerColumns = {"fio",  "email",  "phone",    "object",  "note",   "address",
+                                      "fax",  "okpo",   "function", "numroom", "Region", "City",
+                                      "Area", "Street", "House",    "Agent"};
 const QStringList kObjectColumns = {"object", "fio", "namebuild", "addressbuild", "note"};
-const QStringList kRequisiteColumns = {"id",   "name",    "certificate", "pasport", "adres",      "inn",
-                                       "kpp",  "boss",    "glavbuh",     "account", "bank",       "bik",
-                                       "koraccount", "fax", "okpo",       "note"};
-const QStringList kKoefColumns = {"rows",     "checked",  "title",    "value",       "type",
-                                  "actionn",  "radio",    "CheckBox", "SpinBox",     "ComboBox",
-                                  "EditComment", "CornerButton", "comment", "NumOrProc"};
-const QStringList kSmetaColumns = {"numpos", "edras",   "nameras", "edizm",   "kolvo",   "price",
-                                   "summa",  "idRas",   "NamePrice", "KoefBrig", "section", "machine",
-                                   "mat",    "total",   "laboriousness", "idwork"};
+const QStringList kRequisiteColumns = {"id",         "name", "certificate", "pasport", "adres", "inn",
+                                       "kpp",        "boss", "glavbuh",     "account", "bank",  "bik",
+                                       "koraccount", "fax",  "okpo",        "note"};
+const QStringList kKoefColumns = {"rows",        "checked",      "title",    "value",    "type",
+                                  "actionn",     "radio",        "CheckBox", "SpinBox",  "ComboBox",
+                                  "EditComment", "CornerButton", "comment",  "NumOrProc"};
+const QStringList kSmetaColumns = {"numpos", "edras", "nameras",       "edizm",    "kolvo",   "price",
+                                   "summa",  "idRas", "NamePrice",     "KoefBrig", "section", "machine",
+                                   "mat",    "total", "laboriousness", "idwork"};
 
-QString requisiteTable(const QString &name) { return table(name, "ik", kRequisiteColumns); }
+QString requisiteTable(const QString &name) {
+    return table(name, "ik", kRequisiteColumns);
+}
 
 QString registerTable(const QString &name) {
-    return QStringLiteral("CREATE TABLE IF NOT EXISTS %1 (id INTEGER PRIMARY KEY AUTOINCREMENT, data DATE, "
-                          "date_compare INTEGER, dataend DATE, name TEXT, filename TEXT, client TEXT, object TEXT, "
-                          "summat TEXT, sumrab TEXT, allsum TEXT, contract TEXT, account TEXT, status INTEGER, "
-                          "act INTEGER, month TEXT, year TEXT)")
+    return QStringLiteral(
+               "CREATE TABLE IF NOT EXISTS %1 (id INTEGER PRIMARY KEY AUTOINCREMENT, data DATE, "
+               "date_compare INTEGER, dataend DATE, name TEXT, filename TEXT, client TEXT, object TEXT, "
+               "summat TEXT, sumrab TEXT, allsum TEXT, contract TEXT, account TEXT, status INTEGER, "
+               "act INTEGER, month TEXT, year TEXT)")
         .arg(name);
 }
 
 QString outputTable(const QString &name) {
-    return QStringLiteral("CREATE TABLE IF NOT EXISTS %1 (id INTEGER PRIMARY KEY AUTOINCREMENT, iddoc TEXT, "
-                          "data DATE, date_compare INTEGER, dataend DATE, number TEXT, name TEXT, filename TEXT, "
-                          "ext TEXT, summat TEXT, sumrab TEXT, allsum TEXT, status INTEGER, month TEXT, year TEXT)")
+    return QStringLiteral(
+               "CREATE TABLE IF NOT EXISTS %1 (id INTEGER PRIMARY KEY AUTOINCREMENT, iddoc TEXT, "
+               "data DATE, date_compare INTEGER, dataend DATE, number TEXT, name TEXT, filename TEXT, "
+               "ext TEXT, summat TEXT, sumrab TEXT, allsum TEXT, status INTEGER, month TEXT, year TEXT)")
         .arg(name);
 }
 
@@ -286,32 +291,52 @@ QList<SchemaStep> mailSteps() {
 
 QString connectionComponent(Db db) {
     switch (db) {
-    case Db::Smeta: return QStringLiteral("FDConnectionSmeta");
-    case Db::Price: return QStringLiteral("FDConnectionPrice");
-    case Db::Cash: return QStringLiteral("FDConnectionCash");
-    case Db::People: return QStringLiteral("FDConnectionPeople");
-    case Db::KoefTemp: return QStringLiteral("FDConnectionKoefTemp");
-    case Db::MyDoc: return QStringLiteral("FDConnectionMyDoc");
-    case Db::Mat: return QStringLiteral("FDConnectionMat");
-    case Db::Shema: return QStringLiteral("FDConnectionShema");
-    case Db::ReturnAction: return QStringLiteral("FDConnectionReturnAction");
-    case Db::Mail: return QStringLiteral("FDConnectionMail");
+    case Db::Smeta:
+        return QStringLiteral("FDConnectionSmeta");
+    case Db::Price:
+        return QStringLiteral("FDConnectionPrice");
+    case Db::Cash:
+        return QStringLiteral("FDConnectionCash");
+    case Db::People:
+        return QStringLiteral("FDConnectionPeople");
+    case Db::KoefTemp:
+        return QStringLiteral("FDConnectionKoefTemp");
+    case Db::MyDoc:
+        return QStringLiteral("FDConnectionMyDoc");
+    case Db::Mat:
+        return QStringLiteral("FDConnectionMat");
+    case Db::Shema:
+        return QStringLiteral("FDConnectionShema");
+    case Db::ReturnAction:
+        return QStringLiteral("FDConnectionReturnAction");
+    case Db::Mail:
+        return QStringLiteral("FDConnectionMail");
     }
     return {};
 }
 
 QString relativePath(Db db) {
     switch (db) {
-    case Db::Smeta: return QStringLiteral("Sp/smeta.db");
-    case Db::Price: return QStringLiteral("Sp/price.db");
-    case Db::Cash: return QStringLiteral("Sp/cashbase.db");
-    case Db::People: return QStringLiteral("Sp/peoplebase.db");
-    case Db::KoefTemp: return QStringLiteral("Sp/coefficients.db");
-    case Db::MyDoc: return QStringLiteral("Sp/mydoc.db");
-    case Db::Mat: return QStringLiteral("Sp/listmat.db");
-    case Db::Shema: return QStringLiteral("Sp/schema.db");
-    case Db::ReturnAction: return QStringLiteral("Sp/actions.db");
-    case Db::Mail: return QStringLiteral("Sp/mail.db");
+    case Db::Smeta:
+        return QStringLiteral("Sp/smeta.db");
+    case Db::Price:
+        return QStringLiteral("Sp/price.db");
+    case Db::Cash:
+        return QStringLiteral("Sp/cashbase.db");
+    case Db::People:
+        return QStringLiteral("Sp/peoplebase.db");
+    case Db::KoefTemp:
+        return QStringLiteral("Sp/coefficients.db");
+    case Db::MyDoc:
+        return QStringLiteral("Sp/mydoc.db");
+    case Db::Mat:
+        return QStringLiteral("Sp/listmat.db");
+    case Db::Shema:
+        return QStringLiteral("Sp/schema.db");
+    case Db::ReturnAction:
+        return QStringLiteral("Sp/actions.db");
+    case Db::Mail:
+        return QStringLiteral("Sp/mail.db");
     }
     return {};
 }

@@ -21,8 +21,8 @@ enum class Db {
     Mail,         // Sp/mail.db: mail store
 };
 
-constexpr std::array<Db, 10> kAllDatabases = {Db::Smeta, Db::Price,  Db::Cash,  Db::People,       Db::KoefTemp,
-                                              Db::MyDoc, Db::Mat,    Db::Shema, Db::ReturnAction, Db::Mail};
+constexpr std::array<Db, 10> kAllDatabases = {Db::Smeta, Db::Price, Db::Cash,  Db::People,       Db::KoefTemp,
+                                              Db::MyDoc, Db::Mat,   Db::Shema, Db::ReturnAction, Db::Mail};
 
 // A column that a step adds to a table made before the column existed.
 struct NewColumn {

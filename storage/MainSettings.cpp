@@ -119,7 +119,8 @@ QString MainSettings::text(const QString &key) const {
 
 bool MainSettings::flag(const QString &key) const {
     const QString t = text(key).trimmed();
-    return t == QLatin1String("1") || t == QLatin1String("-1") || t.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0;
+    return t == QLatin1String("1") || t == QLatin1String("-1") ||
+           t.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0;
 }
 
 int MainSettings::integer(const QString &key, int def) const {

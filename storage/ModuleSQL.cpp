@@ -20,14 +20,21 @@ TModuleSQL::TModuleSQL(const QString &dataFolder, QObject *parent)
         m_paths.insert(db, QDir(m_dataFolder).filePath(relativePath(db)));
 }
 
-TModuleSQL::~TModuleSQL() { closeAll(); }
+TModuleSQL::~TModuleSQL() {
+    closeAll();
+}
 
-QString TModuleSQL::filePath(Db db) const { return m_paths.value(db); }
+QString TModuleSQL::filePath(Db db) const {
+    return m_paths.value(db);
+}
 
-QString TModuleSQL::connectionName(Db db) const { return connectionComponent(db) + QLatin1Char('#') + m_instanceTag; }
+QString TModuleSQL::connectionName(Db db) const {
+    return connectionComponent(db) + QLatin1Char('#') + m_instanceTag;
+}
 
 bool TModuleSQL::isOpen(Db db) const {
-    return QSqlDatabase::contains(connectionName(db)) && QSqlDatabase::database(connectionName(db), false).isOpen();
+    return QSqlDatabase::contains(connectionName(db)) &&
+           QSqlDatabase::database(connectionName(db), false).isOpen();
 }
 
 QSqlDatabase TModuleSQL::database(Db db) {
@@ -37,8 +44,9 @@ QSqlDatabase TModuleSQL::database(Db db) {
         if (existing.isOpen())
             return existing;
     }
-    QSqlDatabase con = QSqlDatabase::contains(name) ? QSqlDatabase::database(name, false)
-                                                    : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+    QSqlDatabase con = QSqlDatabase::contains(name)
+                           ? QSqlDatabase::database(name, false)
+                           : QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
     const QString path = filePath(db);
     QDir().mkpath(QFileInfo(path).absolutePath());
     con.setDatabaseName(path);

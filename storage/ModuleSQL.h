@@ -39,7 +39,9 @@ public:
     void setFilePath(Db db, const QString &path);
 
     // Called once per failed database with a Russian text naming the file.
-    void setFailureHandler(std::function<void(Db, const QString &)> handler) { m_onFailure = std::move(handler); }
+    void setFailureHandler(std::function<void(Db, const QString &)> handler) {
+        m_onFailure = std::move(handler);
+    }
 
 private:
     QString m_dataFolder;
@@ -49,4 +51,6 @@ private:
     std::function<void(Db, const QString &)> m_onFailure;
 };
 
-inline size_t qHash(Db db, size_t seed = 0) { return ::qHash(static_cast<int>(db), seed); }
+inline size_t qHash(Db db, size_t seed = 0) {
+    return ::qHash(static_cast<int>(db), seed);
+}

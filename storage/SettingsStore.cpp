@@ -11,7 +11,8 @@ QAtomicInt g_count;
 }
 
 SettingsStore::SettingsStore(const QString &filePath)
-    : m_path(filePath), m_connection(QStringLiteral("IniFile#") + QString::number(g_count.fetchAndAddRelaxed(1))) {
+    : m_path(filePath),
+      m_connection(QStringLiteral("IniFile#") + QString::number(g_count.fetchAndAddRelaxed(1))) {
     QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
     db.setDatabaseName(filePath);
     if (!db.open()) {
@@ -19,8 +20,9 @@ SettingsStore::SettingsStore(const QString &filePath)
         return;
     }
     QSqlQuery q(db);
-    if (!q.exec(QStringLiteral("CREATE TABLE IF NOT EXISTS settings (section TEXT NOT NULL, key TEXT NOT NULL, "
-                               "value TEXT, PRIMARY KEY (section, key))"))) {
+    if (!q.exec(
+            QStringLiteral("CREATE TABLE IF NOT EXISTS settings (section TEXT NOT NULL, key TEXT NOT NULL, "
+                           "value TEXT, PRIMARY KEY (section, key))"))) {
         m_error = q.lastError().text();
         db.close();
         return;

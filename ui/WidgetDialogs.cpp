@@ -11,10 +11,14 @@ namespace {
 
 QMessageBox::Icon boxIcon(Dialogs::Icon icon) {
     switch (icon) {
-    case Dialogs::Icon::Information: return QMessageBox::Information;
-    case Dialogs::Icon::Warning: return QMessageBox::Warning;
-    case Dialogs::Icon::Error: return QMessageBox::Critical;
-    case Dialogs::Icon::Question: return QMessageBox::Question;
+    case Dialogs::Icon::Information:
+        return QMessageBox::Information;
+    case Dialogs::Icon::Warning:
+        return QMessageBox::Warning;
+    case Dialogs::Icon::Error:
+        return QMessageBox::Critical;
+    case Dialogs::Icon::Question:
+        return QMessageBox::Question;
     }
     return QMessageBox::NoIcon;
 }
@@ -25,7 +29,9 @@ Dialogs::Answer WidgetDialogs::ask(const QString &caption, const QString &text, 
     QMessageBox box(boxIcon(icon), caption, text, QMessageBox::NoButton, m_parent);
     QPushButton *yes = nullptr, *no = nullptr, *cancel = nullptr, *ok = nullptr;
     switch (buttons) {
-    case Buttons::Ok: ok = box.addButton(QStringLiteral("ОК"), QMessageBox::AcceptRole); break;
+    case Buttons::Ok:
+        ok = box.addButton(QStringLiteral("ОК"), QMessageBox::AcceptRole);
+        break;
     case Buttons::YesNoCancel:
         cancel = box.addButton(QStringLiteral("Отмена"), QMessageBox::RejectRole);
         [[fallthrough]];

@@ -12,8 +12,8 @@ public:
     void tell(const QString &caption, const QString &text, Icon icon) override;
     bool input(const QString &caption, const QString &prompt, QString *value) override;
     QString openFile(const QString &caption, const QString &folder, const QString &filter) override;
-    QString saveFile(const QString &caption, const QString &folder, const QString &fileName, const QString &filter,
-                     const QString &defaultSuffix) override;
+    QString saveFile(const QString &caption, const QString &folder, const QString &fileName,
+                     const QString &filter, const QString &defaultSuffix) override;
     QString chooseFolder(const QString &caption, const QString &folder) override;
     void setParentWidget(QWidget *parent) override { m_parent = parent; }
 

@@ -26,8 +26,8 @@ public:
     void paragraph(const QString &text) { paragraph(text, body()); }
     // A table of cells; each cell's text may hold several lines separated by "\n".
     // aligns: per column (missing columns are left-aligned).
-    void table(const QVector<QStringList> &rows, const QVector<double> &widthsCm, bool ruled, double size = 10,
-               const QVector<Align> &aligns = {});
+    void table(const QVector<QStringList> &rows, const QVector<double> &widthsCm, bool ruled,
+               double size = 10, const QVector<Align> &aligns = {});
     void setHeader(const QString &text) { m_header = text; }
     void setFont(const QString &family) { m_font = family; }
 

@@ -21,8 +21,10 @@ TEST_F(MainWindowTest, StartInAnEmptyFolderCreatesTheTreeAndTheWorkingDatabase) 
     ASSERT_TRUE(q.next());
     EXPECT_EQ(q.value(0).toInt(), 16);
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Вирн-Смета"));
-    EXPECT_EQ(child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))->tabText(0), QStringLiteral("Новый документ"));
-    EXPECT_EQ(child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))->tabText(1), QStringLiteral("Для бригады"));
+    EXPECT_EQ(child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))->tabText(0),
+              QStringLiteral("Новый документ"));
+    EXPECT_EQ(child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))->tabText(1),
+              QStringLiteral("Для бригады"));
     EXPECT_EQ((&window->document().grid())->gridRowCount(), 3);
     EXPECT_FALSE(window->isChanged());
 }
@@ -32,7 +34,8 @@ TEST_F(MainWindowTest, AnEditEnablesSave) {
     edit();
     EXPECT_TRUE(child<QAction>(window.get(), QStringLiteral("spdSave"))->isEnabled());
     EXPECT_TRUE(child<QAction>(window.get(), QStringLiteral("МSaveFile"))->isEnabled());
-    EXPECT_EQ(child<QAction>(window.get(), QStringLiteral("МSaveFile"))->objectName(), QStringLiteral("МSaveFile"));
+    EXPECT_EQ(child<QAction>(window.get(), QStringLiteral("МSaveFile"))->objectName(),
+              QStringLiteral("МSaveFile"));
 }
 
 TEST_F(MainWindowTest, ClosingWithoutChangesAsksNothing) {

@@ -1,6 +1,6 @@
 #include "customers/ContractorRegister.h"
-#include "storage/SettingsStore.h"
 #include "storage/ModuleSQL.h"
+#include "storage/SettingsStore.h"
 
 #include "TestFolder.h"
 

@@ -1,10 +1,10 @@
 // The register windows driven as the user does: clicks, typed fields, scripted answers.
 
-#include "storage/SettingsStore.h"
 #include "customers/PodryadList_frame.h"
 #include "customers/RequisitesForm.h"
 #include "customers/ZakazAndObject_frame.h"
 #include "storage/ModuleSQL.h"
+#include "storage/SettingsStore.h"
 
 #include "ScriptedDialogs.h"
 #include "TestFolder.h"

@@ -12,6 +12,7 @@
 #include "MainWindowFixture.h"
 #include "SqlRows.h"
 
+#include "Widgets.h"
 #include <QAction>
 #include <QComboBox>
 #include <QDateEdit>
@@ -21,7 +22,6 @@
 #include <QSpinBox>
 #include <QTest>
 #include <QToolButton>
-#include "Widgets.h"
 #include <gtest/gtest.h>
 
 namespace {
@@ -64,13 +64,15 @@ TEST_F(HeaderWindowTest, ACustomerAddedInTheWindowAppearsInTheHeader) {
     QTest::mouseClick(zakaz->spdAddCustomer, Qt::LeftButton);
     dialogs->queueInput("Офис");
     QTest::mouseClick(zakaz->spdAddObject, Qt::LeftButton);
-    EXPECT_EQ(items(child<QComboBox>(window.get(), QStringLiteral("ComboBoxZakaz"))), QStringList{"ООО \"Ромашка\""});
+    EXPECT_EQ(items(child<QComboBox>(window.get(), QStringLiteral("ComboBoxZakaz"))),
+              QStringList{"ООО \"Ромашка\""});
 
     EXPECT_FALSE(window->isChanged());
     child<QComboBox>(window.get(), QStringLiteral("ComboBoxZakaz"))->setFocus();
     QTest::keyClick(child<QComboBox>(window.get(), QStringLiteral("ComboBoxZakaz")), Qt::Key_Down);
     EXPECT_EQ(window->document().header().customer, "ООО \"Ромашка\"");
-    EXPECT_EQ(items(child<QComboBox>(window.get(), QStringLiteral("ComboBoxObject"))), (QStringList{"Склад №2", "Офис"}));
+    EXPECT_EQ(items(child<QComboBox>(window.get(), QStringLiteral("ComboBoxObject"))),
+              (QStringList{"Склад №2", "Офис"}));
     EXPECT_EQ(window->document().header().object, "Склад №2");
     EXPECT_TRUE(window->isChanged()) << "choosing a customer changes the document";
 
@@ -84,7 +86,8 @@ TEST_F(HeaderWindowTest, ACustomerAddedInTheWindowAppearsInTheHeader) {
     zakaz->chooseCustomer("ООО \"Ромашка\"", "Офис");
     dialogs->queueInput("Офис 2");
     QTest::mouseClick(zakaz->spdEditObject, Qt::LeftButton);
-    EXPECT_EQ(items(child<QComboBox>(window.get(), QStringLiteral("ComboBoxObject"))), (QStringList{"Склад №2", "Офис 2"}));
+    EXPECT_EQ(items(child<QComboBox>(window.get(), QStringLiteral("ComboBoxObject"))),
+              (QStringList{"Склад №2", "Офис 2"}));
 
     // The contractor window feeds the contractor list, short names in table order.
     child<QAction>(window.get(), QStringLiteral("MPodryad"))->trigger();
@@ -94,7 +97,8 @@ TEST_F(HeaderWindowTest, ACustomerAddedInTheWindowAppearsInTheHeader) {
     QTest::mouseClick(podryad->btnAdd, Qt::LeftButton);
     dialogs->queueInput("ИП Соболев");
     QTest::mouseClick(podryad->btnAdd, Qt::LeftButton);
-    EXPECT_EQ(items(child<QComboBox>(window.get(), QStringLiteral("ComboBoxPodryad"))), (QStringList{"Мастер", "ИП Соболев"}));
+    EXPECT_EQ(items(child<QComboBox>(window.get(), QStringLiteral("ComboBoxPodryad"))),
+              (QStringList{"Мастер", "ИП Соболев"}));
     EXPECT_EQ(dialogs->pendingAnswers(), 0);
 }
 
@@ -120,7 +124,8 @@ TEST_F(HeaderWindowTest, TheHeaderIsSavedAndRestoredWithTheDocument) {
     child<QSpinBox>(window.get(), QStringLiteral("NumericSmeta"))->setValue(12);
     child<QLineEdit>(window.get(), QStringLiteral("NumericSmetaWord"))->setText("А");
     child<QLineEdit>(window.get(), QStringLiteral("EditNameWork"))->setText("Ремонт \"под ключ\"");
-    child<QComboBox>(window.get(), QStringLiteral("ComboBoxShablon"))->setCurrentText("Коммерческое предложение");
+    child<QComboBox>(window.get(), QStringLiteral("ComboBoxShablon"))
+        ->setCurrentText("Коммерческое предложение");
     child<QDateEdit>(window.get(), QStringLiteral("DateSmeta"))->setDate(QDate(2025, 3, 16));
     child<QComboBox>(window.get(), QStringLiteral("EditValuta"))->setCurrentIndex(2);
     const QString file = folder.file("Sm/Ромашка.sim");

@@ -4,6 +4,7 @@
 #include "SqlRows.h"
 #include "estimate/Autosave.h"
 
+#include "Widgets.h"
 #include <QAction>
 #include <QDir>
 #include <QFile>
@@ -14,7 +15,6 @@
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
-#include "Widgets.h"
 #include <gtest/gtest.h>
 
 namespace {
@@ -26,8 +26,12 @@ protected:
         child<QAction>(window.get(), QStringLiteral("CheckBossDir"))->setChecked(false);
     }
     void edit(const QString &text = "Окраска стен") { MainWindowFixture::edit(text); }
-    QString firstName() const { return (&window->document().grid())->cell(EstimateGrid::kFixedRows, EstimateCol::Name); }
-    QString tab() const { return child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))->tabText(0); }
+    QString firstName() const {
+        return (&window->document().grid())->cell(EstimateGrid::kFixedRows, EstimateCol::Name);
+    }
+    QString tab() const {
+        return child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))->tabText(0);
+    }
 };
 
 TEST_F(DocumentWindowTest, CancelInTheSaveDialogLeavesTheDocumentUnsaved) {
@@ -55,7 +59,8 @@ TEST_F(DocumentWindowTest, SaveAsRegistersAndListsTheFileAndOpenBringsItBack) {
     EXPECT_EQ(tab(), "Кухня.sim");
     EXPECT_EQ(window->document().xlsFileName(), folder.file("Sm/Кухня.xls"));
     ASSERT_FALSE(child<QMenu>(window.get(), QStringLiteral("MLastDoc"))->actions().isEmpty());
-    EXPECT_EQ(child<QMenu>(window.get(), QStringLiteral("MLastDoc"))->actions().first()->data().toString(), saved);
+    EXPECT_EQ(child<QMenu>(window.get(), QStringLiteral("MLastDoc"))->actions().first()->data().toString(),
+              saved);
     EXPECT_EQ(count(Db::MyDoc, "SELECT COUNT(*) FROM documents"), 1);
 
     // A second save asks nothing and updates the same register row.
@@ -212,7 +217,8 @@ TEST_F(DocumentWindowTest, RecentMenuOpensAndStartUpLoadsTheLastDocument) {
     EXPECT_TRUE(items.at(0)->text().contains("&&")) << items.at(0)->text().toStdString();
     items.at(1)->trigger();
     EXPECT_EQ(window->document().fileName(), paths.at(0));
-    EXPECT_EQ(child<QMenu>(window.get(), QStringLiteral("MLastDoc"))->actions().first()->data().toString(), paths.at(0));
+    EXPECT_EQ(child<QMenu>(window.get(), QStringLiteral("MLastDoc"))->actions().first()->data().toString(),
+              paths.at(0));
 
     // A new window with the start-up option opens the newest one.
     child<QAction>(window.get(), QStringLiteral("CheckBoxLoadLastDoc"))->setChecked(true);
@@ -230,10 +236,10 @@ TEST_F(DocumentWindowTest, RecentMenuOpensAndStartUpLoadsTheLastDocument) {
 TEST_F(DocumentWindowTest, TheCustomerNamesTheFolderTheRegisterRowAndTheCounter) {
     child<QAction>(window.get(), QStringLiteral("CheckBossDir"))->setChecked(true);
     window->document().setHeader(EstimateHeader::fromParameters({{"Customer", "ООО `Ромашка`"},
-                                                                  {"Object", "Кухня"},
-                                                                  {"NumericSmeta", "7"},
-                                                                  {"DateSmeta", "05.02.2025"}},
-                                                                 window->document().header()));
+                                                                 {"Object", "Кухня"},
+                                                                 {"NumericSmeta", "7"},
+                                                                 {"DateSmeta", "05.02.2025"}},
+                                                                window->document().header()));
     edit();
     const QString path = folder.file("Sm/Смета Ромашка.sim");
     dialogs->queueFile(path);

@@ -199,7 +199,8 @@ TEST_F(EditorWindowTest, TwoSectionEstimateThroughThePopupMenuAndShortcuts) {
     QApplication::processEvents();
     const QString picture = QStringLiteral(VIRN_SCREENSHOT_DIR "/editor_two_sections.png");
     EXPECT_TRUE(window->grab().save(picture)) << picture.toStdString();
-    child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))->setCurrentWidget(child<QWidget>(window.get(), QStringLiteral("TabSheetBrig")));
+    child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))
+        ->setCurrentWidget(child<QWidget>(window.get(), QStringLiteral("TabSheetBrig")));
     QApplication::processEvents();
     EXPECT_TRUE(window->grab().save(QStringLiteral(VIRN_SCREENSHOT_DIR "/editor_crew_sheet.png")));
 }
@@ -232,9 +233,12 @@ TEST_F(EditorWindowTest, BadAndHugeInputIsMarkedAndCountedUnderTheGrid) {
         } else { // the cell's editor cannot be emptied by typing
             ASSERT_TRUE(grid()->setData(at(c.row, c.col), QString(), Qt::EditRole));
         }
-        EXPECT_EQ(child<QLineEdit>(window.get(), QStringLiteral("Edit6"))->text(), QString::fromUtf8(c.works)) << c.what;
-        EXPECT_EQ(child<QLineEdit>(window.get(), QStringLiteral("Edit5"))->text(), QString::fromUtf8(c.grand)) << c.what;
-        EXPECT_EQ(child<QLineEdit>(window.get(), QStringLiteral("Edit5"))->toolTip().isEmpty(), *c.grand != 0) << c.what;
+        EXPECT_EQ(child<QLineEdit>(window.get(), QStringLiteral("Edit6"))->text(), QString::fromUtf8(c.works))
+            << c.what;
+        EXPECT_EQ(child<QLineEdit>(window.get(), QStringLiteral("Edit5"))->text(), QString::fromUtf8(c.grand))
+            << c.what;
+        EXPECT_EQ(child<QLineEdit>(window.get(), QStringLiteral("Edit5"))->toolTip().isEmpty(), *c.grand != 0)
+            << c.what;
         EXPECT_EQ(line->isHidden(), c.problems == 0) << c.what;
         if (c.problems > 0) {
             EXPECT_TRUE(line->text().startsWith(QStringLiteral("Ячеек с ошибками: %1").arg(c.problems)))

@@ -13,11 +13,14 @@ TEST(EstimateGrid, EditingRightsFollowTheRowKind) {
         bool editable;
     };
     const Case cases[] = {
-        {"", EstimateCol::Name, true},   {"", EstimateCol::Qty, true},    {"", EstimateCol::Price, true},
-        {"", EstimateCol::Total, false}, {"", EstimateCol::Itogo, false}, {"br", EstimateCol::Name, true},
-        {"br", EstimateCol::Qty, false}, {"br", EstimateCol::Ras, false}, {"bp", EstimateCol::Name, true},
-        {"bp", EstimateCol::Price, false}, {"ir", EstimateCol::Name, false}, {"ir", EstimateCol::Qty, false},
-        {"ip", EstimateCol::Name, false}, {"ip", EstimateCol::Num, false}, {"br", EstimateCol::Total, false},
+        {"", EstimateCol::Name, true},     {"", EstimateCol::Qty, true},
+        {"", EstimateCol::Price, true},    {"", EstimateCol::Total, false},
+        {"", EstimateCol::Itogo, false},   {"br", EstimateCol::Name, true},
+        {"br", EstimateCol::Qty, false},   {"br", EstimateCol::Ras, false},
+        {"bp", EstimateCol::Name, true},   {"bp", EstimateCol::Price, false},
+        {"ir", EstimateCol::Name, false},  {"ir", EstimateCol::Qty, false},
+        {"ip", EstimateCol::Name, false},  {"ip", EstimateCol::Num, false},
+        {"br", EstimateCol::Total, false},
     };
     EstimateGrid grid;
     for (const Case &c : cases) {

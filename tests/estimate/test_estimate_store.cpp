@@ -43,24 +43,27 @@ TEST_F(EstimateStoreTest, EmptySmetaLoadsAsOneEmptyRowAndGetsActDefaults) {
 
 TEST_F(EstimateStoreTest, RecordsFillTheColumnsWithIdAndLabourRules) {
     struct Row {
-        const char *numpos, *edras, *nameras, *edizm, *kolvo, *price, *summa, *section, *machine, *mat, *total,
-            *idwork, *koefBrig;
+        const char *numpos, *edras, *nameras, *edizm, *kolvo, *price, *summa, *section, *machine, *mat,
+            *total, *idwork, *koefBrig;
         const char *expectIdDoc, *expectLabour;
     };
     const Row rows[] = {
         {"", "", "РАЗДЕЛ 1. Демонтаж", "", "", "", "", "br", "", "", "", "7", "", "7", ""},
         // total "0": the labour part is the price.
-        {"1", "1-1", "Снятие обоев", "м2", "10", "150,00", "1500,00", "", "", "", "0", "", "0,8", "", "150,00"},
+        {"1", "1-1", "Снятие обоев", "м2", "10", "150,00", "1500,00", "", "", "", "0", "", "0,8", "",
+         "150,00"},
         // a positive total: labour = total - materials - machines.
-        {"2", "1-2", "Демонтаж плитки", "м2", "5", "400", "2000,00", "", "20", "80", "400", "12", "", "12", "300,00"},
+        {"2", "1-2", "Демонтаж плитки", "м2", "5", "400", "2000,00", "", "20", "80", "400", "12", "", "12",
+         "300,00"},
         // an empty total leaves the price.
         {"3", "1-3", "Вынос мусора", "т", "1,5", "900", "1350,00", "", "", "", "", "", "", "", "900"},
         {"", "", "Итого по разделу 1", "", "", "", "4850,00", "ir", "", "", "", "", "", "", ""},
     };
     for (const Row &r : rows)
-        exec(QStringLiteral("INSERT INTO smeta (numpos, edras, nameras, edizm, kolvo, price, summa, section, machine, "
-                            "mat, total, idwork, KoefBrig, idRas, NamePrice) VALUES ('%1','%2','%3','%4','%5','%6',"
-                            "'%7','%8','%9','%10','%11','%12','%13','55','resurs1')")
+        exec(QStringLiteral(
+                 "INSERT INTO smeta (numpos, edras, nameras, edizm, kolvo, price, summa, section, machine, "
+                 "mat, total, idwork, KoefBrig, idRas, NamePrice) VALUES ('%1','%2','%3','%4','%5','%6',"
+                 "'%7','%8','%9','%10','%11','%12','%13','55','resurs1')")
                  .arg(r.numpos, r.edras, r.nameras, r.edizm, r.kolvo, r.price, r.summa, r.section, r.machine)
                  .arg(r.mat, r.total, r.idwork, r.koefBrig));
     ASSERT_TRUE(EstimateStore::readSmeta(module.database(Db::Smeta), grid, crew));
@@ -95,7 +98,8 @@ TEST_F(EstimateStoreTest, WriteThenReadGivesTheSameGrid) {
     grid.setCell(3, EstimateCol::NamePrice, QStringLiteral("resurs1"));
     crew.setGridRowCount(5);
     crew.setCell(2, CrewCol::Koef, QStringLiteral("0,65"));
-    const EstimateStore::Parameters params = {{DocParam::customer, "ООО \"Ромашка\""}, {DocParam::number, "12"}};
+    const EstimateStore::Parameters params = {{DocParam::customer, "ООО \"Ромашка\""},
+                                              {DocParam::number, "12"}};
 
     ASSERT_TRUE(EstimateStore::writeSmeta(module.database(Db::Smeta), grid, crew, params));
     // Every data row got a work id.
@@ -107,9 +111,9 @@ TEST_F(EstimateStoreTest, WriteThenReadGivesTheSameGrid) {
     ASSERT_TRUE(EstimateStore::readSmeta(module.database(Db::Smeta), loaded, loadedCrew));
     ASSERT_EQ(loaded.gridRowCount(), grid.gridRowCount());
     for (int r = 2; r < grid.gridRowCount(); ++r)
-        for (int c : {EstimateCol::Num, EstimateCol::Ras, EstimateCol::Name, EstimateCol::Unit, EstimateCol::Qty,
-                      EstimateCol::Price, EstimateCol::Sum, EstimateCol::IdRas, EstimateCol::IdDoc,
-                      EstimateCol::NamePrice, EstimateCol::Kind})
+        for (int c : {EstimateCol::Num, EstimateCol::Ras, EstimateCol::Name, EstimateCol::Unit,
+                      EstimateCol::Qty, EstimateCol::Price, EstimateCol::Sum, EstimateCol::IdRas,
+                      EstimateCol::IdDoc, EstimateCol::NamePrice, EstimateCol::Kind})
             EXPECT_EQ(loaded.cell(r, c), grid.cell(r, c)) << r << "," << c;
     EXPECT_EQ(loadedCrew.cell(2, CrewCol::Koef), QStringLiteral("0,65"));
     const auto stored = EstimateStore::readParameters(module.database(Db::Smeta));

@@ -4,9 +4,9 @@
 #include "EngineFixture.h"
 #include "OfficeFiles.h"
 
-#include "storage/DataFolder.h"
 #include "estimate/EstimateExport.h"
 #include "office/OfficeTemplates.h"
+#include "storage/DataFolder.h"
 #include "storage/ModuleSQL.h"
 
 #include <QDir>

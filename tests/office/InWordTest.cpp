@@ -11,7 +11,9 @@ struct AmountCase {
 };
 
 // Test names show the amount and the currency rather than the bytes of the case.
-void PrintTo(const AmountCase &c, std::ostream *os) { *os << c.value << " (" << c.currency << ")"; }
+void PrintTo(const AmountCase &c, std::ostream *os) {
+    *os << c.value << " (" << c.currency << ")";
+}
 
 class InWordAmount : public ::testing::TestWithParam<AmountCase> {};
 

@@ -4,10 +4,10 @@
 #include "OfficeFiles.h"
 
 #include "MainWindowFixture.h"
-#include "storage/SettingsStore.h"
 #include "estimate/EditFromAktSmeta_frame.h"
 #include "office/FCustomPreview_frame.h"
 #include "office/OfficeEngine.h"
+#include "storage/SettingsStore.h"
 
 #include <QApplication>
 #include <QComboBox>
@@ -82,11 +82,14 @@ TEST_F(OutputWindow, ExportsPreviewsAndUsesTheSheetTitles) {
     ASSERT_TRUE(runAndWait(&OutputPart::MPreviewClick, &path, &ticks));
     EXPECT_TRUE(child<TFCustomPreview>(window.get(), QStringLiteral("FCustomPreview"))->isVisible());
     EXPECT_GE(child<TFCustomPreview>(window.get(), QStringLiteral("FCustomPreview"))->pageCount(), 2);
-    EXPECT_TRUE(child<TFCustomPreview>(window.get(), QStringLiteral("FCustomPreview"))->windowTitle().contains(QStringLiteral("Образец сметы")));
+    EXPECT_TRUE(child<TFCustomPreview>(window.get(), QStringLiteral("FCustomPreview"))
+                    ->windowTitle()
+                    .contains(QStringLiteral("Образец сметы")));
     child<TFCustomPreview>(window.get(), QStringLiteral("FCustomPreview"))->close();
 
     // The sheet titles dialog: the new title is stored under its field name and printed.
-    child<QComboBox>(window.get(), QStringLiteral("ComboBoxShablon"))->setCurrentText(QStringLiteral("СМЕТА"));
+    child<QComboBox>(window.get(), QStringLiteral("ComboBoxShablon"))
+        ->setCurrentText(QStringLiteral("СМЕТА"));
     QTimer::singleShot(0, [] {
         auto *d = qobject_cast<TEditFromAktSmeta *>(QApplication::activeModalWidget());
         ASSERT_NE(d, nullptr);

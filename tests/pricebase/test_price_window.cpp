@@ -5,7 +5,6 @@
 #include "MainWindowFixture.h"
 #include "MoneyText.h"
 #include "PriceTestData.h"
-#include "ui/Dialogs.h"
 #include "estimate/EstimateEditor.h"
 #include "pricebase/CalcDocKolvo_frame.h"
 #include "pricebase/LiveSearchList.h"
@@ -13,6 +12,7 @@
 #include "pricebase/RatePanel_frame.h"
 #include "pricebase/RemotePriceList.h"
 #include "pricebase/ServerRasSettings_frame.h"
+#include "ui/Dialogs.h"
 
 #include <QAction>
 #include <QApplication>
@@ -81,9 +81,12 @@ protected:
         // The editor of an earlier insertion is deleted once control returns to the event loop.
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         child<QTableView>(window.get(), QStringLiteral("StringGridDoc"))->setFocus();
-        child<QTableView>(window.get(), QStringLiteral("StringGridDoc"))->setCurrentIndex(grid->index(EstimateGrid::toModelRow(row), EstimateCol::Name));
+        child<QTableView>(window.get(), QStringLiteral("StringGridDoc"))
+            ->setCurrentIndex(grid->index(EstimateGrid::toModelRow(row), EstimateCol::Name));
         typeText(child<QTableView>(window.get(), QStringLiteral("StringGridDoc")), text.left(1));
-        auto *editor = child<QTableView>(window.get(), QStringLiteral("StringGridDoc"))->viewport()->findChild<QLineEdit *>();
+        auto *editor = child<QTableView>(window.get(), QStringLiteral("StringGridDoc"))
+                           ->viewport()
+                           ->findChild<QLineEdit *>();
         if (editor)
             typeText(editor, text.mid(1));
         return editor;
@@ -108,7 +111,12 @@ TEST_F(PriceWindow, TypedNameChosenFromMemoPriceFillsRowTotalsAndMaterials) {
     ASSERT_TRUE(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->isVisible());
     // Lower case typed finds capitals; section titles are names too.
     ASSERT_EQ(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->model()->rowCount(), 4);
-    EXPECT_EQ(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->model()->index(0, 0).data().toString(), QStringLiteral("Отделка стен"));
+    EXPECT_EQ(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))
+                  ->model()
+                  ->index(0, 0)
+                  .data()
+                  .toString(),
+              QStringLiteral("Отделка стен"));
     QTest::keyClick(editor, Qt::Key_Down);
     QTest::keyClick(editor, Qt::Key_Down); // "Покраска стен"
     QTest::keyClick(editor, Qt::Key_Return);
@@ -132,7 +140,10 @@ TEST_F(PriceWindow, TypedNameChosenFromMemoPriceFillsRowTotalsAndMaterials) {
     typeText(editor, QStringLiteral("грунт"));
     ASSERT_TRUE(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->isVisible());
     ASSERT_EQ(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->model()->rowCount(), 1);
-    const QRect first = child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->visualRect(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->model()->index(0, 0));
+    const QRect first =
+        child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))
+            ->visualRect(
+                child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->model()->index(0, 0));
     doubleClick(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->viewport(), first.center());
     settle();
     EXPECT_EQ(cell(3, EstimateCol::Name), QStringLiteral("Грунтовка СТЕН"));
@@ -167,7 +178,8 @@ TEST_F(PriceWindow, DoubleClickInsertsAndTheSameNameInTheSectionOpensFound) {
     child<QAction>(window.get(), QStringLiteral("CheckBoxControlPrice"))->setChecked(true);
     doubleClickRate(3); // "Грунтовка СТЕН"
     EXPECT_EQ(cell(2, EstimateCol::Name), QStringLiteral("Грунтовка СТЕН"));
-    EXPECT_EQ(child<QTableView>(window.get(), QStringLiteral("StringGridDoc"))->currentIndex().column(), EstimateCol::Qty);
+    EXPECT_EQ(child<QTableView>(window.get(), QStringLiteral("StringGridDoc"))->currentIndex().column(),
+              EstimateCol::Qty);
     grid->setData(grid->index(0, EstimateCol::Qty), "3", Qt::EditRole);
     settle();
     QString caption;
@@ -209,7 +221,8 @@ TEST_F(PriceWindow, TickedRowsGoInListOrderAndEditModeRefuses) {
     EXPECT_EQ(grid->gridRowCount(), 4);
     // In edit mode: a row inserted above "Полы", typed in place, numbers follow (the rate after the
     // subsection belongs to it), written on leaving.
-    child<TRatePanel>(window.get(), QStringLiteral("RatePanel"))->StringGridRas->setCurrentIndex(rates().index(5, 1));
+    child<TRatePanel>(window.get(), QStringLiteral("RatePanel"))
+        ->StringGridRas->setCurrentIndex(rates().index(5, 1));
     child<TRatePanel>(window.get(), QStringLiteral("RatePanel"))->ToolInsertRas->trigger();
     rates().setData(rates().index(5, 1), "Плинтус", Qt::EditRole);
     rates().setData(rates().index(5, 2), "м.п.", Qt::EditRole);
@@ -326,7 +339,8 @@ TEST_F(PriceWindow, ServerButtonConnectsReadsTheRemoteListAndReportsFailures) {
     s.password = server->password;
     s.save(*window->settingsStore());
     panel->PageControlRas->setCurrentIndex(3);
-    ASSERT_TRUE(window->part<PricePart>()->priceBase()->serverConnected()) << dialogs->lastText().toStdString();
+    ASSERT_TRUE(window->part<PricePart>()->priceBase()->serverConnected())
+        << dialogs->lastText().toStdString();
     EXPECT_TRUE(panel->ToolServerRas->isChecked());
     EXPECT_EQ(panel->ToolServerRas->toolTip(), QStringLiteral("Отключиться от сервера"));
     EXPECT_EQ(window->part<PricePart>()->priceBase()->table(), s.table);

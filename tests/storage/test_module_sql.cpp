@@ -44,7 +44,8 @@ TEST(ModuleSQL, AnOlderWorkingDatabaseGainsItsMissingTables) {
         old.setDatabaseName(folder.file("Sp/smeta.db"));
         ASSERT_TRUE(old.open());
         QSqlQuery q(old);
-        ASSERT_TRUE(q.exec("CREATE TABLE smeta (_id INTEGER PRIMARY KEY AUTOINCREMENT, numpos TEXT, nameras TEXT)"));
+        ASSERT_TRUE(
+            q.exec("CREATE TABLE smeta (_id INTEGER PRIMARY KEY AUTOINCREMENT, numpos TEXT, nameras TEXT)"));
         ASSERT_TRUE(q.exec("INSERT INTO smeta (nameras) VALUES ('Старая работа')"));
         old.close();
     }

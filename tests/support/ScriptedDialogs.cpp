@@ -39,8 +39,8 @@ QString ScriptedDialogs::openFile(const QString &caption, const QString &, const
     return m_files.dequeue();
 }
 
-QString ScriptedDialogs::saveFile(const QString &caption, const QString &, const QString &, const QString &filter,
-                                  const QString &) {
+QString ScriptedDialogs::saveFile(const QString &caption, const QString &, const QString &,
+                                  const QString &filter, const QString &) {
     m_shown.append({QStringLiteral("saveFile"), caption, filter});
     if (m_files.isEmpty())
         throw std::logic_error("unexpected save dialog");
@@ -60,4 +60,6 @@ ScriptedDialogsGuard::ScriptedDialogsGuard() {
     m_previous = installDialogs(std::move(d));
 }
 
-ScriptedDialogsGuard::~ScriptedDialogsGuard() { installDialogs(std::move(m_previous)); }
+ScriptedDialogsGuard::~ScriptedDialogsGuard() {
+    installDialogs(std::move(m_previous));
+}
