@@ -3,6 +3,7 @@
 #include "Protocol.h"
 
 #include <cstdlib>
+#include <utility>
 
 namespace {
 bool number(const std::string &text, int low, int high, int *out) {
@@ -20,6 +21,23 @@ bool number(const std::string &text, int low, int high, int *out) {
 } // namespace
 
 bool parseOptions(const std::vector<std::string> &args, ServerOptions *o, std::string *error) {
+    // Options that take a text, and options that take a whole number in a range.
+    const std::pair<const char *, std::string ServerOptions::*> texts[] = {
+        {"--listen", &ServerOptions::listen},     {"--port-file", &ServerOptions::portFile},
+        {"--accounts", &ServerOptions::accounts}, {"--cert", &ServerOptions::certificate},
+        {"--key", &ServerOptions::privateKey},    {"--log", &ServerOptions::log},
+    };
+    struct NumberOption {
+        const char *name;
+        int ServerOptions::*field;
+        int low, high;
+        const char *rule;
+    };
+    const NumberOption numbers[] = {
+        {"--port", &ServerOptions::port, 0, 65535, "порт должен быть числом от 0 до 65535: "},
+        {"--timeout", &ServerOptions::timeoutSeconds, 1, 3600,
+         "время ожидания должно быть числом секунд от 1 до 3600: "},
+    };
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string &a = args[i];
         auto value = [&](std::string *out) {
@@ -30,52 +48,43 @@ bool parseOptions(const std::vector<std::string> &args, ServerOptions *o, std::s
             *out = args[++i];
             return true;
         };
-        std::string v;
         if (a == "--help" || a == "-h") {
             o->help = true;
-        } else if (a == "--version") {
+            continue;
+        }
+        if (a == "--version") {
             o->version = true;
-        } else if (a == "--listen") {
-            if (!value(&o->listen))
-                return false;
-        } else if (a == "--port") {
-            if (!value(&v))
-                return false;
-            if (!number(v, 0, 65535, &o->port)) {
-                *error = "порт должен быть числом от 0 до 65535: " + v;
-                return false;
+            continue;
+        }
+        bool known = false;
+        for (const auto &[name, field] : texts)
+            if (a == name) {
+                if (!value(&(o->*field)))
+                    return false;
+                known = true;
             }
-        } else if (a == "--timeout") {
-            if (!value(&v))
-                return false;
-            if (!number(v, 1, 3600, &o->timeoutSeconds)) {
-                *error = "время ожидания должно быть числом секунд от 1 до 3600: " + v;
-                return false;
+        for (const NumberOption &n : numbers)
+            if (a == n.name) {
+                std::string v;
+                if (!value(&v))
+                    return false;
+                if (!number(v, n.low, n.high, &(o->*n.field))) {
+                    *error = n.rule + v;
+                    return false;
+                }
+                known = true;
             }
-        } else if (a == "--port-file") {
-            if (!value(&o->portFile))
-                return false;
-        } else if (a == "--accounts") {
-            if (!value(&o->accounts))
-                return false;
-        } else if (a == "--cert") {
-            if (!value(&o->certificate))
-                return false;
-        } else if (a == "--key") {
-            if (!value(&o->privateKey))
-                return false;
-        } else if (a == "--log") {
-            if (!value(&o->log))
-                return false;
-        } else if (!a.empty() && a[0] == '-') {
+        if (known)
+            continue;
+        if (!a.empty() && a[0] == '-') {
             *error = "неизвестный параметр " + a;
             return false;
-        } else if (o->data.empty()) {
-            o->data = a;
-        } else {
+        }
+        if (!o->data.empty()) {
             *error = "папка данных указана дважды: " + a;
             return false;
         }
+        o->data = a;
     }
     if (o->help || o->version)
         return true;

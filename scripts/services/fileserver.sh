@@ -14,23 +14,13 @@ if [[ -z "$cmd" || -z "$scratch" ]]; then
     exit 2
 fi
 top=$(cd "$(dirname "$0")/../.." && pwd)
+source "$top/scripts/lib/services.sh"
 build=${VIRN_BUILD_DIR:-$top/build}
 base="$scratch/fileserver"
 pidfile="$base/server.pid"
 
 stop_server() {
-    [[ -f "$pidfile" ]] || return 0
-    local pid
-    pid=$(cat "$pidfile" 2>/dev/null || true)
-    if [[ -n "$pid" ]]; then
-        kill "$pid" 2>/dev/null || true
-        for _ in $(seq 1 50); do
-            kill -0 "$pid" 2>/dev/null || break
-            sleep 0.1
-        done
-        kill -9 "$pid" 2>/dev/null || true
-    fi
-    rm -f "$pidfile"
+    stop_pidfile "$pidfile" 50
 }
 
 case "$cmd" in

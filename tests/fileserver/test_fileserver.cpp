@@ -264,12 +264,8 @@ TEST_F(FileServerTest, AnAccountAddedToTheFileIsKnownWithoutARestart) {
 TEST(FileServerHttps, ServesWithATestCertificate) {
     ensureApplication();
     QTemporaryDir dir;
-    QProcess openssl;
-    openssl.start("openssl", {"req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj",
-                              "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1", "-keyout",
-                              dir.filePath("key.pem"), "-out", dir.filePath("cert.pem")});
-    ASSERT_TRUE(openssl.waitForFinished(60000));
-    ASSERT_EQ(openssl.exitCode(), 0) << openssl.readAllStandardError().toStdString();
+    QString error;
+    ASSERT_TRUE(FileServerProcess::makeTestCertificate(dir.path(), &error)) << error.toStdString();
 
     FileServerProcess server;
     ASSERT_TRUE(server.start({"--cert", dir.filePath("cert.pem"), "--key", dir.filePath("key.pem")}))
@@ -313,4 +309,24 @@ TEST(FileServerCommandLine, HelpAndBadArguments) {
         EXPECT_EQ(p.exitCode(), c.exitCode);
         EXPECT_TRUE(QString::fromUtf8(p.readAll()).contains(c.says));
     }
+}
+
+// The server scripts/services/fileserver.sh starts for `make test` (and `make run`): seeded with the
+// build's version and plug-in, knowing its one account.
+TEST(FileServerService, TheSharedServerAnswers) {
+    const QUrl url(qEnvironmentVariable("VIRN_TEST_FILESERVER_URL"));
+    if (url.isEmpty())
+        GTEST_SKIP() << "VIRN_TEST_FILESERVER_URL is not set: start scripts/services/fileserver.sh (make test does)";
+    httplib::Client client(url.host().toStdString(), url.port());
+    auto version = client.Post(Protocol::kVersionInfo, httplib::Params{{"info", "32"}});
+    ASSERT_TRUE(version);
+    EXPECT_EQ(version->body, VIRN_PROJECT_VERSION);
+    const std::string key = qEnvironmentVariable("VIRN_TEST_FILESERVER_KEY").toStdString();
+    EXPECT_EQ(client.Post(Protocol::kExistsCashbase, httplib::Params{{"key", key}})->status, 200);
+    EXPECT_EQ(client.Post(Protocol::kExistsCashbase, httplib::Params{{"key", key + "x"}})->status, 403);
+    auto plugin = client.Get(Protocol::kPlugin);
+    ASSERT_TRUE(plugin);
+    QFile built(FileServerProcess::seedFolder() + "/virn_8/square_shapes.so");
+    ASSERT_TRUE(built.open(QIODevice::ReadOnly));
+    EXPECT_EQ(plugin->body, built.readAll().toStdString());
 }

@@ -11,7 +11,6 @@
 
 #include <QElapsedTimer>
 #include <QFile>
-#include <QProcess>
 #include <QSslCertificate>
 #include <QSslConfiguration>
 #include <gtest/gtest.h>
@@ -145,12 +144,8 @@ TEST(RemoteClientLimits, NoServerAndNoListener) {
 TEST(RemoteClientHttps, TrustsTheServersCertificate) {
     ensureApplication();
     TestFolder dir;
-    QProcess openssl;
-    openssl.start("openssl", {"req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj",
-                              "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1", "-keyout",
-                              dir.file("key.pem"), "-out", dir.file("cert.pem")});
-    ASSERT_TRUE(openssl.waitForFinished(60000));
-    ASSERT_EQ(openssl.exitCode(), 0);
+    QString error;
+    ASSERT_TRUE(FileServerProcess::makeTestCertificate(dir.path(), &error)) << error.toStdString();
     FileServerProcess server;
     ASSERT_TRUE(server.start({"--cert", dir.file("cert.pem"), "--key", dir.file("key.pem")}));
     RemoteClient client;

@@ -104,3 +104,16 @@ bool FileServerProcess::logged(const QString &text, int ms) const {
     }
     return true;
 }
+
+bool FileServerProcess::makeTestCertificate(const QString &folder, QString *error) {
+    QProcess openssl;
+    openssl.start(QStringLiteral("openssl"),
+                  {"req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj", "/CN=127.0.0.1",
+                   "-addext", "subjectAltName=IP:127.0.0.1", "-keyout", QDir(folder).filePath("key.pem"),
+                   "-out", QDir(folder).filePath("cert.pem")});
+    if (!openssl.waitForFinished(60000) || openssl.exitCode() != 0) {
+        *error = QString::fromUtf8(openssl.readAllStandardError()) + openssl.errorString();
+        return false;
+    }
+    return true;
+}

@@ -33,6 +33,10 @@ public:
     // Whether the log holds text within ms: a request's line is written just after its reply is sent.
     bool logged(const QString &text, int ms = 5000) const;
 
+    // A self-signed certificate for 127.0.0.1 with its key: folder/cert.pem and folder/key.pem (made
+    // by the openssl command); false with *error.
+    static bool makeTestCertificate(const QString &folder, QString *error);
+
     // The built server and plug-in.
     static QString executable();
     static QString seedFolder();

@@ -11,19 +11,33 @@
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QVBoxLayout>
+#include <vector>
 
 namespace {
+// A size field: its objectName and its label.
+struct SizeField {
+    const char *name;
+    const char *label;
+};
+// A figure's page: its sizes (the polygon has its list of vertices instead).
 struct FigurePage {
     Shapes::Figure figure;
     const char *title;
+    std::vector<SizeField> sizes;
 };
 const FigurePage kFigures[] = {
-    {Shapes::Figure::Rectangle, "Прямоугольник"},
-    {Shapes::Figure::Triangle, "Треугольник по трём сторонам"},
-    {Shapes::Figure::Circle, "Круг"},
-    {Shapes::Figure::Ring, "Кольцо"},
-    {Shapes::Figure::Trapezoid, "Трапеция"},
-    {Shapes::Figure::Polygon, "Многоугольник по вершинам"},
+    {Shapes::Figure::Rectangle, "Прямоугольник", {{"RectA", "Длина a, м:"}, {"RectB", "Ширина b, м:"}}},
+    {Shapes::Figure::Triangle,
+     "Треугольник по трём сторонам",
+     {{"TriA", "Сторона a, м:"}, {"TriB", "Сторона b, м:"}, {"TriC", "Сторона c, м:"}}},
+    {Shapes::Figure::Circle, "Круг", {{"CircleR", "Радиус r, м:"}}},
+    {Shapes::Figure::Ring,
+     "Кольцо",
+     {{"RingOuter", "Внешний радиус R, м:"}, {"RingInner", "Внутренний радиус r, м:"}}},
+    {Shapes::Figure::Trapezoid,
+     "Трапеция",
+     {{"TrapA", "Основание a, м:"}, {"TrapB", "Основание b, м:"}, {"TrapH", "Высота h, м:"}}},
+    {Shapes::Figure::Polygon, "Многоугольник по вершинам", {}},
 };
 } // namespace
 
@@ -39,29 +53,16 @@ TSquareShapes::TSquareShapes(QWidget *parent) : QWidget(parent, Qt::Window) {
     m_pages = new QStackedWidget(this);
     m_pages->setObjectName(QStringLiteral("PagesFigure"));
 
-    auto page = [this] {
-        auto *w = new QWidget(m_pages);
-        new QFormLayout(w);
-        m_pages->addWidget(w);
-        return w;
-    };
-    QWidget *rect = page();
-    sizeField(rect, "RectA", QStringLiteral("Длина a, м:"));
-    sizeField(rect, "RectB", QStringLiteral("Ширина b, м:"));
-    QWidget *tri = page();
-    sizeField(tri, "TriA", QStringLiteral("Сторона a, м:"));
-    sizeField(tri, "TriB", QStringLiteral("Сторона b, м:"));
-    sizeField(tri, "TriC", QStringLiteral("Сторона c, м:"));
-    QWidget *circle = page();
-    sizeField(circle, "CircleR", QStringLiteral("Радиус r, м:"));
-    QWidget *ring = page();
-    sizeField(ring, "RingOuter", QStringLiteral("Внешний радиус R, м:"));
-    sizeField(ring, "RingInner", QStringLiteral("Внутренний радиус r, м:"));
-    QWidget *trap = page();
-    sizeField(trap, "TrapA", QStringLiteral("Основание a, м:"));
-    sizeField(trap, "TrapB", QStringLiteral("Основание b, м:"));
-    sizeField(trap, "TrapH", QStringLiteral("Высота h, м:"));
-    QWidget *poly = page();
+    QWidget *poly = nullptr;
+    for (const FigurePage &f : kFigures) {
+        auto *page = new QWidget(m_pages);
+        new QFormLayout(page);
+        m_pages->addWidget(page);
+        for (const SizeField &size : f.sizes)
+            sizeField(page, size.name, QString::fromUtf8(size.label));
+        if (f.figure == Shapes::Figure::Polygon)
+            poly = page;
+    }
     m_vertices = new QPlainTextEdit(poly);
     m_vertices->setObjectName(QStringLiteral("MemoVertices"));
     m_vertices->setPlaceholderText(QStringLiteral("0; 0\n4; 0\n4; 3\n0; 3"));
