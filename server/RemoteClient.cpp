@@ -193,7 +193,7 @@ bool RemoteClient::connectionPresent() const {
         return true;
     // Where the system reports its network state, "disconnected" means no request can succeed; where
     // it does not, the request itself reports the failure.
-    static const bool loaded = QNetworkInformation::load(QNetworkInformation::Feature::Reachability);
+    static const bool loaded = QNetworkInformation::loadBackendByFeatures(QNetworkInformation::Feature::Reachability);
     if (!loaded || !QNetworkInformation::instance())
         return true;
     return QNetworkInformation::instance()->reachability() != QNetworkInformation::Reachability::Disconnected;
