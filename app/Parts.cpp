@@ -4,12 +4,14 @@
 
 #include "TForm1.h"
 
+#include "calculators/CalculatorsPart.h"
 #include "customers/CustomersPart.h"
 #include "estimate/DocumentFilePart.h"
 #include "estimate/EditorPart.h"
 #include "estimate/HeaderPart.h"
 #include "estimate/OutputPart.h"
 #include "pricebase/PricePart.h"
+#include "server/ServerPart.h"
 
 std::vector<ShellPart *> makeShellParts(QObject *owner) {
     return {
@@ -19,5 +21,7 @@ std::vector<ShellPart *> makeShellParts(QObject *owner) {
         new CustomersPart(owner),    // customers, objects, contractor
         new HeaderPart(owner),       // the estimate's header
         new OutputPart(owner),       // preview, print, PDF and spreadsheet of the estimate
+        new ServerPart(owner),       // the file server: settings, updates, news
+        new CalculatorsPart(owner),  // mix calculator, figure-area plug-in
     };
 }

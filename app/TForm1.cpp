@@ -14,6 +14,7 @@
 #include <QGuiApplication>
 #include <QMenu>
 #include <QMenuBar>
+#include <QProgressBar>
 #include <QScreen>
 #include <QSplitter>
 #include <QStatusBar>
@@ -140,6 +141,26 @@ QList<ShellPart *> TForm1::parts() const {
 
 void TForm1::showStatus(const QString &text, int milliseconds) {
     statusBar()->showMessage(text, milliseconds);
+}
+
+QProgressBar *TForm1::showProgress() {
+    if (!m_progress) {
+        m_progress = new QProgressBar(this);
+        m_progress->setObjectName(QStringLiteral("ProgressBar1"));
+        m_progress->setFixedSize(320, 24);
+    }
+    m_progress->setRange(0, 100);
+    m_progress->reset();
+    m_progress->setValue(0);
+    m_progress->move((width() - m_progress->width()) / 2, (height() - m_progress->height()) / 2);
+    m_progress->raise();
+    m_progress->show();
+    return m_progress;
+}
+
+void TForm1::hideProgress() {
+    if (m_progress)
+        m_progress->hide();
 }
 
 QAction *TForm1::addOption(QMenu *menu, const QString &key, const QString &caption) {

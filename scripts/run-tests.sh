@@ -4,6 +4,8 @@
 set -uo pipefail
 build=${1:-build}
 top=$(cd "$(dirname "$0")/.." && pwd)
+case "$build" in /*) ;; *) build="$top/$build" ;; esac
+export VIRN_BUILD_DIR="$build"
 scratch=$(mktemp -d /tmp/virn-test.XXXXXX)
 started=()
 stop_all() {
@@ -21,4 +23,4 @@ for s in "$top"/scripts/services/*.sh; do
   fi
 done
 export VIRN_TEST_SCRATCH="$scratch"
-cd "$top/$build" && ctest --output-on-failure -j 2 --timeout 600
+cd "$build" && ctest --output-on-failure -j 2 --timeout 600
