@@ -14,6 +14,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <algorithm>
 
 namespace ActProducer {
 
@@ -74,6 +75,17 @@ bool prepare(const EstimateDocument &document, const ViewTitles &titles, const A
     if (!ActSheet::plan(estimate, history, ActVolumes::typed(db), r.number, r.date, periodFrom, periodTo,
                         &plan, error))
         return false;
+    // Acts by volumes know the estimate's rows by their work ids, which the document gives a new row when it
+    // writes the working database.
+    const bool unnumbered =
+        std::any_of(estimate.rows.cbegin(), estimate.rows.cend(), [](const EstimatePrint::Row &row) {
+            return row.kind == EstimatePrint::Kind::Work && row.id.isEmpty() && !row.name.isEmpty();
+        });
+    if (plan.byVolumes && !plan.remake && unnumbered)
+        return failWith(
+            QStringLiteral("Акт по объёмам не составлен: новые строки сметы ещё не записаны в рабочую "
+                           "базу. Запишите смету и повторите."),
+            error);
     const EstimatePrint print =
         plan.byVolumes ? ActSheet::actPrint(estimate, plan.act, Coefficients::readApplied(db)) : estimate;
     if (!print.refusal.isEmpty())

@@ -9,6 +9,9 @@
 // Three steps, for callers that work on several threads: prepare reads the document (its thread);
 // render fills the template with an office engine (any thread that owns the engine); record writes
 // the databases (the thread of the data module given). produce runs all three on the calling thread.
+// Before prepare the caller writes the document's grids into the working database
+// (EstimateDocument::writeWorkingDatabase), so that rows typed since have their work ids: an act by
+// volumes refuses an estimate with rows it cannot tell apart.
 
 #include "ActKind.h"
 #include "ActVolumes.h"

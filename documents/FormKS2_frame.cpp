@@ -1,6 +1,7 @@
 #include "FormKS2_frame.h"
 
 #include "ActData.h"
+#include "ActVolumesPage.h"
 #include "customers/ContractorRegister.h"
 #include "customers/CustomerRegister.h"
 #include "estimate/ActFields.h"
@@ -16,16 +17,13 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScopedValueRollback>
 #include <QShortcut>
-#include <QStandardItemModel>
 #include <QTabWidget>
-#include <QTableView>
 #include <QVBoxLayout>
 
 namespace {
@@ -93,7 +91,8 @@ void TFormKS2::build() {
     auto *root = new QVBoxLayout(this);
     PageControl = named(new QTabWidget(this), "PageControl");
     PageControl->addTab(buildDataPage(), QStringLiteral("Данные акта"));
-    PageControl->addTab(buildVolumesPage(), QStringLiteral("Объёмы акта"));
+    VolumesPage = new ActVolumesPage(m_doc, this);
+    PageControl->addTab(VolumesPage, QStringLiteral("Объёмы акта"));
     root->addWidget(PageControl, 1);
     auto *bottom = new QHBoxLayout;
     bottom->addStretch(1);
@@ -114,41 +113,36 @@ QWidget *TFormKS2::buildDataPage() {
     auto *page = new QWidget(this);
     auto *grid = new QGridLayout(page);
 
-    auto *zakaz = named(new QGroupBox(QStringLiteral("Заказчик"), page), "GroupZakaz");
-    auto *zg = new QGridLayout(zakaz);
-    ComboBoxZakaz = editableCombo("ComboBoxZakaz", zakaz);
-    btnZakazAndObject =
-        named(new QPushButton(QStringLiteral("Заказчики и объекты"), zakaz), "btnZakazAndObject");
-    ZEditAddress = named(new QLineEdit(zakaz), "ZEditAddress");
-    ZEditPhone = named(new QLineEdit(zakaz), "ZEditPhone");
-    ZEditFax = named(new QLineEdit(zakaz), "ZEditFax");
-    zg->addWidget(label(QStringLiteral("ФИО (наименование)"), QStringLiteral("ComboBoxZakaz"), zakaz), 0, 0);
-    zg->addWidget(ComboBoxZakaz, 0, 1);
-    zg->addWidget(btnZakazAndObject, 0, 2);
-    zg->addWidget(label(QStringLiteral("Адрес"), QStringLiteral("ZEditAddress"), zakaz), 1, 0);
-    zg->addWidget(ZEditAddress, 1, 1, 1, 2);
-    zg->addWidget(label(QStringLiteral("Телефон(ы)"), QStringLiteral("ZEditPhone"), zakaz), 2, 0);
-    zg->addWidget(ZEditPhone, 2, 1, 1, 2);
-    zg->addWidget(label(QStringLiteral("Факс"), QStringLiteral("ZEditFax"), zakaz), 3, 0);
-    zg->addWidget(ZEditFax, 3, 1, 1, 2);
-
-    auto *podryad = named(new QGroupBox(QStringLiteral("Подрядчик"), page), "GroupPodryad");
-    auto *pg = new QGridLayout(podryad);
-    ComboBoxPodryad = editableCombo("ComboBoxPodryad", podryad);
-    btnPodryad = named(new QPushButton(QStringLiteral("Данные подрядчика"), podryad), "btnPodryad");
-    PEditAddress = named(new QLineEdit(podryad), "PEditAddress");
-    PEditPhone = named(new QLineEdit(podryad), "PEditPhone");
-    PEditFax = named(new QLineEdit(podryad), "PEditFax");
-    pg->addWidget(label(QStringLiteral("ФИО (наименование)"), QStringLiteral("ComboBoxPodryad"), podryad), 0,
-                  0);
-    pg->addWidget(ComboBoxPodryad, 0, 1);
-    pg->addWidget(btnPodryad, 0, 2);
-    pg->addWidget(label(QStringLiteral("Адрес"), QStringLiteral("PEditAddress"), podryad), 1, 0);
-    pg->addWidget(PEditAddress, 1, 1, 1, 2);
-    pg->addWidget(label(QStringLiteral("Телефон(ы)"), QStringLiteral("PEditPhone"), podryad), 2, 0);
-    pg->addWidget(PEditPhone, 2, 1, 1, 2);
-    pg->addWidget(label(QStringLiteral("E-mail"), QStringLiteral("PEditFax"), podryad), 3, 0);
-    pg->addWidget(PEditFax, 3, 1, 1, 2);
+    // The two parties: name (with the button of their register), address, phones and a third contact.
+    auto party = [page](const char *group, const QString &title, QComboBox *&combo, const char *comboName,
+                        QPushButton *&button, const char *buttonName, const QString &caption,
+                        const QVector<QPair<QLineEdit **, QPair<const char *, QString>>> &edits) {
+        auto *box = named(new QGroupBox(title, page), group);
+        auto *g = new QGridLayout(box);
+        combo = editableCombo(comboName, box);
+        button = named(new QPushButton(caption, box), buttonName);
+        g->addWidget(label(QStringLiteral("ФИО (наименование)"), combo->objectName(), box), 0, 0);
+        g->addWidget(combo, 0, 1);
+        g->addWidget(button, 0, 2);
+        int row = 1;
+        for (const auto &e : edits) {
+            *e.first = named(new QLineEdit(box), e.second.first);
+            g->addWidget(label(e.second.second, (*e.first)->objectName(), box), row, 0);
+            g->addWidget(*e.first, row++, 1, 1, 2);
+        }
+        return box;
+    };
+    QGroupBox *zakaz = party("GroupZakaz", QStringLiteral("Заказчик"), ComboBoxZakaz, "ComboBoxZakaz",
+                             btnZakazAndObject, "btnZakazAndObject", QStringLiteral("Заказчики и объекты"),
+                             {{&ZEditAddress, {"ZEditAddress", QStringLiteral("Адрес")}},
+                              {&ZEditPhone, {"ZEditPhone", QStringLiteral("Телефон(ы)")}},
+                              {&ZEditFax, {"ZEditFax", QStringLiteral("Факс")}}});
+    QGroupBox *podryad =
+        party("GroupPodryad", QStringLiteral("Подрядчик"), ComboBoxPodryad, "ComboBoxPodryad", btnPodryad,
+              "btnPodryad", QStringLiteral("Данные подрядчика"),
+              {{&PEditAddress, {"PEditAddress", QStringLiteral("Адрес")}},
+               {&PEditPhone, {"PEditPhone", QStringLiteral("Телефон(ы)")}},
+               {&PEditFax, {"PEditFax", QStringLiteral("E-mail")}}});
 
     auto *site = named(new QGroupBox(QStringLiteral("Стройка и договор"), page), "GroupSite");
     auto *sg = new QGridLayout(site);
@@ -264,48 +258,6 @@ QWidget *TFormKS2::buildDataPage() {
     return page;
 }
 
-QWidget *TFormKS2::buildVolumesPage() {
-    auto *page = new QWidget(this);
-    auto *v = new QVBoxLayout(page);
-    LabelVolumes = named(new QLabel(page), "LabelVolumes");
-    LabelVolumes->setWordWrap(true);
-    v->addWidget(LabelVolumes);
-    GridVolumes = named(new QTableView(page), "GridVolumes");
-    GridVolumes->setModel(&m_volumes);
-    GridVolumes->verticalHeader()->hide();
-    GridVolumes->horizontalHeader()->setSectionResizeMode(ActVolumeCol::Name, QHeaderView::Stretch);
-    GridVolumes->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
-                                 QAbstractItemView::AnyKeyPressed);
-    v->addWidget(GridVolumes, 3);
-    auto *buttons = new QHBoxLayout;
-    spdVolumesZero = named(new QPushButton(QStringLiteral("Обнулить «В этом акте»"), page), "spdVolumesZero");
-    spdVolumesRemainder =
-        named(new QPushButton(QStringLiteral("Весь остаток в этот акт"), page), "spdVolumesRemainder");
-    spdDeleteLastAct =
-        named(new QPushButton(QStringLiteral("Удалить последний акт"), page), "spdDeleteLastAct");
-    buttons->addWidget(spdVolumesZero);
-    buttons->addWidget(spdVolumesRemainder);
-    buttons->addStretch(1);
-    buttons->addWidget(spdDeleteLastAct);
-    v->addLayout(buttons);
-    v->addWidget(new QLabel(QStringLiteral("Составленные акты по объёмам"), page));
-    GridActs = named(new QTableView(page), "GridActs");
-    m_acts = new QStandardItemModel(0, 4, this);
-    m_acts->setHorizontalHeaderLabels({QStringLiteral("№ акта"), QStringLiteral("Дата"),
-                                       QStringLiteral("Отчетный период"), QStringLiteral("Сумма")});
-    GridActs->setModel(m_acts);
-    GridActs->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    GridActs->verticalHeader()->hide();
-    GridActs->horizontalHeader()->setSectionResizeMode(2, QHeaderView::Stretch);
-    v->addWidget(GridActs, 1);
-
-    connect(&m_volumes, &ActVolumesModel::edited, this, &TFormKS2::showVolumesState);
-    connect(spdVolumesZero, &QPushButton::clicked, this, [this] { m_volumes.setAll(QStringLiteral("0")); });
-    connect(spdVolumesRemainder, &QPushButton::clicked, &m_volumes, &ActVolumesModel::resetToRemainder);
-    connect(spdDeleteLastAct, &QPushButton::clicked, this, &TFormKS2::spdDeleteLastActClick);
-    return page;
-}
-
 // ----- Entering and leaving
 
 void TFormKS2::enter() {
@@ -329,9 +281,7 @@ void TFormKS2::enter() {
     ComboBoxPodryad->lineEdit()->setPlaceholderText(h.contractor);
     ComboBoxObject->lineEdit()->setPlaceholderText(h.object);
     EditNameWork->setPlaceholderText(h.nameWork);
-    m_readTyped = ActVolumes::typed(db);
-    m_entered = false; // the volumes start from what the document holds
-    refreshVolumes();
+    VolumesPage->enter();
     m_entered = true;
 }
 
@@ -340,12 +290,12 @@ bool TFormKS2::leave() {
         return true;
     QScopedValueRollback<bool> leaving(m_leaving, true);
     const QMap<QString, QString> now = values();
-    const QMap<QString, QString> typed = m_volumes.typed();
     TModuleSQL *module = m_doc.module();
     QSqlDatabase db = module ? module->database(Db::Smeta) : QSqlDatabase();
     QString why;
-    const bool written = db.isOpen() && ActFields::write(db, now, &why) &&
-                         (typed == m_readTyped || ActVolumes::saveTyped(db, typed, &why));
+    bool volumesChanged = false;
+    const bool written =
+        db.isOpen() && ActFields::write(db, now, &why) && VolumesPage->leave(&volumesChanged, &why);
     if (!written) {
         dialogs().tell(Captions::error,
                        QStringLiteral("Данные акта не записаны в смету: %1")
@@ -353,10 +303,9 @@ bool TFormKS2::leave() {
                        Dialogs::Icon::Error);
         return false;
     }
-    if (now != m_read || typed != m_readTyped)
+    if (now != m_read || volumesChanged)
         m_doc.setChanged(true);
     m_read = now;
-    m_readTyped = typed;
     return true;
 }
 
@@ -463,9 +412,14 @@ void TFormKS2::closeEvent(QCloseEvent *event) {
 
 void TFormKS2::changeEvent(QEvent *event) {
     QWidget::changeEvent(event);
-    // Turning to another window leaves the act data, so that what is done there finds it current.
-    if (event->type() == QEvent::ActivationChange && !isActiveWindow() && m_entered && isVisible())
+    if (event->type() != QEvent::ActivationChange || !m_entered || !isVisible())
+        return;
+    // Turning to another window leaves the act data, so that what is done there finds it current;
+    // coming back shows the estimate's rows as they are now.
+    if (!isActiveWindow())
         leave();
+    else if (PageControl->currentIndex() == 1 && !m_leaving)
+        refreshVolumes();
 }
 
 // ----- Handlers
@@ -515,66 +469,10 @@ void TFormKS2::EditSumSmetChange() {
     EditSummaWord->setText(ActData::valueInWords(EditSumSmet->text(), m_doc.header().currency));
 }
 
-// ----- The volumes
-
 void TFormKS2::refreshVolumes() {
-    TModuleSQL *module = m_doc.module();
-    QSqlDatabase db = module ? module->database(Db::Smeta) : QSqlDatabase();
-    const QMap<QString, QString> typed = m_entered ? m_volumes.typed() : m_readTyped;
-    EstimatePrint estimate = m_doc.print();
-    // Rows the document has not numbered yet get their work ids (no edit of the document).
-    const bool unnumbered =
-        std::any_of(estimate.rows.cbegin(), estimate.rows.cend(), [](const EstimatePrint::Row &r) {
-            return r.kind == EstimatePrint::Kind::Work && r.id.isEmpty();
-        });
-    if (unnumbered) {
-        QString why;
-        if (m_doc.writeWorkingDatabase(&why))
-            estimate = m_doc.print();
-    }
-    const QVector<ActVolumes::Act> history = ActVolumes::history(db);
-    m_volumes.load(ActVolumes::volumes(ActVolumes::estimateRows(estimate), history, typed));
-    m_acts->setRowCount(0);
-    for (const ActVolumes::Act &a : history) {
-        QList<QStandardItem *> items{new QStandardItem(a.number),
-                                     new QStandardItem(TextValues::shortDate(a.date)),
-                                     new QStandardItem(a.periodFrom + QStringLiteral(" – ") + a.periodTo),
-                                     new QStandardItem(a.grand.grouped())};
-        items.last()->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        m_acts->appendRow(items);
-    }
-    spdDeleteLastAct->setEnabled(!history.isEmpty());
-    showVolumesState();
+    VolumesPage->refresh();
 }
 
-void TFormKS2::showVolumesState() {
-    const bool byVolumes = m_acts->rowCount() > 0 || !m_volumes.typed().isEmpty();
-    QString text = byVolumes ? QStringLiteral("Акт включит количества столбца «В этом акте».")
-                             : QStringLiteral("Актов по объёмам нет: акт включит всю смету. Чтобы закрыть "
-                                              "часть работ, измените количества в столбце «В этом акте».");
-    if (const int problems = m_volumes.problemCount(); problems > 0)
-        text += QStringLiteral(" Ячейки, отмеченные красным (%1), не приняты: акт не составляется, пока они "
-                               "не исправлены.")
-                    .arg(problems);
-    LabelVolumes->setText(text);
-}
-
-void TFormKS2::spdDeleteLastActClick() {
-    TModuleSQL *module = m_doc.module();
-    QSqlDatabase db = module ? module->database(Db::Smeta) : QSqlDatabase();
-    const QVector<ActVolumes::Act> history = ActVolumes::history(db);
-    if (history.isEmpty())
-        return;
-    const ActVolumes::Act &last = history.constLast();
-    if (dialogs().ask(Captions::deletion,
-                      QStringLiteral("Удалить акт № %1 от %2? Его объёмы снова войдут в остаток.")
-                          .arg(last.number, TextValues::shortDate(last.date))) != Dialogs::Answer::Yes)
-        return;
-    QString why;
-    if (!ActVolumes::deleteLast(db, &why)) {
-        dialogs().tell(Captions::error, QStringLiteral("Акт не удалён: %1").arg(why), Dialogs::Icon::Error);
-        return;
-    }
-    m_doc.setChanged(true);
-    refreshVolumes();
+ActVolumesModel &TFormKS2::volumes() {
+    return VolumesPage->model();
 }

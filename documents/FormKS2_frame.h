@@ -5,11 +5,11 @@
 // typed for the next act). The window leaves when it closes and whenever the user turns to another
 // window, so that an act made or a document saved meanwhile finds the fields current.
 
-#include "ActVolumesModel.h"
-
 #include <QMap>
 #include <QWidget>
 
+class ActVolumesModel;
+class ActVolumesPage;
 class EstimateDocument;
 class QComboBox;
 class QDateEdit;
@@ -17,9 +17,7 @@ class QLabel;
 class QLineEdit;
 class QPushButton;
 class QRadioButton;
-class QStandardItemModel;
 class QTabWidget;
-class QTableView;
 class SettingsStore;
 
 class TFormKS2 : public QWidget {
@@ -48,7 +46,6 @@ public:
     void spdSdalClick();          // "Записать имя подрядчика"
     void spdPrinalClick();        // "Записать имя заказчика"
     void RadioButton1Click();     // which signatories row is shown
-    void spdDeleteLastActClick();
     void EditSumSmetChange();
 
     QTabWidget *PageControl = nullptr;
@@ -81,18 +78,12 @@ public:
     QPushButton *btnPodryad = nullptr;
     QPushButton *btnWriteSdal = nullptr;
     QPushButton *btnWritePrinal = nullptr;
-    QWidget *RowOrganizations = nullptr; // the signatories' positions
-    QWidget *RowOwners = nullptr;        // the apartment number
-    // The page "Объёмы акта".
-    QTableView *GridVolumes = nullptr;
-    QTableView *GridActs = nullptr;
-    QLabel *LabelVolumes = nullptr;
-    QPushButton *spdVolumesZero = nullptr;
-    QPushButton *spdVolumesRemainder = nullptr;
-    QPushButton *spdDeleteLastAct = nullptr;
+    QWidget *RowOrganizations = nullptr;   // the signatories' positions
+    QWidget *RowOwners = nullptr;          // the apartment number
+    ActVolumesPage *VolumesPage = nullptr; // the page "Объёмы акта"
     QPushButton *btnClose = nullptr;
 
-    ActVolumesModel &volumes() { return m_volumes; }
+    ActVolumesModel &volumes();
 
 signals:
     // "Заказчики и объекты", "Данные подрядчика": the registers' windows.
@@ -106,18 +97,12 @@ protected:
 private:
     void build();
     QWidget *buildDataPage();
-    QWidget *buildVolumesPage();
     void showValues(const QMap<QString, QString> &values);
     void fillObjects(const QString &customer);
-    void showVolumesState();
-    QMap<QString, QString> typedVolumes() const;
 
     EstimateDocument &m_doc;
     SettingsStore *m_store;
-    ActVolumesModel m_volumes;
-    QStandardItemModel *m_acts = nullptr;
-    QMap<QString, QString> m_read;      // the fields as entering found them
-    QMap<QString, QString> m_readTyped; // the typed volumes as entering found them
+    QMap<QString, QString> m_read; // the fields as entering found them
     bool m_entered = false;
     bool m_showing = false; // fields are being set: no lookups
     bool m_leaving = false; // a message of leave() takes the focus: no second leave

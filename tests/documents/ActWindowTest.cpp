@@ -6,6 +6,7 @@
 
 #include "ScriptedDialogs.h"
 #include "Widgets.h"
+#include "documents/ActVolumesPage.h"
 #include "documents/FormKS2_frame.h"
 
 #include <QComboBox>
@@ -183,14 +184,14 @@ TEST_F(ActWindow, VolumesPageRefusesLettersAndKeepsWhatWasTyped) {
     EXPECT_EQ(text(0, ActVolumeCol::Name), QStringLiteral("РАЗДЕЛ 1. Стены"));
     EXPECT_EQ(text(line(0), ActVolumeCol::Estimate), QStringLiteral("100"));
     EXPECT_EQ(text(line(0), ActVolumeCol::ThisAct), QStringLiteral("100")) << "the remainder by default";
-    EXPECT_TRUE(form->LabelVolumes->text().startsWith(QStringLiteral("Актов по объёмам нет")));
+    EXPECT_TRUE(form->VolumesPage->LabelVolumes->text().startsWith(QStringLiteral("Актов по объёмам нет")));
 
     const QModelIndex cell = m.index(line(0), ActVolumeCol::ThisAct);
     ASSERT_TRUE(m.setData(cell, QStringLiteral("3О"), Qt::EditRole));
     EXPECT_TRUE(m.data(cell, Qt::BackgroundRole).isValid()) << "the cell is red";
     EXPECT_TRUE(m.data(cell, Qt::ToolTipRole).toString().contains(QStringLiteral("не является числом")));
     EXPECT_EQ(text(line(0), ActVolumeCol::Remainder), QString());
-    EXPECT_TRUE(form->LabelVolumes->text().contains(QStringLiteral("не приняты")));
+    EXPECT_TRUE(form->VolumesPage->LabelVolumes->text().contains(QStringLiteral("не приняты")));
     ASSERT_TRUE(form->leave());
     ActJob job;
     QString why;
@@ -211,10 +212,10 @@ TEST_F(ActWindow, VolumesPageRefusesLettersAndKeepsWhatWasTyped) {
     form->show();
     form->PageControl->setCurrentIndex(1);
     screenshot(form.get(), "form-ks2-volumes.png");
-    form->spdVolumesZero->click();
+    form->VolumesPage->spdVolumesZero->click();
     EXPECT_EQ(m.typed().size(), 4);
     EXPECT_EQ(text(line(3), ActVolumeCol::ThisAct), QStringLiteral("0"));
-    form->spdVolumesRemainder->click();
+    form->VolumesPage->spdVolumesRemainder->click();
     EXPECT_TRUE(m.typed().isEmpty());
 }
 

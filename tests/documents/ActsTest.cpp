@@ -8,6 +8,7 @@
 #include "documents/ActRegister.h"
 #include "documents/ActSheet.h"
 #include "documents/ActVolumes.h"
+#include "estimate/EstimateGrid.h"
 #include "estimate/EstimateHeader.h"
 #include "estimate/Registration.h"
 #include "office/TemplateNames.h"
@@ -250,6 +251,19 @@ TEST_F(Acts, BadInputIsRefusedWithItsReason) {
     EXPECT_EQ(ActData::periodProblem(QDate(2025, 3, 2), QDate(2025, 3, 1)),
               QStringLiteral("Начало периода не должно превышать окончание"));
     EXPECT_EQ(ActData::periodProblem(QDate(2025, 3, 1), QDate(2025, 3, 1)), QString());
+}
+
+TEST_F(Acts, ARowTypedSinceTheLastWriteIsNumberedBeforeAnActByVolumes) {
+    type({{"1", "10"}});
+    EstimateGrid &g = doc->grid();
+    g.setGridRowCount(g.gridRowCount() + 1);
+    ASSERT_TRUE(g.setData(g.index(g.rowCount() - 1, EstimateCol::Name), QStringLiteral("Грунтовка стен"),
+                          Qt::EditRole));
+    const QString why1 = refusal(request(ActKind::Ks2, QStringLiteral("1")));
+    EXPECT_TRUE(why1.contains(QStringLiteral("Запишите смету"))) << why1.toStdString();
+    QString why;
+    ASSERT_TRUE(doc->writeWorkingDatabase(&why)) << why.toStdString();
+    prepared(request(ActKind::Ks2, QStringLiteral("1")));
 }
 
 TEST_F(Acts, PartialActsCloseTheirVolumesAndNeverMoreThanTheEstimate) {
