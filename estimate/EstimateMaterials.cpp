@@ -134,6 +134,10 @@ QString EstimateMaterials::cellProblem(int row, int col) const {
     return row >= 0 && row < rowCount() ? m_rows[static_cast<size_t>(row)].problems.value(col) : QString();
 }
 
+QString EstimateMaterials::rowId(int row) const {
+    return row >= 0 && row < rowCount() ? m_rows[static_cast<size_t>(row)].id : QString();
+}
+
 int EstimateMaterials::rowCount(const QModelIndex &parent) const {
     return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
 }

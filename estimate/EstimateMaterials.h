@@ -32,6 +32,8 @@ public:
     bool removeRows(int first, int last);
     QString lastError() const { return m_error; }
     QString cellProblem(int row, int col) const;
+    // The material's _id in the table (the acts keep their volumes by it).
+    QString rowId(int row) const;
     // How many cells are marked.
     int problemCellCount() const;
 

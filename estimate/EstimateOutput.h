@@ -33,6 +33,25 @@ QString currencySign(int currency);
 // Everything the template of the sheet receives.
 SheetData sheetData(const EstimatePrint &print, const Sheet &sheet, const ViewTitles &titles);
 
+// The statement of cost (КС-3): one line per section of the estimate with the section's total (or one
+// line for all the works), the materials and what the coefficient lines added; then the closing lines
+// "Итого", "Сумма НДС", "Всего с учетом НДС". Each amount is given since the start of the work, since
+// the start of the year and for the reporting period.
+struct StatementLine {
+    QString name;
+    Money sinceStart, sinceYear, period;
+};
+struct Statement {
+    QVector<StatementLine> lines;
+    QVector<StatementLine> closing;
+};
+// The lines of one estimate (or act) with their amounts.
+QVector<EstimatePrint::Line> statementLines(const EstimatePrint &print);
+// A statement of one act covering the whole estimate: the three amounts of a line are the same.
+Statement statement(const EstimatePrint &print);
+// Puts a statement into the sheet's data: its two lists (lines, closing lines) and the total items.
+void putStatement(SheetData &data, const Statement &statement);
+
 // The rows whose amounts were left out (cells to be fixed), as a warning for the user after output;
 // empty when there are none.
 QString leftOutWarning(const EstimatePrint &print);

@@ -1,5 +1,6 @@
 #include "EstimateStore.h"
 
+#include "ActFields.h"
 #include "CrewGrid.h"
 #include "EstimateGrid.h"
 #include "MaterialsStore.h"
@@ -82,11 +83,9 @@ bool readSmeta(QSqlDatabase db, EstimateGrid &grid, CrewGrid &crew, QString *err
     grid.setAllRows(std::move(rows));
     crew.setAllRows(std::move(crewRows));
 
-    QSqlQuery ks2(db);
-    if (!ks2.exec(QStringLiteral("SELECT * FROM ks2 WHERE 1")))
-        return fail(ks2, error);
-    if (!ks2.next())
-        writeDefaultActSettings(db);
+    // The act data: a document without it, or an older one with fewer fields, gets the defaults (the
+    // estimate loads without them when they cannot be written; the act data window writes them again).
+    ActFields::ensureRows(db);
     return true;
 }
 
@@ -160,46 +159,6 @@ bool writeParameters(QSqlDatabase db, const Parameters &params, QString *error) 
     return true;
 }
 
-Parameters defaultActSettings() {
-    const QString today = TextValues::shortDate(QDate::currentDate());
-    return {{"ComboBoxZakaz", ""},
-            {"ZEditAddress", ""},
-            {"ZEditPhone", ""},
-            {"ZEditFax", ""},
-            {"ComboBoxPodryad", ""},
-            {"PEditAddress", ""},
-            {"PEditPhone", ""},
-            {"PEditFax", ""},
-            {"ComboBoxTypeWork", "Наименование стройки"},
-            {"EditNameWork", ""},
-            {"AddressWork", ""},
-            {"ComboBoxObject", ""},
-            {"EditNumDoc", ""},
-            {"DateEditContract", today},
-            {"EditSumSmet", ""},
-            {"SummaWord", ""},
-            {"EditSdal", ""},
-            {"EditDolSdal", "Прораб"},
-            {"EditPrinal", ""},
-            {"EditDolPrinal", "Представитель"},
-            {"EditNumKv", ""},
-            {"DateEditPeriodS", today},
-            {"DateEditPeriodPo", today},
-            {"RadioButton1", "0"}};
-}
-
-bool writeDefaultActSettings(QSqlDatabase db) {
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("INSERT INTO ks2 (name, value) VALUES (?, ?)"));
-    for (const auto &p : defaultActSettings()) {
-        q.addBindValue(p.first);
-        q.addBindValue(p.second);
-        if (!q.exec())
-            return false;
-    }
-    return true;
-}
-
 bool writeDefaultKoefLines(QSqlDatabase db) {
     // type: "work" applies to works, "mat" to materials, "all" to both; checked "-1" on, "0" off.
     struct Line {
@@ -252,15 +211,18 @@ bool createNewDoc(TModuleSQL &module, EstimateGrid &grid, CrewGrid &crew, QStrin
         if (!MaterialsStore::clear(smeta, &why) ||
             !Schema::clearTables(smeta,
                                  {QStringLiteral("koef"), QStringLiteral("ks2"), QStringLiteral("mydoc"),
-                                  QStringLiteral("Account")},
+                                  QStringLiteral("Account"), QStringLiteral("actlist"),
+                                  QStringLiteral("actvolume")},
                                  &why))
             return why;
         // No table of today's layout: a leftover of older documents goes.
         QSqlQuery q(smeta);
         if (!q.exec(QStringLiteral("DROP TABLE IF EXISTS cashstorage")))
             return q.lastError().text();
-        if (!writeDefaultActSettings(smeta) || !writeDefaultKoefLines(smeta))
-            return QStringLiteral("не удалось записать настройки акта и строки коэффициентов");
+        if (!ActFields::ensureRows(smeta, &why))
+            return why;
+        if (!writeDefaultKoefLines(smeta))
+            return QStringLiteral("не удалось записать строки коэффициентов");
         return t.commit() ? QString() : t.error();
     };
     if (const QString why = reset(); !why.isEmpty()) {

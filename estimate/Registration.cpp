@@ -128,17 +128,17 @@ bool draftAfterOpen(const QString &note, bool inDraftsFolder) {
     return inDraftsFolder;
 }
 
-bool countEstimate(QSqlDatabase people, const QString &customer, const QString &object, const QString &number,
-                   QString *error) {
+namespace {
+
+// Raises the counter column of the customer/object pair to `value` (a new pair is inserted with it);
+// a counter already at or past it stays. Read and written under one write lock, so that two programs
+// counting for the same pair make one record.
+bool raiseCounter(QSqlDatabase people, const QString &customer, const QString &object, const QString &column,
+                  qlonglong value, QString *error) {
     const QString client = TextValues::nameToStored(customer.simplified());
     const QString obj = TextValues::nameToStored(object.simplified());
     if (client.isEmpty() || obj.isEmpty())
         return true;
-    bool ok = false;
-    const qlonglong n = number.trimmed().toLongLong(&ok);
-    const qlonglong value = ok && n > 0 ? n : 1;
-
-    // Read and write under one write lock: two programs saving for the same pair make one record.
     Transaction t(people);
     if (!t.active()) {
         if (error)
@@ -146,7 +146,7 @@ bool countEstimate(QSqlDatabase people, const QString &customer, const QString &
         return false;
     }
     QSqlQuery q(people);
-    q.prepare(QStringLiteral("SELECT id, Smeta FROM NumDoc WHERE Client=? AND Object=?"));
+    q.prepare(QStringLiteral("SELECT id, %1 FROM NumDoc WHERE Client=? AND Object=?").arg(column));
     q.addBindValue(client);
     q.addBindValue(obj);
     if (!q.exec()) {
@@ -161,12 +161,12 @@ bool countEstimate(QSqlDatabase people, const QString &customer, const QString &
         if (value <= current)
             return true; // nothing to write: the guard ends the transaction
 
-        q.prepare(QStringLiteral("UPDATE NumDoc SET Smeta=? WHERE id=?"));
+        q.prepare(QStringLiteral("UPDATE NumDoc SET %1=? WHERE id=?").arg(column));
         q.addBindValue(value);
         q.addBindValue(id);
     } else {
         q.finish();
-        q.prepare(QStringLiteral("INSERT INTO NumDoc (Client, Object, Smeta) values (?, ?, ?)"));
+        q.prepare(QStringLiteral("INSERT INTO NumDoc (Client, Object, %1) values (?, ?, ?)").arg(column));
         q.addBindValue(client);
         q.addBindValue(obj);
         q.addBindValue(value);
@@ -182,6 +182,47 @@ bool countEstimate(QSqlDatabase people, const QString &customer, const QString &
         return false;
     }
     return true;
+}
+
+// A positive whole number, else 0.
+qlonglong positiveNumber(const QString &number) {
+    bool ok = false;
+    const qlonglong n = number.trimmed().toLongLong(&ok);
+    return ok && n > 0 ? n : 0;
+}
+
+} // namespace
+
+bool countEstimate(QSqlDatabase people, const QString &customer, const QString &object, const QString &number,
+                   QString *error) {
+    const qlonglong n = positiveNumber(number);
+    return raiseCounter(people, customer, object, QStringLiteral("Smeta"), n > 0 ? n : 1, error);
+}
+
+bool countAct(QSqlDatabase people, const QString &customer, const QString &object, const QString &number,
+              QString *error) {
+    const qlonglong n = positiveNumber(number);
+    return raiseCounter(people, customer, object, QStringLiteral("Act"), n > 0 ? n + 1 : 1, error);
+}
+
+qlonglong actCounter(QSqlDatabase people, const QString &customer, const QString &object) {
+    QSqlQuery q(people);
+    q.prepare(QStringLiteral("SELECT Act FROM NumDoc WHERE Client=? AND Object=?"));
+    q.addBindValue(TextValues::nameToStored(customer.simplified()));
+    q.addBindValue(TextValues::nameToStored(object.simplified()));
+    if (!q.exec() || !q.next())
+        return 0;
+    return q.value(0).toLongLong();
+}
+
+Link link(QSqlDatabase document) {
+    Link l;
+    QSqlQuery q(document);
+    if (q.exec(QStringLiteral("SELECT * FROM mydoc WHERE 1")) && q.next()) {
+        l.id = q.value(QStringLiteral("iddoc")).toLongLong();
+        l.note = q.value(QStringLiteral("note")).toString().trimmed();
+    }
+    return l;
 }
 
 } // namespace Registration

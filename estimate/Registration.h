@@ -60,5 +60,20 @@ QString money(const QString &text);
 // Nothing is done without both a customer and an object. False with the reason on failure.
 bool countEstimate(QSqlDatabase people, const QString &customer, const QString &object, const QString &number,
                    QString *error = nullptr);
+// The act counter of the pair (column Act) holds the number the next act takes: an act made with the
+// number N raises it to N + 1 (a pair without a record gets one; an act whose number is not a whole
+// number counts as act 0 and only makes sure the record exists). Same rules as above otherwise.
+bool countAct(QSqlDatabase people, const QString &customer, const QString &object, const QString &number,
+              QString *error = nullptr);
+// The act counter of the pair; 0 when there is none.
+qlonglong actCounter(QSqlDatabase people, const QString &customer, const QString &object);
+
+// The register row the document is entered under (its mydoc row): id 0 and an empty note when the
+// document was never saved.
+struct Link {
+    qlonglong id = 0;
+    QString note; // kDoc or kDraft
+};
+Link link(QSqlDatabase document);
 
 } // namespace Registration

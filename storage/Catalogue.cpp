@@ -108,6 +108,22 @@ QList<SchemaStep> smetaSteps() {
          true},
         // The rates' resources find their material by name on every quantity edit.
         {2, "estimate", {}, {index("materials", {"namemat"})}},
+        // Acts by completed volumes (owner: the acts, documents/ActVolumes). actlist: one row per act
+        // made, with its number, date, reporting period and totals; actvolume: the rows each act
+        // closed (idact), keyed by the estimate row ("w" + idwork, "m" + the material's _id), with
+        // what the act printed; rows of idact 0 hold the quantities typed for the next act.
+        {3,
+         "documents",
+         {},
+         {table("actlist", "id",
+                {"number", "data", "date_compare", "periods", "periodpo", "year", "worksraw", "materialsraw",
+                 "works", "materials", "vat", "grand"}),
+          QStringLiteral(
+              "CREATE TABLE IF NOT EXISTS actvolume (id INTEGER PRIMARY KEY AUTOINCREMENT, "
+              "idact INTEGER, rowkey TEXT, kind TEXT, section TEXT, sectiontotal TEXT, subsection TEXT, "
+              "subsectiontotal TEXT, numpos TEXT, edras TEXT, nameras TEXT, edizm TEXT, kolvo TEXT, "
+              "price TEXT, summa TEXT)"),
+          index("actlist", {"number"}), index("actvolume", {"idact"})}},
     };
 }
 

@@ -49,6 +49,15 @@ TEST(TableOwners, OnlyTheOwnersWriteWhatTheyOwn) {
         {"the clipboard of the grid is written by the clipboard",
          R"("\s*(INSERT\s+INTO|UPDATE|DELETE\s+FROM)\s+PopupMenuEdit\b)",
          {"estimate/RowClipboard.cpp"}},
+        {"the act data of the document is written by its store",
+         R"("\s*(INSERT\s+INTO|UPDATE|DELETE\s+FROM)\s+ks2\b)",
+         {"estimate/ActFields.cpp"}},
+        {"the acts' register rows are written by the acts",
+         R"("\s*(INSERT\s+INTO|UPDATE|DELETE\s+FROM)\s+act\b)",
+         {"documents/ActRegister.cpp"}},
+        {"the acts by volumes are written by their store",
+         R"("\s*(INSERT\s+INTO|UPDATE|DELETE\s+FROM)\s+(actlist|actvolume)\b)",
+         {"documents/ActVolumes.cpp"}},
     };
     const QStringList sources = programSources();
     ASSERT_GT(sources.size(), 20) << VIRN_SOURCE_DIR;
