@@ -93,7 +93,8 @@ TEST_F(DefaultTemplate, InvoiceReceivesTheStoredItems) {
         "ComboBoxZakaz", "ComboBoxNameWork", "edSumma1",    "EditNameWork2", "edSumma2",
         "EditNameWork3", "edSumma3",         "SpinEditNDS", "inn",           "kpp",
         "boss",          "glavbuh",          "account",     "bank",          "bik",
-        "koraccount",    "summaword",        "nds"};
+        "koraccount",    "summaword",        "nds",         "CheckBoxNDS",   "rbtSumma",
+        "CheckBoxWork",  "CheckBoxMat",      "ToggleSwitch1"};
     const QStringList named =
         SheetTemplate::analyse(sheetOf(QStringLiteral("Шаблон Счет на оплату.xls")), SheetData()).named;
     for (const QString &item : items)
