@@ -47,20 +47,20 @@ bool record(QSqlDatabase mydoc, const Entry &e, QString *error) {
             if (q.next()) {
                 const QVariant id = q.value(0);
                 q.finish();
-                return RecordIo::run(mydoc,
-                                     QStringLiteral("UPDATE account SET data=?, date_compare=?, number=?, name=?, "
-                                                    "filename=?, allsum=?, month=?, year=? WHERE id=?"),
-                                     {data, compare, e.number, label(e.number), e.fileName, e.allsum, month, year, id},
-                                     error);
+                return RecordIo::run(
+                    mydoc,
+                    QStringLiteral("UPDATE account SET data=?, date_compare=?, number=?, name=?, "
+                                   "filename=?, allsum=?, month=?, year=? WHERE id=?"),
+                    {data, compare, e.number, label(e.number), e.fileName, e.allsum, month, year, id}, error);
             }
             q.finish();
-            return RecordIo::run(mydoc,
-                                 QStringLiteral("INSERT INTO account (iddoc, data, date_compare, number, name, "
-                                                "filename, ext, allsum, month, year) values(%1)")
-                                     .arg(RecordIo::placeholders(10)),
-                                 {e.iddoc, data, compare, e.number, label(e.number), e.fileName, e.ext, e.allsum,
-                                  month, year},
-                                 error);
+            return RecordIo::run(
+                mydoc,
+                QStringLiteral("INSERT INTO account (iddoc, data, date_compare, number, name, "
+                               "filename, ext, allsum, month, year) values(%1)")
+                    .arg(RecordIo::placeholders(10)),
+                {e.iddoc, data, compare, e.number, label(e.number), e.fileName, e.ext, e.allsum, month, year},
+                error);
         },
         error);
 }

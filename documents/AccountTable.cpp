@@ -59,7 +59,8 @@ QVector<InvoiceService> services(QSqlDatabase doc) {
         while (q.next()) {
             bool ok = false;
             const int n = q.value(3).toString().mid(kRowPrefix.size()).toInt(&ok);
-            rows.append({ok ? n : INT_MAX, q.value(0).toLongLong(), {q.value(1).toString(), q.value(2).toString()}});
+            rows.append(
+                {ok ? n : INT_MAX, q.value(0).toLongLong(), {q.value(1).toString(), q.value(2).toString()}});
         }
     }
     std::stable_sort(rows.begin(), rows.end(), [](const Numbered &a, const Numbered &b) {
@@ -76,12 +77,13 @@ bool setValue(QSqlDatabase doc, const QString &name, const QString &value, QStri
         doc,
         [&] {
             int changed = 0;
-            if (!RecordIo::run(doc, QStringLiteral("UPDATE Account SET value=? WHERE name=? AND %1").arg(kItemsWhere),
-                               {value, name}, error, &changed))
+            if (!RecordIo::run(
+                    doc, QStringLiteral("UPDATE Account SET value=? WHERE name=? AND %1").arg(kItemsWhere),
+                    {value, name}, error, &changed))
                 return false;
             return changed > 0 ||
-                   RecordIo::run(doc, QStringLiteral("INSERT INTO Account (name, value) values (?,?)"), {name, value},
-                                 error);
+                   RecordIo::run(doc, QStringLiteral("INSERT INTO Account (name, value) values (?,?)"),
+                                 {name, value}, error);
         },
         error);
 }
@@ -90,13 +92,15 @@ bool writeServices(QSqlDatabase doc, const QVector<InvoiceService> &list, QStrin
     return RecordIo::inTransaction(
         doc,
         [&] {
-            return RecordIo::run(doc, QStringLiteral("DELETE FROM Account WHERE note LIKE 'Row%'"), {}, error) &&
+            return RecordIo::run(doc, QStringLiteral("DELETE FROM Account WHERE note LIKE 'Row%'"), {},
+                                 error) &&
                    insertServices(doc, list, error);
         },
         error);
 }
 
-bool rebuild(QSqlDatabase doc, const QVector<Item> &list, const QVector<InvoiceService> &services, QString *error) {
+bool rebuild(QSqlDatabase doc, const QVector<Item> &list, const QVector<InvoiceService> &services,
+             QString *error) {
     return RecordIo::inTransaction(
         doc,
         [&] {

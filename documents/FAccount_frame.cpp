@@ -139,8 +139,9 @@ QWidget *TFAccount::buildInvoiceBox() {
     m_sellerName->setCheckable(true);
     m_sellerName->setAutoDefault(false);
     m_sellerName->setToolTip(QStringLiteral("Показывать в списке имена подрядчиков для договора и счёта"));
-    m_sellerLegal = named(new QCheckBox(QStringLiteral("Добавлять к имени юридические данные подрядчика"), box),
-                          "CheckBoxUridPodryad");
+    m_sellerLegal =
+        named(new QCheckBox(QStringLiteral("Добавлять к имени юридические данные подрядчика"), box),
+              "CheckBoxUridPodryad");
     m_buyer = named(new QComboBox(box), "ComboBoxZakaz");
     m_buyerLegal = named(new QCheckBox(QStringLiteral("Добавлять к имени юридические данные заказчика"), box),
                          "CheckBoxUridZakaz");
@@ -207,7 +208,8 @@ QWidget *TFAccount::buildServicesBox() {
     m_grid = named(new QTableView(box), "StringGridUslug");
     m_grid->setModel(m_model);
     m_grid->verticalHeader()->hide();
-    m_grid->horizontalHeader()->setSectionResizeMode(InvoiceServicesModel::Number, QHeaderView::ResizeToContents);
+    m_grid->horizontalHeader()->setSectionResizeMode(InvoiceServicesModel::Number,
+                                                     QHeaderView::ResizeToContents);
     m_grid->horizontalHeader()->setSectionResizeMode(InvoiceServicesModel::Name, QHeaderView::Stretch);
     m_grid->setColumnWidth(InvoiceServicesModel::Price, 120);
     m_grid->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -222,7 +224,8 @@ QWidget *TFAccount::buildServicesBox() {
     new QShortcut(QKeySequence(Qt::Key_Insert), m_grid, [this] { spdAddUslugClick(); });
     new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Delete), m_grid, [this] { spdDelUslugClick(); });
 
-    m_oneLine = named(new QCheckBox(QStringLiteral("Услуга одной строкой  (сметная стоимость)"), box), "ToggleSwitch1");
+    m_oneLine = named(new QCheckBox(QStringLiteral("Услуга одной строкой  (сметная стоимость)"), box),
+                      "ToggleSwitch1");
     m_works = named(new QCheckBox(QStringLiteral("Работа"), box), "CheckBoxWork");
     m_materials = named(new QCheckBox(QStringLiteral("Материалы"), box), "CheckBoxMat");
     m_total = named(new QLineEdit(box), "EditItogo");
@@ -277,7 +280,8 @@ QWidget *TFAccount::buildVatBox() {
 
     m_vat->setChecked(m_invoice.form.vatOn());
     m_rate->setValue(m_invoice.form.vatRate());
-    (m_invoice.form.vatChoice() == InvoiceForm::VatChoice::Added ? m_vatAdded : m_vatIncluded)->setChecked(true);
+    (m_invoice.form.vatChoice() == InvoiceForm::VatChoice::Added ? m_vatAdded : m_vatIncluded)
+        ->setChecked(true);
     connect(m_vat, &QCheckBox::clicked, this, &TFAccount::vatChanged);
     connect(m_rate, &QSpinBox::valueChanged, this, &TFAccount::vatChanged);
     connect(m_vatAdded, &QRadioButton::clicked, this, &TFAccount::vatChanged);
@@ -301,7 +305,8 @@ QWidget *TFAccount::buildDetailsBox() {
     }
     m_qr = named(new QCheckBox(QStringLiteral("QR-код для оплаты"), box), "CheckBoxQR");
     m_qr->setChecked(m_invoice.qr);
-    m_qr->setToolTip(QStringLiteral("Код ГОСТ Р 56042-2014: банковское приложение покупателя заполнит платёж"));
+    m_qr->setToolTip(
+        QStringLiteral("Код ГОСТ Р 56042-2014: банковское приложение покупателя заполнит платёж"));
     m_qrNote = named(new QLabel(box), "LabelQR");
     m_qrNote->setWordWrap(true);
     form->addRow(m_qr);
@@ -396,9 +401,10 @@ void TFAccount::refresh(bool servicesChanged) {
         m_amount->setText(f.amountText());
     const MoneyResult amount = f.amount();
     m_amount->setStyleSheet(amount.ok() ? QString() : kMarked);
-    m_amount->setToolTip(amount.ok() ? QString()
-                                     : QStringLiteral("Сумма «%1» %2")
-                                           .arg(f.amountText(), numberProblemText(amount.problem())));
+    m_amount->setToolTip(
+        amount.ok()
+            ? QString()
+            : QStringLiteral("Сумма «%1» %2").arg(f.amountText(), numberProblemText(amount.problem())));
     m_words->setText(m_invoice.amountInWords());
     m_total->setText(f.servicesTotal().text());
     const int bad = static_cast<int>(f.badPrices().size());
@@ -414,7 +420,8 @@ void TFAccount::refresh(bool servicesChanged) {
         m_works->setEnabled(!f.oneLine());
         m_materials->setEnabled(!f.oneLine());
     }
-    const QString obstacle = InvoicePayment::obstacle(InvoiceSheet::payee(m_invoice), InvoiceSheet::payment(m_invoice));
+    const QString obstacle =
+        InvoicePayment::obstacle(InvoiceSheet::payee(m_invoice), InvoiceSheet::payment(m_invoice));
     m_qrNote->setText(m_invoice.qr ? obstacle : QString());
 }
 
@@ -430,8 +437,8 @@ void TFAccount::spdSummaClick() {
 
 void TFAccount::servicesEdited() {
     QString error;
-    if (!AccountTable::writeServices(m_context.document->module()->database(Db::Smeta), m_invoice.form.services(),
-                                     &error))
+    if (!AccountTable::writeServices(m_context.document->module()->database(Db::Smeta),
+                                     m_invoice.form.services(), &error))
         reportFailure(QStringLiteral("Услуги счёта не записаны в смету"), error);
     refresh(false);
 }
@@ -454,7 +461,8 @@ void TFAccount::spdDelUslugClick() {
     m_invoice.form.removeService(row);
     refresh(true);
     if (m_model->rowCount() > 0)
-        m_grid->setCurrentIndex(m_model->index(qMin(row, m_model->rowCount() - 1), InvoiceServicesModel::Name));
+        m_grid->setCurrentIndex(
+            m_model->index(qMin(row, m_model->rowCount() - 1), InvoiceServicesModel::Name));
     servicesEdited();
 }
 
@@ -491,7 +499,8 @@ void TFAccount::vatChanged() {
 }
 
 void TFAccount::spdClearClick() {
-    if (dialogs().ask(QStringLiteral("Очистка"), QStringLiteral("Очистить платёжную форму?")) != Dialogs::Answer::Yes)
+    if (dialogs().ask(QStringLiteral("Очистка"), QStringLiteral("Очистить платёжную форму?")) !=
+        Dialogs::Answer::Yes)
         return;
     m_invoice.form.clear();
     refresh(true);

@@ -31,8 +31,9 @@ const QVector<Invoice::Detail> &Invoice::details() {
 }
 
 const QStringList &Invoice::currencies() {
-    static const QStringList list{QStringLiteral("Рубль РФ"), QStringLiteral("Доллар США"), QStringLiteral("Гривна"),
-                                  QStringLiteral("Белорусский рубль"), QStringLiteral("Тенге")};
+    static const QStringList list{QStringLiteral("Рубль РФ"), QStringLiteral("Доллар США"),
+                                  QStringLiteral("Гривна"), QStringLiteral("Белорусский рубль"),
+                                  QStringLiteral("Тенге")};
     return list;
 }
 

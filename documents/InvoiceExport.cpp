@@ -1,6 +1,7 @@
 #include "InvoiceExport.h"
 
 #include "AccountRegister.h"
+#include "InvoiceProducer.h"
 #include "InvoiceSheet.h"
 #include "office/FCustomPreview_frame.h"
 #include "office/OfficeEngine.h"
@@ -44,17 +45,21 @@ bool InvoiceExport::run(Kind kind, const Invoice &invoice, const QString &folder
     const QString xlsName = InvoiceSheet::windowFileName(invoice.number, invoice.date);
     const QString base = QFileInfo(xlsName).completeBaseName();
     // Files the program shows or prints live in the engine's scratch folder, which goes with the engine.
-    const QString scratch = QDir(dataFolder).filePath(
-        QStringLiteral("Temp/virn-office/work-%1/Счёт").arg(QCoreApplication::applicationPid()));
+    const QString scratch =
+        QDir(dataFolder)
+            .filePath(
+                QStringLiteral("Temp/virn-office/work-%1/Счёт").arg(QCoreApplication::applicationPid()));
     QVector<TemplateFile::Output> outputs;
     if (kind == Kind::Print) {
         QDir().mkpath(scratch);
-        outputs << TemplateFile::Output{QDir(scratch).filePath(base + QStringLiteral(".pdf")), QStringLiteral("pdf")};
+        outputs << TemplateFile::Output{QDir(scratch).filePath(base + QStringLiteral(".pdf")),
+                                        QStringLiteral("pdf")};
     } else {
         const bool pdf = kind == Kind::Pdf;
         const QString suffix = pdf ? QStringLiteral("pdf") : QStringLiteral("xls");
         const QString path = dialogs().saveFile(
-            pdf ? QStringLiteral("Экспорт в PDF") : QStringLiteral("Экспорт в Excel"), folder, base + u'.' + suffix,
+            pdf ? QStringLiteral("Экспорт в PDF") : QStringLiteral("Экспорт в Excel"), folder,
+            base + u'.' + suffix,
             pdf ? QStringLiteral("Документ PDF (*.pdf)") : QStringLiteral("Таблица Excel (*.xls)"), suffix);
         if (path.isEmpty())
             return false;
@@ -68,8 +73,8 @@ bool InvoiceExport::run(Kind kind, const Invoice &invoice, const QString &folder
     }
 
     m_busy = true;
-    auto *progress = new QProgressDialog(QStringLiteral("Подготовка счёта «%1»…").arg(base), QString(), 0, 100,
-                                         m_window);
+    auto *progress =
+        new QProgressDialog(QStringLiteral("Подготовка счёта «%1»…").arg(base), QString(), 0, 100, m_window);
     progress->setWindowTitle(QStringLiteral("Счет на оплату"));
     progress->setWindowModality(Qt::WindowModal);
     progress->setMinimumDuration(300);
@@ -97,7 +102,8 @@ bool InvoiceExport::run(Kind kind, const Invoice &invoice, const QString &folder
     return true;
 }
 
-void InvoiceExport::done(Kind kind, const Invoice &invoice, const QStringList &paths, bool ok, const QString &error) {
+void InvoiceExport::done(Kind kind, const Invoice &invoice, const QStringList &paths, bool ok,
+                         const QString &error) {
     if (!ok) {
         dialogs().tell(Captions::error, error, Dialogs::Icon::Error);
         emit finished(false, QString());
@@ -106,15 +112,11 @@ void InvoiceExport::done(Kind kind, const Invoice &invoice, const QStringList &p
     const QString written = paths.value(0);
     if (kind != Kind::Print) {
         const QString iddoc = AccountRegister::estimateId(m_module.database(Db::Smeta));
-        QString problem;
-        if (!iddoc.isEmpty() &&
-            !AccountRegister::record(m_module.database(Db::MyDoc),
-                                     {iddoc, invoice.date, invoice.number, written, QFileInfo(written).suffix(),
-                                      invoice.form.amount().valueOr(Money()).text()},
-                                     &problem))
-            dialogs().tell(Captions::warning,
-                           QStringLiteral("Счёт сохранён, но не внесён в реестр документов: %1").arg(problem),
-                           Dialogs::Icon::Warning);
+        const QString problem = iddoc.isEmpty() ? QString()
+                                                : InvoiceProducer::registerFile(m_module.database(Db::MyDoc),
+                                                                                iddoc, invoice, written);
+        if (!problem.isEmpty())
+            dialogs().tell(Captions::warning, problem, Dialogs::Icon::Warning);
         emit status(QStringLiteral("Счёт сохранён: %1").arg(QDir::toNativeSeparators(written)));
     }
     if (kind == Kind::Pdf) {

@@ -31,7 +31,8 @@ QString InvoiceForm::priceProblem(const QString &text) {
     const MoneyResult r = priceOf(text);
     if (r.ok())
         return {};
-    return QStringLiteral("Цена «%1» %2; она не входит в итог.").arg(text.trimmed(), numberProblemText(r.problem()));
+    return QStringLiteral("Цена «%1» %2; она не входит в итог.")
+        .arg(text.trimmed(), numberProblemText(r.problem()));
 }
 
 // ----- Services

@@ -89,7 +89,7 @@ public:
     // Calc: "Итого" is the sum of the prices that are numbers; then VAT.
     void calc();
     MoneyResult servicesTotal() const { return m_itogo; } // EditItogo
-    QString amountText() const { return m_amountText; }  // edSumma
+    QString amountText() const { return m_amountText; }   // edSumma
     MoneyResult amount() const;
     // Typed into "Сумма".
     void setAmountText(const QString &text);

@@ -57,7 +57,8 @@ QString obstacle(const Payee &payee, const Invoice &invoice) {
 QString purpose(const Invoice &invoice) {
     QString p = QStringLiteral("Оплата по счету № %1 от %2").arg(invoice.number.trimmed(), invoice.date);
     if (invoice.vat)
-        p += QStringLiteral(", в т.ч. НДС %1 % %2 руб.").arg(invoice.vatRate).arg(invoice.vatAmount.grouped());
+        p +=
+            QStringLiteral(", в т.ч. НДС %1 % %2 руб.").arg(invoice.vatRate).arg(invoice.vatAmount.grouped());
     else
         p += QStringLiteral(", НДС не облагается");
     return p;
@@ -89,12 +90,12 @@ QString paymentString(const Payee &payee, const Invoice &invoice) {
 QImage qrImage(const QString &text, double sideCm) {
     const QByteArray data = text.toUtf8();
     std::unique_ptr<QRcode, void (*)(QRcode *)> code(
-        QRcode_encodeData(static_cast<int>(data.size()), reinterpret_cast<const unsigned char *>(data.constData()),
-                          0, QR_ECLEVEL_M),
+        QRcode_encodeData(static_cast<int>(data.size()),
+                          reinterpret_cast<const unsigned char *>(data.constData()), 0, QR_ECLEVEL_M),
         QRcode_free);
     if (!code || code->width <= 0)
         return {};
-    constexpr int kQuiet = 4; // modules of white around the code
+    constexpr int kQuiet = 4;  // modules of white around the code
     constexpr int kPixels = 8; // pixels per module
     const int modules = code->width + 2 * kQuiet;
     QImage image(modules * kPixels, modules * kPixels, QImage::Format_Grayscale8);

@@ -26,8 +26,8 @@ struct Payee {
 
 struct Invoice {
     QString number;
-    QString date; // as printed, "01.02.2025"
-    Money amount; // what the customer pays
+    QString date;     // as printed, "01.02.2025"
+    Money amount;     // what the customer pays
     int currency = 0; // EditValuta index: only roubles (0) get a code
     bool vat = false;
     int vatRate = 0;

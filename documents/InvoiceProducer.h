@@ -30,15 +30,19 @@ struct Request {
 };
 
 struct Outcome {
-    QString path;    // the file written (also when only its registration failed)
-    QString error;   // Russian; empty on success
+    QString path;  // the file written (also when only its registration failed)
+    QString error; // Russian; empty on success
     bool ok() const { return error.isEmpty(); }
 };
 
+// Enters a written invoice file in the register under the estimate's row iddoc (its kind from the
+// file's extension). Empty, or the Russian reason it could not be entered.
+QString registerFile(QSqlDatabase mydoc, const QString &iddoc, const Invoice &invoice, const QString &path);
+
 // Any thread: the invoice (made on the document's thread) with the request's number and date, the
 // engine and the register connection of the calling thread.
-Outcome produce(const Invoice &invoice, const Request &request, OfficeEngine &engine, const QString &dataFolder,
-                QSqlDatabase mydoc, const SheetTemplate::Progress &progress = {});
+Outcome produce(const Invoice &invoice, const Request &request, OfficeEngine &engine,
+                const QString &dataFolder, QSqlDatabase mydoc, const SheetTemplate::Progress &progress = {});
 
 // On the document's thread: draws the invoice up for the document and produces it. An empty
 // request.iddoc is taken from the document's link to the register.

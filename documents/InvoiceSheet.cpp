@@ -14,8 +14,9 @@ namespace {
 
 // Items printed as amounts (number cells of the sheet).
 bool isMoneyItem(const QString &name) {
-    static const QStringList names{QStringLiteral("edSumma"), QStringLiteral("edSumma1"), QStringLiteral("edSumma2"),
-                                   QStringLiteral("edSumma3"), QStringLiteral("nds")};
+    static const QStringList names{QStringLiteral("edSumma"), QStringLiteral("edSumma1"),
+                                   QStringLiteral("edSumma2"), QStringLiteral("edSumma3"),
+                                   QStringLiteral("nds")};
     return names.contains(name);
 }
 
@@ -26,7 +27,8 @@ QString fileDate(const QDate &date) {
 } // namespace
 
 QString windowFileName(const QString &number, const QDate &date) {
-    return CustomerFolder::cleanPart(QStringLiteral("Счет на оплату №%1 от %2").arg(number.trimmed(), fileDate(date))) +
+    return CustomerFolder::cleanPart(
+               QStringLiteral("Счет на оплату №%1 от %2").arg(number.trimmed(), fileDate(date))) +
            QStringLiteral(".xls");
 }
 
@@ -41,7 +43,7 @@ QString vatLabel(const Invoice &invoice) {
     if (!f.vatOn())
         return QStringLiteral("Без налога (НДС):");
     return (f.vatChoice() == InvoiceForm::VatChoice::Added ? QStringLiteral("НДС (%1 %):")
-                                                            : QStringLiteral("В том числе НДС (%1 %):"))
+                                                           : QStringLiteral("В том числе НДС (%1 %):"))
         .arg(f.vatRate());
 }
 
@@ -69,8 +71,13 @@ InvoicePayment::Payee payee(const Invoice &invoice) {
 
 InvoicePayment::Invoice payment(const Invoice &invoice) {
     const InvoiceForm &f = invoice.form;
-    return {invoice.number,     TextValues::shortDate(invoice.date), f.amount().valueOr(Money()), invoice.currency,
-            f.vatOn(),          f.vatRate(),                         f.vat()};
+    return {invoice.number,
+            TextValues::shortDate(invoice.date),
+            f.amount().valueOr(Money()),
+            invoice.currency,
+            f.vatOn(),
+            f.vatRate(),
+            f.vat()};
 }
 
 SheetData sheetData(const Invoice &invoice, const QString &qrImage) {
@@ -84,7 +91,8 @@ SheetData sheetData(const Invoice &invoice, const QString &qrImage) {
     d.values.insert(kSubtotal, SheetValue::ofMoney(f.net()));
     d.values.insert(kVatLabel, SheetValue::ofText(vatLabel(invoice)));
     d.values.insert(kSupplier, SheetValue::ofText(supplierLine(invoice)));
-    d.values.insert(kVatAmount, f.vatOn() ? SheetValue::ofMoney(f.vat()) : SheetValue::ofText(QStringLiteral("—")));
+    d.values.insert(kVatAmount,
+                    f.vatOn() ? SheetValue::ofMoney(f.vat()) : SheetValue::ofText(QStringLiteral("—")));
     const QVector<InvoiceService> &services = f.services();
     d.values.insert(kCount, SheetValue::ofText(QStringLiteral("Всего наименований %1, на сумму %2 %3")
                                                    .arg(services.size())
@@ -111,7 +119,8 @@ SheetData sheetData(const Invoice &invoice, const QString &qrImage) {
 }
 
 bool produce(OfficeEngine &engine, const QString &dataFolder, const Invoice &invoice,
-             const QVector<TemplateFile::Output> &outputs, QString *error, const SheetTemplate::Progress &progress) {
+             const QVector<TemplateFile::Output> &outputs, QString *error,
+             const SheetTemplate::Progress &progress) {
     const QString templatePath = OfficeTemplates::path(dataFolder, kTemplate);
     *error = TemplateFile::check(templatePath);
     if (!error->isEmpty())

@@ -19,7 +19,7 @@ inline const QString kTemplate = QStringLiteral("Шаблон Счет на оп
 
 // Names the template gives beside the stored items.
 inline const QString kServices = QStringLiteral("услуги"); // rows of the 4th service on: [услуги.№], …
-inline const QString kSubtotal = QStringLiteral("итого");  // the amount before an added VAT
+inline const QString kSubtotal = QStringLiteral("итого");       // the amount before an added VAT
 inline const QString kVatLabel = QStringLiteral("ндс надпись"); // "В том числе НДС (20 %):", …
 inline const QString kVatAmount = QStringLiteral("ндс сумма");  // the VAT, or "—" without VAT
 inline const QString kCount = QStringLiteral("всего наименований"); // "Всего наименований 3, на сумму …"

@@ -296,8 +296,9 @@ private:
             return false;
         }
         return goTo(req.value(QStringLiteral("cell")).toString(), error) &&
-               m_s.uno(".uno:InsertGraphic", stringArg("FileName", QString::fromStdString(toUrl(path))).toStdString(),
-                       kStep, error);
+               m_s.uno(".uno:InsertGraphic",
+                       stringArg("FileName", QString::fromStdString(toUrl(path))).toStdString(), kStep,
+                       error);
     }
 
     LokSession &m_s;

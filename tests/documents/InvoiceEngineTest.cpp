@@ -118,22 +118,23 @@ TEST_F(InvoiceEngine, PackageWritesTheSpreadsheetAndThePdfAndRegistersThem) {
     struct Expected {
         const char *text;
         const char *inSheet; // how the spreadsheet's text shows it (null: as in the PDF)
-    } expected[] = {{"Счет на оплату № 12-1 от 01.03.2025", nullptr},
-                    {"Покупатель (Заказчик): Кудрявцев О. Н.", nullptr},
-                    {"Поставщик (Исполнитель): ИП Соболев Андрей Викторович, ИНН 760412345678 Покупатель", nullptr},
-                    {"Облицовка стен плиткой 1 усл. 70 000,00", "Облицовка стен плиткой 1 усл. 70000"},
-                    {"Плитка и клей", nullptr},
-                    {"3 Проценты 1 усл. 19 000,00", "3 Проценты 1 усл. 19000"},
-                    {"4 Вывоз строительного мусора 1 усл. 3 500,50", "4 Вывоз строительного мусора 1 усл. 3500,5"},
-                    {"5 Скидка постоянному клиенту 1 усл. -3 500,50", "5 Скидка постоянному клиенту 1 усл. -3500,5"},
-                    {"Итого: 114 000,00", "Итого: 114000"},
-                    {"В том числе НДС (20 %): 19 000,00", "В том числе НДС (20 %): 19000"},
-                    {"Всего к оплате: 114 000,00", "Всего к оплате: 114000"},
-                    {"Всего наименований 5, на сумму 114 000,00 руб.", nullptr},
-                    {"Сто четырнадцать тысяч рублей 00 копеек", nullptr},
-                    {"БИК 047888670", nullptr},
-                    {"40802810477000012345", nullptr},
-                    {"Руководитель ______________ / Соболев А. В. /", nullptr}};
+    } expected[] = {
+        {"Счет на оплату № 12-1 от 01.03.2025", nullptr},
+        {"Покупатель (Заказчик): Кудрявцев О. Н.", nullptr},
+        {"Поставщик (Исполнитель): ИП Соболев Андрей Викторович, ИНН 760412345678 Покупатель", nullptr},
+        {"Облицовка стен плиткой 1 усл. 70 000,00", "Облицовка стен плиткой 1 усл. 70000"},
+        {"Плитка и клей", nullptr},
+        {"3 Проценты 1 усл. 19 000,00", "3 Проценты 1 усл. 19000"},
+        {"4 Вывоз строительного мусора 1 усл. 3 500,50", "4 Вывоз строительного мусора 1 усл. 3500,5"},
+        {"5 Скидка постоянному клиенту 1 усл. -3 500,50", "5 Скидка постоянному клиенту 1 усл. -3500,5"},
+        {"Итого: 114 000,00", "Итого: 114000"},
+        {"В том числе НДС (20 %): 19 000,00", "В том числе НДС (20 %): 19000"},
+        {"Всего к оплате: 114 000,00", "Всего к оплате: 114000"},
+        {"Всего наименований 5, на сумму 114 000,00 руб.", nullptr},
+        {"Сто четырнадцать тысяч рублей 00 копеек", nullptr},
+        {"БИК 047888670", nullptr},
+        {"40802810477000012345", nullptr},
+        {"Руководитель ______________ / Соболев А. В. /", nullptr}};
     for (const Expected &e : expected) {
         const QString inPdf = QString::fromUtf8(e.text);
         const QString inSheet = e.inSheet ? QString::fromUtf8(e.inSheet) : inPdf;
@@ -145,7 +146,7 @@ TEST_F(InvoiceEngine, PackageWritesTheSpreadsheetAndThePdfAndRegistersThem) {
     EXPECT_FALSE(pdfText.contains("ToggleSwitch1")) << "the settings row is hidden";
 
     const QStringList rows = queryRows(module->database(Db::MyDoc), "SELECT iddoc, number, name, ext, allsum "
-                                                                     "FROM account ORDER BY id");
+                                                                    "FROM account ORDER BY id");
     const QString id = queryRows(module->database(Db::MyDoc), "SELECT id FROM documents").value(0);
     EXPECT_EQ(rows, (QStringList{id + "|12-1|№ 12-1|xls|114000,00", id + "|12-1|№ 12-1|pdf|114000,00"}));
 
@@ -163,7 +164,8 @@ TEST_F(InvoiceEngine, QrCodeOnThePageReadsBackAsThePaymentString) {
     Invoice inv = InvoiceOpening::open(*doc, options);
     inv.number = "12-1";
     inv.date = QDate(2025, 3, 1);
-    const QString expected = InvoicePayment::paymentString(InvoiceSheet::payee(inv), InvoiceSheet::payment(inv));
+    const QString expected =
+        InvoicePayment::paymentString(InvoiceSheet::payee(inv), InvoiceSheet::payment(inv));
     ASSERT_FALSE(expected.isEmpty());
     EXPECT_TRUE(expected.contains("|Sum=11400000|")) << expected.toStdString();
     EXPECT_EQ(qrCodesOf(pdf.path, folder.path()), QStringList{expected});
@@ -190,10 +192,11 @@ TEST_F(InvoiceEngine, NoCodeWithoutAnAccountAndNoneWhenSwitchedOff) {
     EXPECT_TRUE(qrCodesOf(pdf.path, folder.path()).isEmpty());
     EXPECT_FALSE(::pdfText(pdf.path).contains("QR")) << "the place of the code is left empty";
 
-    addContractor("Петров", "ИП Петров", {{"account", "40802810477000012345"}, {"bik", "047888670"},
-                                          {"bank", "Банк"}});
+    addContractor("Петров", "ИП Петров",
+                  {{"account", "40802810477000012345"}, {"bik", "047888670"}, {"bank", "Банк"}});
     setHeader("", 12, "Петров");
-    InvoiceProducer::Request req{"1", QDate(2025, 3, 1), folder.file("Без кода"), InvoiceProducer::Format::Pdf, {}};
+    InvoiceProducer::Request req{
+        "1", QDate(2025, 3, 1), folder.file("Без кода"), InvoiceProducer::Format::Pdf, {}};
     InvoiceOpening::Options off;
     off.qr = false;
     const InvoiceProducer::Outcome noQr = InvoiceProducer::produce(*doc, off, req, engine());

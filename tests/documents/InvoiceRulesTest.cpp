@@ -40,11 +40,11 @@ TEST(InvoiceVat, ArithmeticOfTheThreeCases) {
     } cases[] = {
         {"1000,00", 20, Vat::Added, "200,00", "1200,00"},
         {"1200,00", 20, Vat::Included, "200,00", "1200,00"},
-        {"0,10", 20, Vat::Added, "0,02", "0,12"},          // 0,02 exactly, no drift
-        {"100,00", 18, Vat::Included, "15,25", "100,00"},   // 15,2542… rounded once
-        {"0,05", 10, Vat::Included, "0,00", "0,05"},        // 0,0045… rounds down
-        {"0,15", 10, Vat::Added, "0,02", "0,17"},           // 0,015 rounds half away from zero
-        {"-0,15", 10, Vat::Added, "-0,02", "-0,17"},        // a credit note: away from zero too
+        {"0,10", 20, Vat::Added, "0,02", "0,12"},         // 0,02 exactly, no drift
+        {"100,00", 18, Vat::Included, "15,25", "100,00"}, // 15,2542… rounded once
+        {"0,05", 10, Vat::Included, "0,00", "0,05"},      // 0,0045… rounds down
+        {"0,15", 10, Vat::Added, "0,02", "0,17"},         // 0,015 rounds half away from zero
+        {"-0,15", 10, Vat::Added, "-0,02", "-0,17"},      // a credit note: away from zero too
         {"1000,00", 0, Vat::Added, "0,00", "1000,00"},
         {"999 999 999 999,99", 20, Vat::Added, "200 000 000 000,00", "refused"},
     };
@@ -143,10 +143,27 @@ TEST(InvoiceServices, GeneratedRowsAndPercent) {
         QStringList rows;
     } cases[] = {
         {"700,00", "200,00", "1000,00", true, true, true, {"Сметная стоимость объекта Кухня=1000,00"}},
-        {"700,00", "200,00", "1000,00", false, true, true,
+        {"700,00",
+         "200,00",
+         "1000,00",
+         false,
+         true,
+         true,
          {"Стоимость работ=700,00", "Стоимость материалов=200,00", "Проценты=100,00"}},
-        {"700,00", "300,00", "1000,00", false, true, true, {"Стоимость работ=700,00", "Стоимость материалов=300,00"}},
-        {"700,00", "350,00", "1000,00", false, true, true, {"Стоимость работ=700,00", "Стоимость материалов=350,00"}},
+        {"700,00",
+         "300,00",
+         "1000,00",
+         false,
+         true,
+         true,
+         {"Стоимость работ=700,00", "Стоимость материалов=300,00"}},
+        {"700,00",
+         "350,00",
+         "1000,00",
+         false,
+         true,
+         true,
+         {"Стоимость работ=700,00", "Стоимость материалов=350,00"}},
         {"700,00", "200,00", "1000,00", false, false, true, {"Стоимость материалов=200,00"}},
         {"700,00", "200,00", "1000,00", false, true, false, {"Стоимость работ=700,00", "Проценты=100,00"}},
         {"700,00", "200,00", "1000,00", false, false, false, {}},
@@ -170,8 +187,8 @@ TEST(InvoiceServices, SwitchOnOffOnNeverDuplicatesAndKeepsTheUsersRows) {
     f.setWorks(true);
     EXPECT_EQ(names(f), (QStringList{"Вывоз мусора=1500", "Сметная стоимость объекта Кухня=1000,00"}));
     f.setOneLine(false);
-    EXPECT_EQ(names(f), (QStringList{"Вывоз мусора=1500", "Стоимость работ=700,00", "Стоимость материалов=200,00",
-                                     "Проценты=100,00"}));
+    EXPECT_EQ(names(f), (QStringList{"Вывоз мусора=1500", "Стоимость работ=700,00",
+                                     "Стоимость материалов=200,00", "Проценты=100,00"}));
     EXPECT_EQ(rub(f.servicesTotal()), "2500,00");
     // A renamed generated row is the user's own; one still named as generated goes.
     f.setServiceName(1, "Работы по смете");
@@ -237,13 +254,34 @@ TEST(InvoiceItems, EveryNameInItsOrderWithItsValue) {
         order << i.name;
         value.insert(i.name, i.value);
     }
-    EXPECT_EQ(order, (QStringList{"edNumber",      "DateEdit",      "edSumma",         "EditValuta",
-                                  "ComboBoxPodryad", "ComboBoxZakaz", "ComboBoxNameWork", "edSumma1",
-                                  "EditNameWork2", "edSumma2",      "EditNameWork3",   "edSumma3",
-                                  "CheckBoxNDS",   "SpinEditNDS",   "rbtSumma",        "inn",
-                                  "kpp",           "boss",          "glavbuh",         "account",
-                                  "bank",          "bik",           "koraccount",      "summaword",
-                                  "nds",           "CheckBoxWork",  "CheckBoxMat",     "ToggleSwitch1"}));
+    EXPECT_EQ(order, (QStringList{"edNumber",
+                                  "DateEdit",
+                                  "edSumma",
+                                  "EditValuta",
+                                  "ComboBoxPodryad",
+                                  "ComboBoxZakaz",
+                                  "ComboBoxNameWork",
+                                  "edSumma1",
+                                  "EditNameWork2",
+                                  "edSumma2",
+                                  "EditNameWork3",
+                                  "edSumma3",
+                                  "CheckBoxNDS",
+                                  "SpinEditNDS",
+                                  "rbtSumma",
+                                  "inn",
+                                  "kpp",
+                                  "boss",
+                                  "glavbuh",
+                                  "account",
+                                  "bank",
+                                  "bik",
+                                  "koraccount",
+                                  "summaword",
+                                  "nds",
+                                  "CheckBoxWork",
+                                  "CheckBoxMat",
+                                  "ToggleSwitch1"}));
     EXPECT_EQ(value["DateEdit"], "01.02.2025");
     EXPECT_EQ(value["edSumma"], "1800,00");
     EXPECT_EQ(value["nds"], "300,00");
@@ -273,7 +311,8 @@ TEST(InvoiceSheetData, FourthServiceGoesToTheRowListAndTheVatLineReadsByChoice) 
         << "the ИНН of the legal data is not written twice";
     inv.seller.withLegal = false;
     inv.sellerDetails["kpp"] = "760401001";
-    EXPECT_EQ(InvoiceSheet::supplierLine(inv), "ИП Соболев Андрей Викторович, ИНН 760412345678, КПП 760401001");
+    EXPECT_EQ(InvoiceSheet::supplierLine(inv),
+              "ИП Соболев Андрей Викторович, ИНН 760412345678, КПП 760401001");
     inv.form.setVatChoice(Vat::Included);
     EXPECT_EQ(InvoiceSheet::vatLabel(inv), "В том числе НДС (20 %):");
     inv.form.setVatOn(false);
@@ -314,8 +353,13 @@ TEST(InvoicePaymentString, WhenThereIsNoCode) {
         {"40802810477000012345", "047888670", "", 0, "наименование банка"},
     };
     for (const Case &c : cases) {
-        InvoicePayment::Payee p{QStringLiteral("ООО \"Ромашка\""), QString::fromUtf8(c.account),
-                                QString::fromUtf8(c.bank), QString::fromUtf8(c.bik), {}, {}, {}};
+        InvoicePayment::Payee p{QStringLiteral("ООО \"Ромашка\""),
+                                QString::fromUtf8(c.account),
+                                QString::fromUtf8(c.bank),
+                                QString::fromUtf8(c.bik),
+                                {},
+                                {},
+                                {}};
         InvoicePayment::Invoice i{"1", "01.02.2025", money("10"), c.currency, false, 0, Money()};
         const QString why = InvoicePayment::obstacle(p, i);
         if (*c.reason) {
@@ -323,16 +367,22 @@ TEST(InvoicePaymentString, WhenThereIsNoCode) {
             EXPECT_TRUE(InvoicePayment::paymentString(p, i).isEmpty());
         } else {
             EXPECT_TRUE(why.isEmpty()) << why.toStdString();
-            EXPECT_EQ(InvoicePayment::paymentString(p, i),
-                      "ST00012|Name=ООО \"Ромашка\"|PersonalAcc=40802810477000012345|BankName=Банк|BIC=047888670|"
-                      "CorrespAcc=0|Sum=1000|Purpose=Оплата по счету № 1 от 01.02.2025, НДС не облагается");
+            EXPECT_EQ(
+                InvoicePayment::paymentString(p, i),
+                "ST00012|Name=ООО \"Ромашка\"|PersonalAcc=40802810477000012345|BankName=Банк|BIC=047888670|"
+                "CorrespAcc=0|Sum=1000|Purpose=Оплата по счету № 1 от 01.02.2025, НДС не облагается");
         }
     }
 }
 
 TEST(InvoicePaymentString, SeparatorsAreRemovedAndLengthsKept) {
-    InvoicePayment::Payee p{QString(200, u'Я') + "|x", "40802810477000012345", "Банк|Сбер\nфилиал",
-                            "047888670", "", "7604|1", ""};
+    InvoicePayment::Payee p{QString(200, u'Я') + "|x",
+                            "40802810477000012345",
+                            "Банк|Сбер\nфилиал",
+                            "047888670",
+                            "",
+                            "7604|1",
+                            ""};
     InvoicePayment::Invoice i{"1", "01.02.2025", Money(), 0, false, 0, Money()};
     const QStringList fields = InvoicePayment::paymentString(p, i).split(u'|');
     EXPECT_EQ(fields.value(1), "Name=" + QString(160, u'Я')) << "Name is cut to 160";

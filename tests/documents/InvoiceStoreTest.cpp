@@ -1,8 +1,8 @@
 // The invoice with its databases: the stored invoice (table Account of the document), its round trip
 // through the document file, the opening rules, the seller lookup and the register table account.
 
-#include "InvoiceTestDocument.h"
 #include "InvoicePrinters.h"
+#include "InvoiceTestDocument.h"
 #include "MoneyText.h"
 #include "SqlRows.h"
 #include "customers/ContractorRegister.h"
@@ -92,8 +92,7 @@ TEST_F(InvoiceStore, SellerByShortOrLongNameGetsAnEmptyRequisitesRowWhenItHasNon
         EXPECT_EQ(d.found, c.found) << c.name;
         EXPECT_EQ(d.requisites.value("account").toStdString(), c.account) << c.name;
     }
-    EXPECT_EQ(queryRows(module->database(Db::Cash),
-                        "SELECT count(*) FROM requisite WHERE id='2'"),
+    EXPECT_EQ(queryRows(module->database(Db::Cash), "SELECT count(*) FROM requisite WHERE id='2'"),
               QStringList{"1"})
         << "the row was made once, and not again on the second look-up";
     InvoiceOpening::findSeller(contractors, "Петров");
@@ -115,20 +114,76 @@ TEST_F(InvoiceStore, OpeningRulesForSwitchServicesAndVat) {
         int rate;
         InvoiceForm::VatChoice choice;
     } cases[] = {
-        {"nothing stored, setting off", {}, {}, false, false, false,
-         {"Стоимость работ", "Стоимость материалов"}, false, 20, InvoiceForm::VatChoice::Included},
-        {"nothing stored, setting on", {}, {}, true, false, true,
-         {"Сметная стоимость объекта Кухня"}, false, 20, InvoiceForm::VatChoice::Included},
-        {"stored switch wins over the setting", {{"ToggleSwitch1", "0"}}, {}, true, false, false,
-         {"Стоимость работ", "Стоимость материалов"}, false, 20, InvoiceForm::VatChoice::Included},
-        {"stored ticks", {{"CheckBoxMat", "0"}}, {}, false, false, false, {"Стоимость работ"}, false, 20,
+        {"nothing stored, setting off",
+         {},
+         {},
+         false,
+         false,
+         false,
+         {"Стоимость работ", "Стоимость материалов"},
+         false,
+         20,
          InvoiceForm::VatChoice::Included},
-        {"stored rows stay as they are", {{"ToggleSwitch1", "1"}}, {{"Монтаж", "500"}, {"Доставка", "50"}}, false,
-         false, true, {"Монтаж", "Доставка"}, false, 20, InvoiceForm::VatChoice::Included},
-        {"the estimate's VAT line ticks VAT", {}, {}, false, true, false,
-         {"Стоимость работ", "Стоимость материалов", "Проценты"}, true, 20, InvoiceForm::VatChoice::Included},
-        {"stored VAT choice", {{"CheckBoxNDS", "1"}, {"SpinEditNDS", "10"}, {"rbtSumma", "1"}}, {}, false, false,
-         false, {"Стоимость работ", "Стоимость материалов"}, true, 10, InvoiceForm::VatChoice::Added},
+        {"nothing stored, setting on",
+         {},
+         {},
+         true,
+         false,
+         true,
+         {"Сметная стоимость объекта Кухня"},
+         false,
+         20,
+         InvoiceForm::VatChoice::Included},
+        {"stored switch wins over the setting",
+         {{"ToggleSwitch1", "0"}},
+         {},
+         true,
+         false,
+         false,
+         {"Стоимость работ", "Стоимость материалов"},
+         false,
+         20,
+         InvoiceForm::VatChoice::Included},
+        {"stored ticks",
+         {{"CheckBoxMat", "0"}},
+         {},
+         false,
+         false,
+         false,
+         {"Стоимость работ"},
+         false,
+         20,
+         InvoiceForm::VatChoice::Included},
+        {"stored rows stay as they are",
+         {{"ToggleSwitch1", "1"}},
+         {{"Монтаж", "500"}, {"Доставка", "50"}},
+         false,
+         false,
+         true,
+         {"Монтаж", "Доставка"},
+         false,
+         20,
+         InvoiceForm::VatChoice::Included},
+        {"the estimate's VAT line ticks VAT",
+         {},
+         {},
+         false,
+         true,
+         false,
+         {"Стоимость работ", "Стоимость материалов", "Проценты"},
+         true,
+         20,
+         InvoiceForm::VatChoice::Included},
+        {"stored VAT choice",
+         {{"CheckBoxNDS", "1"}, {"SpinEditNDS", "10"}, {"rbtSumma", "1"}},
+         {},
+         false,
+         false,
+         false,
+         {"Стоимость работ", "Стоимость материалов"},
+         true,
+         10,
+         InvoiceForm::VatChoice::Added},
     };
     for (const Case &c : cases) {
         ASSERT_TRUE(AccountTable::rebuild(working(), c.stored, c.rows));
@@ -159,8 +214,11 @@ TEST_F(InvoiceStore, EstimateVatRateIsAWholePercent) {
         const char *value;
         const char *title;
         std::optional<int> rate;
-    } cases[] = {{"20", "НДС, %", 20},      {"18,5", "НДС 18,5%", 19},  {"150", "ндс", 100},
-                 {"abc", "НДС", std::nullopt}, {"20", "Скидка", std::nullopt}};
+    } cases[] = {{"20", "НДС, %", 20},
+                 {"18,5", "НДС 18,5%", 19},
+                 {"150", "ндс", 100},
+                 {"abc", "НДС", std::nullopt},
+                 {"20", "Скидка", std::nullopt}};
     for (const Case &c : cases) {
         QSqlQuery q(working());
         ASSERT_TRUE(q.exec("DELETE FROM koef"));
@@ -192,6 +250,11 @@ TEST_F(InvoiceStore, BoundInvoiceTravelsWithTheDocumentFile) {
     EXPECT_EQ(again.form.amountText(), inv.form.amountText());
     EXPECT_EQ(again.form.amountText(), "3000,00");
     EXPECT_EQ(again.items(), inv.items());
+
+    // An amount typed over the computed one comes back too.
+    inv.form.setAmountText("2 999,99");
+    ASSERT_TRUE(AccountTable::rebuild(working(), inv.items(), inv.form.services()));
+    EXPECT_EQ(InvoiceOpening::open(*doc, {}).form.amountText(), "2999,99");
 }
 
 TEST_F(InvoiceStore, RegisterKeepsOneRowPerEstimateAndFormat) {
@@ -208,8 +271,9 @@ TEST_F(InvoiceStore, RegisterKeepsOneRowPerEstimateAndFormat) {
     ASSERT_TRUE(AccountRegister::record(mydoc, e));
     e.iddoc = "8";
     ASSERT_TRUE(AccountRegister::record(mydoc, e));
-    EXPECT_EQ(queryRows(mydoc, "SELECT iddoc, data, date_compare, dataend, number, name, filename, ext, allsum, "
-                               "status, month, year FROM account ORDER BY id"),
+    EXPECT_EQ(queryRows(mydoc,
+                        "SELECT iddoc, data, date_compare, dataend, number, name, filename, ext, allsum, "
+                        "status, month, year FROM account ORDER BY id"),
               (QStringList{"7|09.03.2025|20250309000000||12-2|№ 12-2|/tmp/b.xls|xls|1300,00||3|2025",
                            "7|09.03.2025|20250309000000||12-2|№ 12-2|/tmp/b.pdf|pdf|1300,00||3|2025",
                            "8|09.03.2025|20250309000000||12-2|№ 12-2|/tmp/b.pdf|pdf|1300,00||3|2025"}));

@@ -31,7 +31,8 @@ protected:
     }
     QSqlDatabase working() { return module->database(Db::Smeta); }
 
-    void setHeader(const QString &numberWord, int number, const QString &contractor = QStringLiteral("Соболев")) {
+    void setHeader(const QString &numberWord, int number,
+                   const QString &contractor = QStringLiteral("Соболев")) {
         EstimateHeader::Values v;
         v.customer = QStringLiteral("Кудрявцев О. Н.");
         v.object = QStringLiteral("Кухня");
@@ -45,7 +46,8 @@ protected:
     void setTotals(const QString &works, const QString &materials) {
         EstimateGrid &g = doc->grid();
         const int row = EstimateGrid::toModelRow(2);
-        ASSERT_TRUE(g.setData(g.index(row, EstimateCol::Name), QStringLiteral("Облицовка плиткой"), Qt::EditRole));
+        ASSERT_TRUE(
+            g.setData(g.index(row, EstimateCol::Name), QStringLiteral("Облицовка плиткой"), Qt::EditRole));
         ASSERT_TRUE(g.setData(g.index(row, EstimateCol::Qty), QStringLiteral("1"), Qt::EditRole));
         ASSERT_TRUE(g.setData(g.index(row, EstimateCol::Price), works, Qt::EditRole));
         QSqlQuery q(working());
@@ -75,7 +77,8 @@ protected:
         for (auto it = requisites.cbegin(); it != requisites.cend(); ++it)
             ticked.insert(it.key());
         req.insert(QStringLiteral("note"), LegalData::line(requisites, ticked));
-        ASSERT_EQ(r.save({{QStringLiteral("id"), id}, {QStringLiteral("shotname"), shortName},
+        ASSERT_EQ(r.save({{QStringLiteral("id"), id},
+                          {QStringLiteral("shotname"), shortName},
                           {QStringLiteral("longname"), longName}},
                          req),
                   RegisterStatus::Ok);

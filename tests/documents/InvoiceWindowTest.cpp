@@ -98,8 +98,8 @@ TEST_F(InvoiceWindow, OpensFilledFromTheEstimate) {
     EXPECT_FALSE(get<QCheckBox>("CheckBoxNDS")->isChecked());
     EXPECT_TRUE(get<QCheckBox>("CheckBoxQR")->isChecked());
     EXPECT_TRUE(get<QLabel>("LabelQR")->text().isEmpty()) << "the seller's details allow a code";
-    for (const char *name : {"spdSumma", "spdPodryadName", "spdAddUslug", "spdDelUslug", "spdClear", "spdPrint",
-                             "spdPDF", "spdExcel", "spdBind", "spdClose"})
+    for (const char *name : {"spdSumma", "spdPodryadName", "spdAddUslug", "spdDelUslug", "spdClear",
+                             "spdPrint", "spdPDF", "spdExcel", "spdBind", "spdClose"})
         EXPECT_NE(account->findChild<QPushButton *>(name), nullptr) << name;
 
     // The seller by the name for invoices, and back.
