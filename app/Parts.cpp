@@ -7,6 +7,7 @@
 #include "calculators/CalculatorsPart.h"
 #include "customers/CustomersPart.h"
 #include "documents/ActsPart.h"
+#include "documents/InvoicePart.h"
 #include "estimate/DocumentFilePart.h"
 #include "estimate/EditorPart.h"
 #include "estimate/HeaderPart.h"
@@ -25,5 +26,6 @@ std::vector<ShellPart *> makeShellParts(QObject *owner) {
         new ServerPart(owner),       // the file server: settings, updates, news
         new CalculatorsPart(owner),  // mix calculator, figure-area plug-in
         new ActsPart(owner),         // the act data, acts КС-2, КС-3 and the plain act
+        new InvoicePart(owner),      // the payment invoice
     };
 }

@@ -317,6 +317,13 @@ bool OfficeEngine::paste(const QString &range) {
                    kDefaultLimitMs);
 }
 
+bool OfficeEngine::insertImage(const QString &cell, const QString &path) {
+    return request({{QStringLiteral("op"), QStringLiteral("insertImage")},
+                    {QStringLiteral("cell"), cell},
+                    {QStringLiteral("path"), path}},
+                   kDefaultLimitMs);
+}
+
 bool OfficeEngine::enter(const QVector<Input> &cells) {
     // Sent in parts, so that each request stays well inside its time limit.
     constexpr int kPart = 400;

@@ -55,6 +55,8 @@ public:
     bool fitRows(const QVector<QPair<int, int>> &ranges);
     bool copy(const QString &range);
     bool paste(const QString &range);
+    // A picture file (PNG, …) with its top left corner at the cell ("B5"), in the size its file gives.
+    bool insertImage(const QString &cell, const QString &path);
 
     struct Input {
         enum class Type { Text, Number, Formula };

@@ -355,6 +355,17 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
     report(90);
     if (!fitFilledRows(engine, layout, data, namedRows))
         return engineFailed();
+    // Pictures last: the rows they lie on no longer move.
+    for (auto it = data.images.cbegin(); it != data.images.cend(); ++it) {
+        QString cell;
+        if (!engine.findCell(u'[' + it.key() + u']', true, &cell))
+            return engineFailed();
+        if (cell.isEmpty())
+            continue;
+        if (!engine.enter({textInput(cell, QString())}) ||
+            (!it.value().isEmpty() && !engine.insertImage(cell, it.value())))
+            return engineFailed();
+    }
 
     Grid filled;
     if (!engine.sheet(&filled))

@@ -55,6 +55,10 @@ struct SheetData {
     // Named items whose rows are left out of the document when the item has no data or an empty text
     // (optional lines, such as a second and third service of an invoice).
     QStringList dropRowsWithout;
+    // Pictures: item name -> picture file. The cell holding "[name]" is emptied and the picture put
+    // with its top left corner there, in the size its file gives; with an empty file name the cell is
+    // only emptied (a picture left out). A template without the cell gets no picture.
+    QHash<QString, QString> images;
 };
 
 namespace SheetTemplate {

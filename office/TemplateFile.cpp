@@ -70,7 +70,7 @@ bool save(OfficeEngine &engine, const QVector<Output> &outputs, QString *error) 
             return false;
         }
         const QString temp =
-            target.absoluteDir().filePath(QStringLiteral(".~%1-%2.%3")
+            target.absoluteDir().filePath(QStringLiteral(".~%1-%2.%3.tmp")
                                               .arg(target.completeBaseName())
                                               .arg(QRandomGenerator::global()->generate(), 0, 16)
                                               .arg(target.suffix()));

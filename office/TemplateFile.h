@@ -1,7 +1,7 @@
 #pragma once
 // Checks of a template before the engine opens it, and the writing of the finished files: every
-// output is saved beside its target under a temporary name and only then renamed over the target, so
-// a failure never leaves a half-written file or replaces the user's old one.
+// output is saved beside its target under a temporary name (ending ".tmp") and only then renamed over the
+// target, so a failure never leaves a half-written file or replaces the user's old one.
 
 #include <QString>
 #include <QStringList>

@@ -126,6 +126,8 @@ public:
                  m_s.uno(op == QLatin1String("copy") ? ".uno:Copy" : ".uno:Paste", "", kStep, &error);
         } else if (op == QLatin1String("enter")) {
             ok = enterCells(req.value(QStringLiteral("cells")).toArray(), &error);
+        } else if (op == QLatin1String("insertImage")) {
+            ok = insertImage(req, &error);
         } else {
             error = "неизвестная операция: " + op.toStdString();
         }
@@ -283,6 +285,20 @@ private:
                 return false;
         }
         return true;
+    }
+
+    // A picture from a file with its top left corner at the cell, in the size its file gives
+    // (pixels and dots per inch).
+    bool insertImage(const QJsonObject &req, std::string *error) {
+        const QString path = req.value(QStringLiteral("path")).toString();
+        if (!QFileInfo::exists(path)) {
+            *error = "файл не найден: " + path.toStdString();
+            return false;
+        }
+        return goTo(req.value(QStringLiteral("cell")).toString(), error) &&
+               m_s.uno(".uno:InsertGraphic",
+                       stringArg("FileName", QString::fromStdString(toUrl(path))).toStdString(), kStep,
+                       error);
     }
 
     LokSession &m_s;
