@@ -31,6 +31,9 @@ public:
     int addRow();
     bool removeRows(int first, int last);
     QString lastError() const { return m_error; }
+    // The row of the material with that _id, or -1.
+    int rowOfId(const QString &id) const;
+    QString idAt(int row) const;
     QString cellProblem(int row, int col) const;
     // How many cells are marked.
     int problemCellCount() const;
