@@ -30,6 +30,16 @@ QJsonArray toJson(const QStringList &cells) {
     return QJsonArray::fromStringList(cells);
 }
 
+// {"old": [...], "new": [...]}: the values before and after, each only when there is that side.
+QString cellsJson(const QStringList *before, const QStringList *after) {
+    QJsonObject cells;
+    if (before)
+        cells.insert(QStringLiteral("old"), toJson(*before));
+    if (after)
+        cells.insert(QStringLiteral("new"), toJson(*after));
+    return QString::fromUtf8(QJsonDocument(cells).toJson(QJsonDocument::Compact));
+}
+
 QStringList fromJson(const QJsonValue &v) {
     QStringList out;
     for (const QJsonValue &c : v.toArray())
@@ -104,12 +114,8 @@ bool UndoJournal::record(const QString &title, const std::vector<RowDiff::Op> &o
         q.addBindValue(QString::number(op.row));
         q.addBindValue(title);
         q.addBindValue(step);
-        QJsonObject cells;
-        if (op.kind != RowDiff::Op::Insert)
-            cells.insert(QStringLiteral("old"), toJson(op.before));
-        if (op.kind != RowDiff::Op::Delete)
-            cells.insert(QStringLiteral("new"), toJson(op.after));
-        q.addBindValue(QString::fromUtf8(QJsonDocument(cells).toJson(QJsonDocument::Compact)));
+        q.addBindValue(cellsJson(op.kind != RowDiff::Op::Insert ? &op.before : nullptr,
+                                 op.kind != RowDiff::Op::Delete ? &op.after : nullptr));
         ok = q.exec();
     }
     for (const MaterialsUndo::Op &op : materials) {
@@ -130,12 +136,8 @@ bool UndoJournal::record(const QString &title, const std::vector<RowDiff::Op> &o
         q.addBindValue(shown.value(0));
         q.addBindValue(title);
         q.addBindValue(step);
-        QJsonObject cells;
-        if (op.kind != MaterialsUndo::Op::Insert)
-            cells.insert(QStringLiteral("old"), toJson(op.before));
-        if (op.kind != MaterialsUndo::Op::Delete)
-            cells.insert(QStringLiteral("new"), toJson(op.after));
-        q.addBindValue(QString::fromUtf8(QJsonDocument(cells).toJson(QJsonDocument::Compact)));
+        q.addBindValue(cellsJson(op.kind != MaterialsUndo::Op::Insert ? &op.before : nullptr,
+                                 op.kind != MaterialsUndo::Op::Delete ? &op.after : nullptr));
         ok = q.exec();
     }
     if (!ok) {

@@ -1,8 +1,8 @@
 #include "CalcMat_frame.h"
 
 #include "storage/TextValues.h"
+#include "ui/DialogButtons.h"
 
-#include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -36,12 +36,7 @@ TCalcMat::TCalcMat(const QString &sheetCaption, QWidget *parent) : QDialog(paren
     LabelProblem->setStyleSheet(QStringLiteral("color: #b00000"));
     LabelProblem->hide();
     layout->addWidget(LabelProblem);
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("Пересчитать"));
-    buttons->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("Отмена"));
-    connect(buttons, &QDialogButtonBox::accepted, this, &TCalcMat::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &TCalcMat::reject);
-    layout->addWidget(buttons);
+    layout->addWidget(acceptCancelButtons(this, QStringLiteral("Пересчитать")));
 }
 
 bool TCalcMat::fromList() const {

@@ -5,12 +5,12 @@
 #include "MaterialLists.h"
 #include "office/OfficeEngine.h"
 #include "office/OfficeService.h"
+#include "ui/DialogButtons.h"
 #include "ui/Dialogs.h"
 
 #include <QAction>
 #include <QComboBox>
 #include <QDialog>
-#include <QDialogButtonBox>
 #include <QDir>
 #include <QFileInfo>
 #include <QFutureWatcher>
@@ -498,12 +498,7 @@ void TListMat::ButtonEditFilterClick() {
     auto *memo = new QPlainTextEdit(m_words.join(u'\n'), &dialog);
     memo->setObjectName(QStringLiteral("MemoFilter"));
     layout->addWidget(memo);
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel, &dialog);
-    buttons->button(QDialogButtonBox::Save)->setText(QStringLiteral("Сохранить"));
-    buttons->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("Отмена"));
-    connect(buttons, &QDialogButtonBox::accepted, &dialog, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
-    layout->addWidget(buttons);
+    layout->addWidget(acceptCancelButtons(&dialog, QStringLiteral("Сохранить")));
     if (dialog.exec() != QDialog::Accepted)
         return;
     QString error;
@@ -525,16 +520,43 @@ QProgressDialog *TListMat::progressWindow(const QString &title, const QString &t
     return progress;
 }
 
-void TListMat::ToolImportClick() {
+OfficeService *TListMat::officeReady() {
     if (m_busy)
-        return;
+        return nullptr;
     OfficeService *office = m_office ? m_office() : nullptr;
     QString why;
     if (!office || !OfficeEngine::available(&why)) {
         tell(why.isEmpty() ? OfficeEngine::missingEngineMessage() : why);
-        return;
+        return nullptr;
     }
-    const QString path = dialogs().openFile(QStringLiteral("Импорт из файлов Excel"), m_dataFolder,
+    return office;
+}
+
+void TListMat::runOffice(OfficeService *office, const QString &title, const QString &text,
+                         OfficeService::Job job, std::function<void(const OfficeService::Result &)> done) {
+    m_busy = true;
+    QProgressDialog *progress = progressWindow(title, text);
+    auto *watcher = new QFutureWatcher<OfficeService::Result>(this);
+    connect(watcher, &QFutureWatcher<OfficeService::Result>::progressValueChanged, progress,
+            &QProgressDialog::setValue);
+    connect(watcher, &QFutureWatcher<OfficeService::Result>::finished, this,
+            [this, watcher, progress, done = std::move(done)] {
+                const OfficeService::Result r = watcher->result();
+                watcher->deleteLater();
+                progress->close();
+                progress->deleteLater();
+                m_busy = false;
+                done(r);
+            });
+    watcher->setFuture(office->run(std::move(job)));
+}
+
+void TListMat::ToolImportClick() {
+    OfficeService *office = officeReady();
+    if (!office)
+        return;
+    const QString title = QStringLiteral("Импорт из файлов Excel");
+    const QString path = dialogs().openFile(title, m_dataFolder,
                                             QStringLiteral("Таблицы (*.xls *.xlsx *.ods);;Все файлы (*)"));
     if (path.isEmpty())
         return;
@@ -544,54 +566,34 @@ void TListMat::ToolImportClick() {
         return;
     }
     const QString caption = MatListStore::sheetCaption(m_lists.sheet());
+    const QString file = QFileInfo(path).fileName();
     if (!m_lists.model().rows().empty() &&
-        dialogs().ask(
-            QStringLiteral("Импорт из файлов Excel"),
-            QStringLiteral("Заменить «%1» списком из файла %2?").arg(caption, QFileInfo(path).fileName())) !=
+        dialogs().ask(title, QStringLiteral("Заменить «%1» списком из файла %2?").arg(caption, file)) !=
             Dialogs::Answer::Yes)
         return;
-    m_busy = true;
-    QProgressDialog *progress =
-        progressWindow(QStringLiteral("Импорт из файлов Excel"),
-                       QStringLiteral("Чтение файла «%1»…").arg(QFileInfo(path).fileName()));
     auto rows = std::make_shared<std::vector<MatRow>>();
     const QString scratch = scratchFolder();
-    auto *watcher = new QFutureWatcher<OfficeService::Result>(this);
-    connect(watcher, &QFutureWatcher<OfficeService::Result>::progressValueChanged, progress,
-            &QProgressDialog::setValue);
-    connect(watcher, &QFutureWatcher<OfficeService::Result>::finished, this,
-            [this, watcher, progress, rows, caption] {
-                const OfficeService::Result r = watcher->result();
-                watcher->deleteLater();
-                QString error = r.error;
-                // The sheet is replaced only now that the whole file has been read.
-                const bool ok = r.ok && m_lists.replaceSheet(*rows, &error);
-                progress->setValue(100);
-                progress->close();
-                progress->deleteLater();
-                m_busy = false;
-                if (!ok) {
-                    tell(QStringLiteral("Список не загружен: %1").arg(error));
-                    return;
-                }
-                dialogs().tell(Captions::info,
-                               QStringLiteral("В «%1» загружено строк: %2.").arg(caption).arg(rows->size()));
-            });
-    watcher->setFuture(office->run(
+    runOffice(
+        office, title, QStringLiteral("Чтение файла «%1»…").arg(file),
         [path, scratch, rows](OfficeEngine &engine, QString *error, const std::function<void(int)> &report) {
             return MatSpreadsheet::readFile(engine, path, scratch, *rows, error, report);
-        }));
+        },
+        [this, rows, caption](const OfficeService::Result &r) {
+            QString error = r.error;
+            // The sheet is replaced only now that the whole file has been read.
+            if (!r.ok || !m_lists.replaceSheet(*rows, &error)) {
+                tell(QStringLiteral("Список не загружен: %1").arg(error));
+                return;
+            }
+            dialogs().tell(Captions::info,
+                           QStringLiteral("В «%1» загружено строк: %2.").arg(caption).arg(rows->size()));
+        });
 }
 
 void TListMat::ToolSaveClick() {
-    if (m_busy)
+    OfficeService *office = officeReady();
+    if (!office)
         return;
-    OfficeService *office = m_office ? m_office() : nullptr;
-    QString why;
-    if (!office || !OfficeEngine::available(&why)) {
-        tell(why.isEmpty() ? OfficeEngine::missingEngineMessage() : why);
-        return;
-    }
     const QString caption = MatListStore::sheetCaption(m_lists.sheet());
     QString path = dialogs().saveFile(QStringLiteral("Отправить список в Excel"), m_dataFolder,
                                       caption + QStringLiteral(".xlsx"),
@@ -600,10 +602,6 @@ void TListMat::ToolSaveClick() {
         return;
     if (!path.endsWith(QStringLiteral(".xlsx"), Qt::CaseInsensitive))
         path += QStringLiteral(".xlsx");
-    m_busy = true;
-    QProgressDialog *progress =
-        progressWindow(QStringLiteral("Отправить список в Excel"),
-                       QStringLiteral("Запись файла «%1»…").arg(QFileInfo(path).fileName()));
     // What the grid shows: the filter and the group in force.
     std::vector<MatRow> rows;
     const MatListModel &model = m_lists.model();
@@ -611,25 +609,19 @@ void TListMat::ToolSaveClick() {
     for (int r = 0; r < model.rowCount(); ++r)
         rows.push_back(*model.rowAt(r));
     const QString scratch = scratchFolder();
-    auto *watcher = new QFutureWatcher<OfficeService::Result>(this);
-    connect(watcher, &QFutureWatcher<OfficeService::Result>::progressValueChanged, progress,
-            &QProgressDialog::setValue);
-    connect(watcher, &QFutureWatcher<OfficeService::Result>::finished, this, [this, watcher, progress, path] {
-        const OfficeService::Result r = watcher->result();
-        watcher->deleteLater();
-        progress->close();
-        progress->deleteLater();
-        m_busy = false;
-        if (!r.ok) {
-            tell(QStringLiteral("Список не сохранён: %1").arg(r.error));
-            return;
-        }
-        dialogs().tell(Captions::info,
-                       QStringLiteral("Список сохранён в файл %1").arg(QDir::toNativeSeparators(path)));
-    });
-    watcher->setFuture(
-        office->run([rows = std::move(rows), caption, path, scratch](OfficeEngine &engine, QString *error,
-                                                                     const std::function<void(int)> &report) {
+    runOffice(
+        office, QStringLiteral("Отправить список в Excel"),
+        QStringLiteral("Запись файла «%1»…").arg(QFileInfo(path).fileName()),
+        [rows = std::move(rows), caption, path, scratch](OfficeEngine &engine, QString *error,
+                                                         const std::function<void(int)> &report) {
             return MatSpreadsheet::writeFile(engine, rows, caption, path, scratch, error, report);
-        }));
+        },
+        [this, path](const OfficeService::Result &r) {
+            if (!r.ok) {
+                tell(QStringLiteral("Список не сохранён: %1").arg(r.error));
+                return;
+            }
+            dialogs().tell(Captions::info,
+                           QStringLiteral("Список сохранён в файл %1").arg(QDir::toNativeSeparators(path)));
+        });
 }

@@ -6,13 +6,13 @@
 // asks for the materials to be put into the estimate; the main window's part does it.
 
 #include "MatList.h"
+#include "office/OfficeService.h"
 
 #include <QWidget>
 #include <functional>
 #include <vector>
 
 class MaterialLists;
-class OfficeService;
 class QAction;
 class QComboBox;
 class QLabel;
@@ -107,6 +107,11 @@ private:
     QString scratchFolder() const;
     // A progress window for office work started from here.
     class QProgressDialog *progressWindow(const QString &title, const QString &text);
+    // The program's office engine when it can take work now (the user was told why not).
+    OfficeService *officeReady();
+    // Runs an office job behind a progress window; `done` gets its result on this thread.
+    void runOffice(OfficeService *office, const QString &title, const QString &text, OfficeService::Job job,
+                   std::function<void(const OfficeService::Result &)> done);
 
     MaterialLists &m_lists;
     QString m_dataFolder;

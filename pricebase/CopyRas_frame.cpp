@@ -1,6 +1,7 @@
 #include "CopyRas_frame.h"
 
-#include <QDialogButtonBox>
+#include "ui/DialogButtons.h"
+
 #include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
@@ -36,12 +37,7 @@ TCopyRas::TCopyRas(PriceCopy::List current, bool serverConnected, QWidget *paren
     layout->addWidget(new QLabel(QStringLiteral("Список, в который копируются расценки, будет заменён; цены "
                                                 "копируются в текущей валюте."),
                                  this));
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("Копировать"));
-    buttons->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("Отмена"));
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    layout->addWidget(buttons);
+    layout->addWidget(acceptCancelButtons(this, QStringLiteral("Копировать")));
 }
 
 PriceCopy::List TCopyRas::target() const {

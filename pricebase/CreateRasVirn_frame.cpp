@@ -1,6 +1,7 @@
 #include "CreateRasVirn_frame.h"
 
-#include <QDialogButtonBox>
+#include "ui/DialogButtons.h"
+
 #include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
@@ -23,12 +24,7 @@ TCreateRasVirn::TCreateRasVirn(QWidget *parent) : QDialog(parent) {
     radios->addWidget(RadioMyPrice);
     radios->addWidget(RadioPrice2);
     layout->addWidget(group);
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("Копировать"));
-    buttons->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("Отмена"));
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    layout->addWidget(buttons);
+    layout->addWidget(acceptCancelButtons(this, QStringLiteral("Копировать")));
 }
 
 PriceCopy::List TCreateRasVirn::source() const {
