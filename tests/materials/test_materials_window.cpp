@@ -223,6 +223,7 @@ TEST_F(MaterialsWindow, AttachingToTheChosenRateAndItsRefusals) {
     dialogs->clear();
     frame()->ToolAddResurs->trigger();
     EXPECT_TRUE(dialogs->shown().isEmpty());
+    part->listWindow()->grab().save(QStringLiteral(VIRN_SCREENSHOT_DIR "/materials_list_window.png"));
     EXPECT_EQ(queryRows(price, "SELECT name, edizm, cena, ras, val FROM resurs1"),
               QStringList{"Штукатурка гипсовая, мешок 30 кг|шт.|520|3|rub"});
     // In the panel's tab the rate grid shows the lists, not rates.
