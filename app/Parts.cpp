@@ -12,14 +12,17 @@
 #include "estimate/EditorPart.h"
 #include "estimate/HeaderPart.h"
 #include "estimate/OutputPart.h"
+#include "materials/MaterialsPart.h"
 #include "pricebase/PricePart.h"
 #include "server/ServerPart.h"
+#include "pricebase/ResourcesPart.h"
 
 std::vector<ShellPart *> makeShellParts(QObject *owner) {
     return {
         new DocumentFilePart(owner), // file menu, drafts, recent documents, autosave
         new EditorPart(owner),       // the estimate's pages and editing commands
         new PricePart(owner),        // the rate panel, live search, insertion
+        new ResourcesPart(owner),    // rate resources, copying lists, the note to the lists
         new CustomersPart(owner),    // customers, objects, contractor
         new HeaderPart(owner),       // the estimate's header
         new OutputPart(owner),       // preview, print, PDF and spreadsheet of the estimate
@@ -27,5 +30,6 @@ std::vector<ShellPart *> makeShellParts(QObject *owner) {
         new CalculatorsPart(owner),  // mix calculator, figure-area plug-in
         new ActsPart(owner),         // the act data, acts КС-2, КС-3 and the plain act
         new InvoicePart(owner),      // the payment invoice
+        new MaterialsPart(owner),    // materials lists: picking, attaching to rates, spreadsheets
     };
 }

@@ -158,9 +158,9 @@ void EditorPart::buildPages() {
         m_crewView->setColumnWidth(c, 95);
 
     // The estimate's materials on a page of their own.
-    auto *materials = new TSmetaMaterials(m_doc->editor().materials());
-    materials->setObjectName(QStringLiteral("TabSheetMat"));
-    pages->addTab(materials, QStringLiteral("Материалы"));
+    m_materialsPage = new TSmetaMaterials(m_doc->editor().materials());
+    m_materialsPage->setObjectName(QStringLiteral("TabSheetMat"));
+    pages->addTab(m_materialsPage, QStringLiteral("Материалы"));
 }
 
 QAction *EditorPart::command(const char *name, const QString &text, const QKeySequence &key, int icon,
@@ -277,6 +277,10 @@ void EditorPart::documentLoaded() {
 
 void EditorPart::showEstimatePage() {
     m_shell->pages()->setCurrentWidget(m_estimatePage);
+}
+
+void EditorPart::showMaterialsPage() {
+    m_shell->pages()->setCurrentWidget(m_materialsPage);
 }
 
 void EditorPart::showTotals() {

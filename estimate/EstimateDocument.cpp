@@ -61,6 +61,7 @@ EstimateDocument::EstimateDocument(QObject *parent)
     connect(materials, &QAbstractItemModel::dataChanged, this, &EstimateDocument::edit);
     connect(materials, &QAbstractItemModel::rowsInserted, this, &EstimateDocument::edit);
     connect(materials, &QAbstractItemModel::rowsRemoved, this, &EstimateDocument::edit);
+    connect(m_editor.get(), &EstimateEditor::materialsEdited, this, &EstimateDocument::edit);
     connect(m_editor->koef(), &KoefModel::linesChanged, this, &EstimateDocument::edit);
     connect(m_editor->crew(), &CrewSheet::settingsChanged, this, [this] {
         // The crew coefficient the user set becomes the default of the next document.

@@ -10,7 +10,7 @@
 //     grid->setCell(row, EstimateCol::Name, name); ...
 //
 // A change made outside any scope is recorded as a step of its own when control returns to the event
-// loop.
+// loop. A scope's step also holds what it changed in the estimate's materials.
 
 #include "storage/Catalogue.h"
 #include "storage/Money.h"
@@ -141,7 +141,8 @@ public:
     ProblemCells problemCells() const;
 
 public slots:
-    // Someone wrote the materials table of the working database: reload it and total again.
+    // Someone wrote the materials table of the working database (an edit of the document): reload it
+    // and total again.
     void materialsChanged();
     // Someone wrote the koef table of the working database: reload the lines and total again.
     void koefChanged();
@@ -156,6 +157,8 @@ signals:
     // A committed, undone or redone step inserted, removed or re-quantified rows of these rates
     // (idRas, NamePrice): the estimate's materials from norms may need recomputing.
     void ratesAffected(const QList<QPair<QString, QString>> &rates);
+    // The materials table was written from outside the materials tab (an insertion, an undone step).
+    void materialsEdited();
 
 private:
     friend class Scope;

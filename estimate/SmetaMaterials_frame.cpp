@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLabel>
+#include <QMenu>
 #include <QPushButton>
 #include <QTableView>
 #include <QVBoxLayout>
@@ -28,6 +29,13 @@ TSmetaMaterials::TSmetaMaterials(EstimateMaterials *model, QWidget *parent)
     StringGridMat->setColumnWidth(MatCol::Name, 380);
     StringGridMat->horizontalHeader()->setStretchLastSection(true);
     layout->addWidget(StringGridMat, 1);
+    PopupMenuMat = new QMenu(this);
+    PopupMenuMat->setObjectName(QStringLiteral("PopupMenuMat"));
+    StringGridMat->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(StringGridMat, &QWidget::customContextMenuRequested, this, [this](const QPoint &pos) {
+        if (!PopupMenuMat->isEmpty())
+            PopupMenuMat->popup(StringGridMat->viewport()->mapToGlobal(pos));
+    });
 
     auto *bar = new QHBoxLayout;
     ButtonAddMat = new QPushButton(QStringLiteral("Добавить материал"), this);

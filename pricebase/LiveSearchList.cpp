@@ -2,6 +2,7 @@
 
 #include <QAbstractItemDelegate>
 #include <QAbstractItemView>
+#include <QApplication>
 #include <QChildEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -145,4 +146,17 @@ bool CellEditorWatcher::eventFilter(QObject *watched, QEvent *event) {
         }
     }
     return QObject::eventFilter(watched, event);
+}
+
+void returnTypingToEditor(LiveSearchList *list, CellEditorWatcher *watcher, QAbstractItemView *view) {
+    QObject::connect(list, &LiveSearchList::typingReturned, watcher,
+                     [watcher, view](int key, Qt::KeyboardModifiers mods, const QString &text) {
+                         QWidget *target = watcher->editor() ? static_cast<QWidget *>(watcher->editor())
+                                                             : static_cast<QWidget *>(view);
+                         target->setFocus();
+                         if (key == 0)
+                             return;
+                         QKeyEvent press(QEvent::KeyPress, key, mods, text);
+                         QApplication::sendEvent(target, &press);
+                     });
 }

@@ -63,3 +63,7 @@ private:
     QPointer<QLineEdit> m_editor;
     QModelIndex m_index;
 };
+
+// Keys typed into the list that are not its own (typingReturned) go back to the cell editor, or to the
+// view when no editor is open.
+void returnTypingToEditor(LiveSearchList *list, CellEditorWatcher *watcher, QAbstractItemView *view);
