@@ -102,6 +102,10 @@ public:
             ok = replaceAll(req.value(QStringLiteral("pairs")).toArray(), &error);
         } else if (op == QLatin1String("saveAs")) {
             ok = saveAs(req, &error);
+        } else if (op == QLatin1String("bodyHtml") || op == QLatin1String("replaceBody")) {
+            ok = body(op == QLatin1String("replaceBody"), req, &answer, &error);
+        } else if (op == QLatin1String("setPage")) {
+            ok = setPage(req, &error);
         } else if (m_s.docType() != LokSession::DocType::Spreadsheet) {
             error = "операция только для таблиц: " + op.toStdString();
         } else if (op == QLatin1String("sheet")) {
@@ -181,6 +185,68 @@ private:
             options = "UTF8,LF";
         QFile::remove(path);
         return m_s.saveAs(toUrl(path), format.toStdString(), options, error);
+    }
+
+    // The body of a text document as HTML (headers, footers and page setup stay apart), or the body
+    // replaced by the HTML given, with the document's page styles, headers and footers kept.
+    bool body(bool replace, const QJsonObject &req, QJsonObject *answer, std::string *error) {
+        if (m_s.docType() != LokSession::DocType::Text) {
+            *error = "операция только для текстовых документов";
+            return false;
+        }
+        if (!m_s.selectBody(error))
+            return false;
+        if (replace) {
+            // The old body goes first, and with it the direct formatting of its first paragraph, which
+            // the pasted text would otherwise take on.
+            const QByteArray html = req.value(QStringLiteral("html")).toString().toUtf8();
+            return m_s.uno(".uno:Delete", "", kStep, error) && m_s.uno(".uno:ResetAttributes", "", kStep, error) &&
+                   m_s.paste("text/html", html.toStdString(), error);
+        }
+        std::string html;
+        if (!m_s.selection("text/html", &html, error))
+            return false;
+        (*answer)[QStringLiteral("html")] = QString::fromStdString(html);
+        return true;
+    }
+
+    // The page style under the cursor (the first page's): size and orientation, margins, in
+    // hundredths of a millimetre; what the request leaves at 0 or below 0 stays as it is.
+    bool setPage(const QJsonObject &req, std::string *error) {
+        if (m_s.docType() != LokSession::DocType::Text) {
+            *error = "операция только для текстовых документов";
+            return false;
+        }
+        const auto number = [&req](const char *key) { return req.value(QLatin1String(key)).toInt(-1); };
+        const auto args = [](std::initializer_list<std::pair<const char *, QJsonValue>> list) {
+            QJsonObject o;
+            for (const auto &p : list) {
+                const char *type = p.second.isBool() ? "boolean" : "long";
+                o[QLatin1String(p.first)] =
+                    QJsonObject{{QStringLiteral("type"), QLatin1String(type)}, {QStringLiteral("value"), p.second}};
+            }
+            return QJsonDocument(o).toJson(QJsonDocument::Compact).toStdString();
+        };
+        if (number("width") > 0 && number("height") > 0) {
+            const bool landscape = req.value(QStringLiteral("landscape")).toBool();
+            if (!m_s.uno(".uno:AttributePage", args({{"AttributePage.Landscape", landscape}}), kStep, error) ||
+                !m_s.uno(".uno:AttributePageSize",
+                         args({{"AttributePageSize.Width", number("width")},
+                               {"AttributePageSize.Height", number("height")}}),
+                         kStep, error))
+                return false;
+        }
+        if (number("left") >= 0 && number("right") >= 0 &&
+            !m_s.uno(".uno:PageLRMargin",
+                     args({{"PageLRMargin.Left", number("left")}, {"PageLRMargin.Right", number("right")}}), kStep,
+                     error))
+            return false;
+        if (number("top") >= 0 && number("bottom") >= 0 &&
+            !m_s.uno(".uno:PageULMargin",
+                     args({{"PageULMargin.Upper", number("top")}, {"PageULMargin.Lower", number("bottom")}}), kStep,
+                     error))
+            return false;
+        return true;
     }
 
     // Comma separated, quoted by '"', UTF-8, cells as shown.
