@@ -7,7 +7,10 @@
 #include <QColorDialog>
 #include <QComboBox>
 #include <QFontComboBox>
+#include <QIcon>
 #include <QImage>
+#include <QPainter>
+#include <QPixmap>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -19,6 +22,42 @@ namespace {
 
 constexpr qreal kIndentStepPx = 1.25 / 2.54 * 96; // 1,25 cm
 constexpr qsizetype kMaxPictureBytes = 20 * 1024 * 1024;
+
+// The paragraph tools' pictures: the theme's when the desktop has them, else lines drawn here.
+enum class Picture { Left, Center, Right, Justify, Indent, Outdent };
+
+QIcon picture(Picture kind, const char *themeName) {
+    if (QIcon::hasThemeIcon(QLatin1String(themeName)))
+        return QIcon::fromTheme(QLatin1String(themeName));
+    QPixmap pixmap(16, 16);
+    pixmap.fill(Qt::transparent);
+    QPainter p(&pixmap);
+    p.setPen(QPen(QColor(40, 40, 40), 1.4));
+    const int widths[] = {14, 9, 14, 9};
+    for (int i = 0; i < 4; ++i) {
+        const int y = 2 + i * 4;
+        int w = widths[i];
+        int x = 1;
+        switch (kind) {
+        case Picture::Center: x = (16 - w) / 2; break;
+        case Picture::Right: x = 15 - w; break;
+        case Picture::Justify: w = 14; break;
+        case Picture::Indent:
+        case Picture::Outdent: x = (i == 0 || i == 3) ? 1 : 6; w = (i == 0 || i == 3) ? 14 : 9; break;
+        case Picture::Left: break;
+        }
+        p.drawLine(x, y, x + w, y);
+    }
+    if (kind == Picture::Indent || kind == Picture::Outdent) {
+        // An arrow beside the short lines: to the right for more indent, to the left for less.
+        const bool in = kind == Picture::Indent;
+        QPolygonF arrow;
+        arrow << QPointF(in ? 4.5 : 1, 8) << QPointF(in ? 1 : 4.5, 5.5) << QPointF(in ? 1 : 4.5, 10.5);
+        p.setBrush(QColor(40, 40, 40));
+        p.drawPolygon(arrow);
+    }
+    return QIcon(pixmap);
+}
 
 } // namespace
 
@@ -75,6 +114,7 @@ ContractEditor::ContractEditor(QWidget *parent) : QWidget(parent) {
     m_font = new QFontComboBox(m_bar);
     m_font->setObjectName(QStringLiteral("cmbFontName"));
     m_font->setToolTip(QStringLiteral("Шрифт"));
+    m_font->setMaximumWidth(190);
     m_bar->addWidget(m_font);
     connect(m_font, &QFontComboBox::textActivated, this, &ContractEditor::setFontFamily);
     m_size = new QComboBox(m_bar);
@@ -118,10 +158,18 @@ ContractEditor::ContractEditor(QWidget *parent) : QWidget(parent) {
     m_bar->addSeparator();
 
     auto *align = new QActionGroup(this);
-    m_left = action("spdAlignLeft", QStringLiteral("⯇"), QStringLiteral("По левому краю"), QKeySequence(Qt::CTRL | Qt::Key_L));
-    m_center = action("spdAlignCenter", QStringLiteral("≡"), QStringLiteral("По центру"), QKeySequence(Qt::CTRL | Qt::Key_E));
-    m_right = action("spdAlignRight", QStringLiteral("⯈"), QStringLiteral("По правому краю"), QKeySequence(Qt::CTRL | Qt::Key_R));
-    m_justify = action("spdAlignJustify", QStringLiteral("☰"), QStringLiteral("По ширине"), QKeySequence(Qt::CTRL | Qt::Key_J));
+    m_left = action("spdAlignLeft", QStringLiteral("По левому краю"), QStringLiteral("По левому краю"),
+                    QKeySequence(Qt::CTRL | Qt::Key_L));
+    m_center = action("spdAlignCenter", QStringLiteral("По центру"), QStringLiteral("По центру"),
+                      QKeySequence(Qt::CTRL | Qt::Key_E));
+    m_right = action("spdAlignRight", QStringLiteral("По правому краю"), QStringLiteral("По правому краю"),
+                     QKeySequence(Qt::CTRL | Qt::Key_R));
+    m_justify = action("spdAlignJustify", QStringLiteral("По ширине"), QStringLiteral("По ширине"),
+                       QKeySequence(Qt::CTRL | Qt::Key_J));
+    m_left->setIcon(picture(Picture::Left, "format-justify-left"));
+    m_center->setIcon(picture(Picture::Center, "format-justify-center"));
+    m_right->setIcon(picture(Picture::Right, "format-justify-right"));
+    m_justify->setIcon(picture(Picture::Justify, "format-justify-fill"));
     const QList<QPair<QAction *, Qt::Alignment>> alignments{
         {m_left, Qt::AlignLeft}, {m_center, Qt::AlignHCenter}, {m_right, Qt::AlignRight}, {m_justify, Qt::AlignJustify}};
     for (const auto &[a, how] : alignments) {
@@ -129,8 +177,10 @@ ContractEditor::ContractEditor(QWidget *parent) : QWidget(parent) {
         align->addAction(a);
         connect(a, &QAction::triggered, this, [this, how = how] { setAlignment(how); });
     }
-    QAction *outdent = action("spdOutdent", QStringLiteral("⇤"), QStringLiteral("Уменьшить отступ"));
-    QAction *indentMore = action("spdIndent", QStringLiteral("⇥"), QStringLiteral("Увеличить отступ"));
+    QAction *outdent = action("spdOutdent", QStringLiteral("Уменьшить отступ"), QStringLiteral("Уменьшить отступ"));
+    QAction *indentMore = action("spdIndent", QStringLiteral("Увеличить отступ"), QStringLiteral("Увеличить отступ"));
+    outdent->setIcon(picture(Picture::Outdent, "format-indent-less"));
+    indentMore->setIcon(picture(Picture::Indent, "format-indent-more"));
     connect(outdent, &QAction::triggered, this, [this] { indent(-1); });
     connect(indentMore, &QAction::triggered, this, [this] { indent(1); });
     m_bar->addSeparator();

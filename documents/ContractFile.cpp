@@ -43,9 +43,10 @@ bool copyFile(const QString &source, const QString &target, QString *error) {
     return true;
 }
 
-// Twentieths of a point (the unit of ".docx") to hundredths of a millimetre.
+// Twentieths of a point (the unit of ".docx") to hundredths of a millimetre, to the tenth of a
+// millimetre that twips can tell apart (11906 twips are 210,0 mm).
 int fromTwips(const QStringView value) {
-    return qRound(value.toDouble() * 2540.0 / 1440.0);
+    return qRound(value.toDouble() * 254.0 / 1440.0) * 10;
 }
 
 } // namespace

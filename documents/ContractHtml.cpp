@@ -140,12 +140,18 @@ QString forEditor(const QString &engineHtml) {
         return u'<' + name + lengthsInPixels(attributes) + u'>';
     });
 
-    // A paragraph of line breaks only is one empty line for the engine; the break that ends a
-    // paragraph adds no line there either.
-    static const Re emptyParagraph(QStringLiteral("(<p[^>]*>)(?:\\s|<br\\s*/?>)+</p>"), Re::CaseInsensitiveOption);
-    html.replace(emptyParagraph, QStringLiteral("\\1</p>"));
-    static const Re closingBreak(QStringLiteral("<br\\s*/?>(\\s*</p>)"), Re::CaseInsensitiveOption);
-    html.replace(closingBreak, QStringLiteral("\\1"));
+    // A paragraph of line breaks only is one empty line for the engine (the editor drops a paragraph
+    // with nothing in it unless it is marked as empty); the break that ends a paragraph adds no line
+    // there either.
+    static const Re emptyParagraph(QStringLiteral("<p([^>]*)style=\"([^\"]*)\"([^>]*)>(?:\\s|<br\\s*/?>)+</p>"),
+                                   Re::CaseInsensitiveOption);
+    html.replace(emptyParagraph, QStringLiteral("<p\\1style=\"-qt-paragraph-type:empty; \\2\"\\3><br/></p>"));
+    static const Re closingBreak(QStringLiteral("([^>\\s]\\s*(?:</[a-z]+>\\s*)*)<br\\s*/?>(\\s*</p>)"),
+                                 Re::CaseInsensitiveOption);
+    html.replace(closingBreak, QStringLiteral("\\1\\2"));
+    // The line ends the engine writes before a paragraph's end are layout of the file, not text.
+    static const Re closingSpace(QStringLiteral("\\s+</p>"), Re::CaseInsensitiveOption);
+    html.replace(closingSpace, QStringLiteral("</p>"));
     return html;
 }
 
@@ -208,6 +214,10 @@ QString forEngine(const QTextDocument &document) {
         if (isParagraph(tag) && attribute(attributes, QStringLiteral("align")).isEmpty() &&
             !byName.contains(QStringLiteral("text-align")))
             out.append({QStringLiteral("text-align"), QStringLiteral("left")});
+        // The engine reads a cell's vertical alignment from its attribute.
+        if ((tag == QLatin1String("td") || tag == QLatin1String("th")) && byName.contains(QStringLiteral("vertical-align")) &&
+            attribute(attributes, QStringLiteral("valign")).isEmpty())
+            attributes += QStringLiteral(" valign=\"%1\"").arg(byName.value(QStringLiteral("vertical-align")));
         attributes = withoutAttribute(attributes, QStringLiteral("style"));
         if (!out.isEmpty())
             attributes += QStringLiteral(" style=\"%1\"").arg(joined(out));

@@ -70,17 +70,22 @@ void TContract::build() {
                                        QStringLiteral("Сохранить текст редактора как шаблон договора"));
     ComboBoxZakaz = named(new QComboBox(this), "ComboBoxZakaz");
     ComboBoxZakaz->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    ComboBoxZakaz->setMinimumContentsLength(22);
+    ComboBoxZakaz->setMinimumContentsLength(16);
     Edit6 = named(new QLineEdit(this), "Edit6");
     Edit6->setToolTip(QStringLiteral("Сметная стоимость"));
-    Edit6->setMaximumWidth(140);
+    Edit6->setMinimumWidth(110);
+    Edit6->setMaximumWidth(160);
     SpinEditAvans = named(new QSpinBox(this), "SpinEditAvans");
     SpinEditAvans->setRange(0, 100);
     SpinEditAvans->setSuffix(QStringLiteral(" %"));
     EditAvans = named(new QLineEdit(this), "EditAvans");
-    EditAvans->setMaximumWidth(120);
+    EditAvans->setToolTip(QStringLiteral("Аванс: сметная стоимость × процент, округлённая по правилу договора"));
+    EditAvans->setMinimumWidth(90);
+    EditAvans->setMaximumWidth(140);
     EditOstatok = named(new QLineEdit(this), "EditOstatok");
-    EditOstatok->setMaximumWidth(140);
+    EditOstatok->setToolTip(QStringLiteral("Остаток: сметная стоимость минус аванс"));
+    EditOstatok->setMinimumWidth(110);
+    EditOstatok->setMaximumWidth(160);
     QPushButton *create = button(this, "btnCreateContract", QStringLiteral("Составить договор"),
                                  QStringLiteral("Заполнить шаблон данными сметы, подрядчика и заказчика"));
     QPushButton *preview = button(this, "btnPreview", QStringLiteral("Предварительный просмотр"));
@@ -107,9 +112,11 @@ void TContract::build() {
     advance->addWidget(EditAvans);
     advance->addWidget(new QLabel(QStringLiteral("Остаток:"), this));
     advance->addWidget(EditOstatok);
+    advance->addStretch(1);
     fields->addLayout(advance, 1, 5);
     fields->addWidget(create, 1, 6, 1, 2);
-    fields->setColumnStretch(1, 1);
+    fields->setColumnStretch(1, 2);
+    fields->setColumnStretch(5, 1);
     auto *commands = new QHBoxLayout;
     commands->addWidget(preview);
     commands->addWidget(print);
@@ -149,8 +156,10 @@ void TContract::build() {
     auto *splitter = new QSplitter(Qt::Horizontal, this);
     splitter->addWidget(m_editor);
     splitter->addWidget(side);
-    splitter->setStretchFactor(0, 4);
-    splitter->setStretchFactor(1, 1);
+    splitter->setStretchFactor(0, 1);
+    splitter->setStretchFactor(1, 0);
+    side->setMinimumWidth(260);
+    side->setMaximumWidth(420);
 
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(fields);

@@ -15,6 +15,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 #include <QUrl>
 
 #include <csignal>
@@ -197,11 +198,18 @@ private:
         if (!m_s.selectBody(error))
             return false;
         if (replace) {
-            // The old body goes first, and with it the direct formatting of its first paragraph, which
-            // the pasted text would otherwise take on.
-            const QByteArray html = req.value(QStringLiteral("html")).toString().toUtf8();
+            // The old body goes first, and with it the direct formatting of its first paragraph. The
+            // paragraph left behind takes in the first pasted paragraph without that paragraph's own
+            // looks (alignment, spacing): a paragraph of one sign goes first instead, then the sign and
+            // its paragraph are deleted, and the next paragraph keeps its looks.
+            QString html = req.value(QStringLiteral("html")).toString();
+            static const QRegularExpression body(QStringLiteral("<body[^>]*>"), QRegularExpression::CaseInsensitiveOption);
+            const QRegularExpressionMatch m = body.match(html);
+            html.insert(m.hasMatch() ? m.capturedEnd() : 0, QStringLiteral("<p>§</p>"));
             return m_s.uno(".uno:Delete", "", kStep, error) && m_s.uno(".uno:ResetAttributes", "", kStep, error) &&
-                   m_s.paste("text/html", html.toStdString(), error);
+                   m_s.paste("text/html", html.toUtf8().toStdString(), error) &&
+                   m_s.uno(".uno:GoToStartOfDoc", "", kStep, error) && m_s.uno(".uno:EndOfParaSel", "", kStep, error) &&
+                   m_s.uno(".uno:Delete", "", kStep, error) && m_s.uno(".uno:Delete", "", kStep, error);
         }
         std::string html;
         if (!m_s.selection("text/html", &html, error))

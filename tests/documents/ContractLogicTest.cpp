@@ -9,6 +9,8 @@
 #include "office/InWord.h"
 #include "storage/ModuleSQL.h"
 
+#include "ContractTestData.h"
+
 #include "../storage/QStringPrinter.h"
 #include "SqlRows.h"
 #include "TestFolder.h"
@@ -65,33 +67,6 @@ TEST(ContractAdvance, RemainderIsTotalMinusAdvance) {
               QStringLiteral("-0,50"));
     EXPECT_EQ(ContractAmounts::remainderText(QStringLiteral("1000"), QString()), QString());
     EXPECT_EQ(ContractAmounts::remainderText(QStringLiteral("x"), QStringLiteral("10")), QString());
-}
-
-ContractFill::Data fullData() {
-    ContractFill::Data d;
-    d.date = QDate(2026, 3, 5);
-    d.currency = 0;
-    d.total = QStringLiteral("35271,43");
-    ContractFill::setAmounts(&d, 35);
-    d.object = QStringLiteral("Квартира, ул. Садовая, д. 14");
-    d.works = QStringLiteral("Ремонт кухни");
-    d.contractor.found = true;
-    d.contractor.contractor = {{"id", "1"}, {"shotname", "ИП Соболев"}, {"longname", "ИП Соболев Денис Андреевич"},
-                               {"phone", "+7 999 308-41-16"}};
-    d.contractor.requisites = {{"certificate", "св-во 76 № 1"}, {"pasport", "78 19 402715"},
-                               {"adres", "г.Ярославль, ул. Полевая, 8"}, {"inn", "760419305865"},
-                               {"okpo", "318762700041729"}, {"bank", "АО «Банк»"}, {"bik", "047888913"},
-                               {"account", "40802810577010004521"}, {"koraccount", "30101810500000000913"},
-                               {"note", "ИНН 760419305865"}, {"boss", "Соболев Д.А."}};
-    d.contractor.email = QStringLiteral("sobolev@example.com");
-    d.customer.found = true;
-    d.customer.customer = {{"_id", "1"}, {"fio", "Кудрявцев Олег"}, {"phone", "+7 999 214-57-38"},
-                           {"address", "г.Ярославль, ул. Садовая, 14"}, {"Agent", "Кудрявцева Анна"},
-                           {"email", "o.k@example.com"}, {"note", "паспорт 78 19"}};
-    d.customer.requisites = {{"pasport", "серия 78 19 № 402715"}, {"inn", "760628471915"}, {"okpo", "1027600000000"},
-                             {"bank", "ПАО «Сбер»"}, {"bik", "047888001"}, {"account", "40817810000000000001"},
-                             {"koraccount", "30101810000000000001"}, {"boss", "Кудрявцев О.Н."}};
-    return d;
 }
 
 QMap<QString, QString> asMap(const WordTemplate::Replacements &list) {
@@ -241,11 +216,11 @@ TEST(ContractHtml, EngineHtmlBecomesWhatTheEditorReads) {
         "<p class=\"western\" align=\"center\" style=\"margin-bottom: 0.15cm\"><font size=\"4\" "
         "style=\"font-size: 14pt\"><b>ДОГОВОР</b></font></p>"
         "<p class=\"western\" style=\"text-indent: 1cm\">Текст 5 cm, а не 5cm</p>"
-        "<p class=\"western\"><br/>\n<br/>\n</p></body></html>");
+        "<p class=\"western\"><br/>\n<br/>\n</p><p class=\"western\">Строка<br/>\n</p></body></html>");
     ensureApplication();
     QTextDocument doc;
     doc.setHtml(ContractHtml::forEditor(engine));
-    ASSERT_EQ(doc.blockCount(), 3);
+    ASSERT_EQ(doc.blockCount(), 4);
     const QTextBlock title = doc.firstBlock();
     EXPECT_EQ(title.text(), "ДОГОВОР");
     EXPECT_TRUE(title.blockFormat().alignment() & Qt::AlignHCenter) << "the paragraph's own alignment wins";
@@ -258,6 +233,7 @@ TEST(ContractHtml, EngineHtmlBecomesWhatTheEditorReads) {
     EXPECT_EQ(title.next().blockFormat().textIndent(), 38);
     EXPECT_EQ(title.next().text(), "Текст 5 cm, а не 5cm") << "lengths change in tags only";
     EXPECT_TRUE(title.next().next().text().isEmpty()) << "an empty paragraph stays one empty line";
+    EXPECT_EQ(doc.lastBlock().text(), "Строка") << "the break that ends a paragraph adds no line";
 }
 
 TEST(ContractHtml, EditorHtmlBecomesWhatTheEngineReads) {
