@@ -39,12 +39,22 @@ QIcon picture(Picture kind, const char *themeName) {
         int w = widths[i];
         int x = 1;
         switch (kind) {
-        case Picture::Center: x = (16 - w) / 2; break;
-        case Picture::Right: x = 15 - w; break;
-        case Picture::Justify: w = 14; break;
+        case Picture::Center:
+            x = (16 - w) / 2;
+            break;
+        case Picture::Right:
+            x = 15 - w;
+            break;
+        case Picture::Justify:
+            w = 14;
+            break;
         case Picture::Indent:
-        case Picture::Outdent: x = (i == 0 || i == 3) ? 1 : 6; w = (i == 0 || i == 3) ? 14 : 9; break;
-        case Picture::Left: break;
+        case Picture::Outdent:
+            x = (i == 0 || i == 3) ? 1 : 6;
+            w = (i == 0 || i == 3) ? 14 : 9;
+            break;
+        case Picture::Left:
+            break;
         }
         p.drawLine(x, y, x + w, y);
     }
@@ -71,8 +81,8 @@ QVariant TRichViewEdit::loadResource(int type, const QUrl &name) {
         return {};
     const QByteArray head = url.left(comma);
     const QByteArray payload = url.mid(comma + 1);
-    const QByteArray bytes = head.endsWith(";base64") ? QByteArray::fromBase64(payload)
-                                                       : QByteArray::fromPercentEncoding(payload);
+    const QByteArray bytes =
+        head.endsWith(";base64") ? QByteArray::fromBase64(payload) : QByteArray::fromPercentEncoding(payload);
     QImage image;
     if (bytes.size() > kMaxPictureBytes || !image.loadFromData(bytes))
         return {};
@@ -89,10 +99,12 @@ ContractEditor::ContractEditor(QWidget *parent) : QWidget(parent) {
     m_edit->setLineWrapMode(QTextEdit::FixedPixelWidth);
     m_edit->document()->setDefaultFont(QFont(QStringLiteral("Times New Roman"), 12));
 
-    const auto action = [this](const char *name, const QString &text, const QString &tip, QKeySequence key = {}) {
+    const auto action = [this](const char *name, const QString &text, const QString &tip,
+                               QKeySequence key = {}) {
         QAction *a = m_bar->addAction(text);
         a->setObjectName(QLatin1String(name));
-        a->setToolTip(key.isEmpty() ? tip : QStringLiteral("%1 (%2)").arg(tip, key.toString(QKeySequence::NativeText)));
+        a->setToolTip(
+            key.isEmpty() ? tip : QStringLiteral("%1 (%2)").arg(tip, key.toString(QKeySequence::NativeText)));
         if (!key.isEmpty()) {
             a->setShortcut(key);
             a->setShortcutContext(Qt::WidgetWithChildrenShortcut);
@@ -153,7 +165,8 @@ ContractEditor::ContractEditor(QWidget *parent) : QWidget(parent) {
     connect(m_underline, &QAction::triggered, this, &ContractEditor::setUnderline);
     QAction *color = action("spdTextColor", QStringLiteral("А▾"), QStringLiteral("Цвет текста"));
     connect(color, &QAction::triggered, this, &ContractEditor::chooseTextColor);
-    QAction *background = action("spdBackColor", QStringLiteral("▆▾"), QStringLiteral("Цвет выделения текста"));
+    QAction *background =
+        action("spdBackColor", QStringLiteral("▆▾"), QStringLiteral("Цвет выделения текста"));
     connect(background, &QAction::triggered, this, &ContractEditor::chooseBackgroundColor);
     m_bar->addSeparator();
 
@@ -170,21 +183,26 @@ ContractEditor::ContractEditor(QWidget *parent) : QWidget(parent) {
     m_center->setIcon(picture(Picture::Center, "format-justify-center"));
     m_right->setIcon(picture(Picture::Right, "format-justify-right"));
     m_justify->setIcon(picture(Picture::Justify, "format-justify-fill"));
-    const QList<QPair<QAction *, Qt::Alignment>> alignments{
-        {m_left, Qt::AlignLeft}, {m_center, Qt::AlignHCenter}, {m_right, Qt::AlignRight}, {m_justify, Qt::AlignJustify}};
+    const QList<QPair<QAction *, Qt::Alignment>> alignments{{m_left, Qt::AlignLeft},
+                                                            {m_center, Qt::AlignHCenter},
+                                                            {m_right, Qt::AlignRight},
+                                                            {m_justify, Qt::AlignJustify}};
     for (const auto &[a, how] : alignments) {
         a->setCheckable(true);
         align->addAction(a);
         connect(a, &QAction::triggered, this, [this, how = how] { setAlignment(how); });
     }
-    QAction *outdent = action("spdOutdent", QStringLiteral("Уменьшить отступ"), QStringLiteral("Уменьшить отступ"));
-    QAction *indentMore = action("spdIndent", QStringLiteral("Увеличить отступ"), QStringLiteral("Увеличить отступ"));
+    QAction *outdent =
+        action("spdOutdent", QStringLiteral("Уменьшить отступ"), QStringLiteral("Уменьшить отступ"));
+    QAction *indentMore =
+        action("spdIndent", QStringLiteral("Увеличить отступ"), QStringLiteral("Увеличить отступ"));
     outdent->setIcon(picture(Picture::Outdent, "format-indent-less"));
     indentMore->setIcon(picture(Picture::Indent, "format-indent-more"));
     connect(outdent, &QAction::triggered, this, [this] { indent(-1); });
     connect(indentMore, &QAction::triggered, this, [this] { indent(1); });
     m_bar->addSeparator();
-    QAction *page = action("spdPageSetup", QStringLiteral("Параметры страницы…"), QStringLiteral("Размер бумаги, ориентация, поля"));
+    QAction *page = action("spdPageSetup", QStringLiteral("Параметры страницы…"),
+                           QStringLiteral("Размер бумаги, ориентация, поля"));
     connect(page, &QAction::triggered, this, &ContractEditor::pageOptions);
 
     auto *layout = new QVBoxLayout(this);
@@ -345,8 +363,7 @@ void ContractEditor::chooseTextColor() {
 }
 
 void ContractEditor::chooseBackgroundColor() {
-    const QColor c =
-        QColorDialog::getColor(Qt::yellow, this, QStringLiteral("Цвет выделения текста"));
+    const QColor c = QColorDialog::getColor(Qt::yellow, this, QStringLiteral("Цвет выделения текста"));
     if (c.isValid())
         setBackgroundColor(c);
 }

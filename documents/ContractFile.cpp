@@ -21,7 +21,8 @@ bool copyFile(const QString &source, const QString &target, QString *error) {
     const QFileInfo info(target);
     const QString shown = QDir::toNativeSeparators(target);
     if (!QDir().mkpath(info.absolutePath())) {
-        *error = QStringLiteral("Не удаётся создать папку %1.").arg(QDir::toNativeSeparators(info.absolutePath()));
+        *error =
+            QStringLiteral("Не удаётся создать папку %1.").arg(QDir::toNativeSeparators(info.absolutePath()));
         return false;
     }
     const QString temp = info.absoluteDir().filePath(QStringLiteral(".~%1-%2.%3")
@@ -37,7 +38,8 @@ bool copyFile(const QString &source, const QString &target, QString *error) {
     QFile::remove(target);
     if (!QFile::rename(temp, target)) {
         QFile::remove(temp);
-        *error = QStringLiteral("Не удаётся записать %1: файл занят другой программой или нет прав.").arg(shown);
+        *error =
+            QStringLiteral("Не удаётся записать %1: файл занят другой программой или нет прав.").arg(shown);
         return false;
     }
     return true;
@@ -150,7 +152,8 @@ PageInfo pageOf(const QString &docxPath) {
             inSection = false;
             // With a header the page style's top margin is where the header starts.
             current.page.top = fromTwips(hasHeader && !headerDistance.isEmpty() ? headerDistance : topMargin);
-            current.page.bottom = fromTwips(hasFooter && !footerDistance.isEmpty() ? footerDistance : bottomMargin);
+            current.page.bottom =
+                fromTwips(hasFooter && !footerDistance.isEmpty() ? footerDistance : bottomMargin);
             info = current;
         }
     }

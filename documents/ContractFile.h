@@ -26,7 +26,8 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const WordTemplate:
 
 // The body of a document as HTML for the editor (headers, footers and page setup are not part of it).
 // A file that cannot be loaded gives false with a Russian message and *notLoaded set.
-bool readBody(OfficeEngine &engine, const QString &path, QString *html, QString *error, bool *notLoaded = nullptr);
+bool readBody(OfficeEngine &engine, const QString &path, QString *html, QString *error,
+              bool *notLoaded = nullptr);
 
 // What the user changed in the window.
 struct Edits {

@@ -70,7 +70,7 @@ const QVector<Placeholder> &placeholders() {
 
 QString monthGenitive(int month) {
     static const char *const names[] = {"Января", "Февраля", "Марта",    "Апреля",  "Мая",    "Июня",
-                                         "Июля",   "Августа", "Сентября", "Октября", "Ноября", "Декабря"};
+                                        "Июля",   "Августа", "Сентября", "Октября", "Ноября", "Декабря"};
     return month >= 1 && month <= 12 ? QString::fromUtf8(names[month - 1]) : QString();
 }
 

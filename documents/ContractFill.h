@@ -31,9 +31,9 @@ QString monthGenitive(int month);
 
 // The estimate and the parties a contract is made of.
 struct Data {
-    QDate date;       // the estimate's date
-    QDate endDate;    // the package's expected end of works; invalid outside the package
-    int currency = 0; // EditValuta index
+    QDate date;        // the estimate's date
+    QDate endDate;     // the package's expected end of works; invalid outside the package
+    int currency = 0;  // EditValuta index
     QString total;     // the grand total as shown ("274317,84")
     QString advance;   // the advance ("96500")
     QString remainder; // total − advance ("177817,84")

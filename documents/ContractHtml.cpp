@@ -84,7 +84,9 @@ QString lengthsInPixels(const QString &text) {
         const auto m = it.next();
         const double v = m.captured(1).toDouble();
         const QString unit = m.captured(2);
-        const double px = unit == QLatin1String("cm") ? v * 96 / 2.54 : unit == QLatin1String("mm") ? v * 96 / 25.4 : v * 96;
+        const double px = unit == QLatin1String("cm")   ? v * 96 / 2.54
+                          : unit == QLatin1String("mm") ? v * 96 / 25.4
+                                                        : v * 96;
         out += QStringView(text).mid(at, m.capturedStart() - at);
         out += QString::number(qRound(px)) + QStringLiteral("px");
         at = m.capturedEnd();
@@ -143,8 +145,9 @@ QString forEditor(const QString &engineHtml) {
     // A paragraph of line breaks only is one empty line for the engine (the editor drops a paragraph
     // with nothing in it unless it is marked as empty); the break that ends a paragraph adds no line
     // there either.
-    static const Re emptyParagraph(QStringLiteral("<p([^>]*)style=\"([^\"]*)\"([^>]*)>(?:\\s|<br\\s*/?>)+</p>"),
-                                   Re::CaseInsensitiveOption);
+    static const Re emptyParagraph(
+        QStringLiteral("<p([^>]*)style=\"([^\"]*)\"([^>]*)>(?:\\s|<br\\s*/?>)+</p>"),
+        Re::CaseInsensitiveOption);
     html.replace(emptyParagraph, QStringLiteral("<p\\1style=\"-qt-paragraph-type:empty; \\2\"\\3><br/></p>"));
     static const Re closingBreak(QStringLiteral("([^>\\s]\\s*(?:</[a-z]+>\\s*)*)<br\\s*/?>(\\s*</p>)"),
                                  Re::CaseInsensitiveOption);
@@ -158,7 +161,8 @@ QString forEditor(const QString &engineHtml) {
 QString forEngine(const QTextDocument &document) {
     std::unique_ptr<QTextDocument> copy(document.clone());
     // The engine keeps a paragraph of its own after the pasted text: an empty last one is not sent.
-    if (copy->blockCount() > 1 && copy->lastBlock().text().isEmpty() && !QTextCursor(copy->lastBlock()).currentTable()) {
+    if (copy->blockCount() > 1 && copy->lastBlock().text().isEmpty() &&
+        !QTextCursor(copy->lastBlock()).currentTable()) {
         QTextCursor c(copy->lastBlock());
         c.movePosition(QTextCursor::PreviousCharacter, QTextCursor::KeepAnchor);
         c.removeSelectedText();
@@ -180,8 +184,8 @@ QString forEngine(const QTextDocument &document) {
         auto list = declarations(style);
         // Properties of the editor's own, and transparent backgrounds, mean nothing to the engine.
         list.removeIf([](const auto &p) {
-            return p.first.startsWith(u'-') || (p.first == QLatin1String("background-color") &&
-                                                 p.second == QLatin1String("transparent"));
+            return p.first.startsWith(u'-') ||
+                   (p.first == QLatin1String("background-color") && p.second == QLatin1String("transparent"));
         });
         QHash<QString, QString> byName;
         for (const auto &p : list)
@@ -198,9 +202,10 @@ QString forEngine(const QTextDocument &document) {
                     continue;
                 const QString s = QStringLiteral("border-") + m.captured(1);
                 const QString width = byName.value(s + QStringLiteral("-width"), value);
-                out.append({s, QStringLiteral("%1 %2 %3")
-                                   .arg(width, byName.value(s + QStringLiteral("-style"), QStringLiteral("solid")),
-                                        byName.value(s + QStringLiteral("-color"), QStringLiteral("#000000")))});
+                out.append(
+                    {s, QStringLiteral("%1 %2 %3")
+                            .arg(width, byName.value(s + QStringLiteral("-style"), QStringLiteral("solid")),
+                                 byName.value(s + QStringLiteral("-color"), QStringLiteral("#000000")))});
                 continue;
             }
             // Lengths without a unit are pixels.
@@ -215,9 +220,11 @@ QString forEngine(const QTextDocument &document) {
             !byName.contains(QStringLiteral("text-align")))
             out.append({QStringLiteral("text-align"), QStringLiteral("left")});
         // The engine reads a cell's vertical alignment from its attribute.
-        if ((tag == QLatin1String("td") || tag == QLatin1String("th")) && byName.contains(QStringLiteral("vertical-align")) &&
+        if ((tag == QLatin1String("td") || tag == QLatin1String("th")) &&
+            byName.contains(QStringLiteral("vertical-align")) &&
             attribute(attributes, QStringLiteral("valign")).isEmpty())
-            attributes += QStringLiteral(" valign=\"%1\"").arg(byName.value(QStringLiteral("vertical-align")));
+            attributes +=
+                QStringLiteral(" valign=\"%1\"").arg(byName.value(QStringLiteral("vertical-align")));
         attributes = withoutAttribute(attributes, QStringLiteral("style"));
         if (!out.isEmpty())
             attributes += QStringLiteral(" style=\"%1\"").arg(joined(out));

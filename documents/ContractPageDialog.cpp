@@ -16,8 +16,10 @@ struct Paper {
     const char *name;
     double width, height; // mm, portrait
 };
-const Paper kPapers[] = {{"A4 (210 × 297 мм)", 210, 297},      {"A5 (148 × 210 мм)", 148, 210},
-                         {"A3 (297 × 420 мм)", 297, 420},      {"Letter (216 × 279 мм)", 215.9, 279.4},
+const Paper kPapers[] = {{"A4 (210 × 297 мм)", 210, 297},
+                         {"A5 (148 × 210 мм)", 148, 210},
+                         {"A3 (297 × 420 мм)", 297, 420},
+                         {"Letter (216 × 279 мм)", 215.9, 279.4},
                          {"Legal (216 × 356 мм)", 215.9, 355.6}};
 
 QDoubleSpinBox *millimetres(QWidget *parent, const char *name, double max) {
@@ -105,7 +107,8 @@ void ContractPageDialog::paperChosen(int index) {
 void ContractPageDialog::sizeEdited() {
     int match = int(std::size(kPapers));
     for (int i = 0; i < int(std::size(kPapers)); ++i)
-        if (qAbs(kPapers[i].width - m_width->value()) < 0.6 && qAbs(kPapers[i].height - m_height->value()) < 0.6)
+        if (qAbs(kPapers[i].width - m_width->value()) < 0.6 &&
+            qAbs(kPapers[i].height - m_height->value()) < 0.6)
             match = i;
     m_paper->setCurrentIndex(match);
 }

@@ -34,8 +34,9 @@ bool registerFile(QSqlDatabase db, const Entry &e, QString *error) {
 
     QSqlQuery q(db);
     if (id.isNull()) {
-        q.prepare(QStringLiteral("INSERT INTO contract (iddoc, data, date_compare, dataend, number, name, filename, "
-                                 "ext, avans, allsum, month, year) values(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
+        q.prepare(QStringLiteral(
+            "INSERT INTO contract (iddoc, data, date_compare, dataend, number, name, filename, "
+            "ext, avans, allsum, month, year) values(?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"));
         q.addBindValue(e.iddoc);
     } else {
         q.prepare(QStringLiteral("UPDATE contract SET data=?, date_compare=?, dataend=?, number=?, name=?, "

@@ -79,7 +79,8 @@ void TContract::build() {
     SpinEditAvans->setRange(0, 100);
     SpinEditAvans->setSuffix(QStringLiteral(" %"));
     EditAvans = named(new QLineEdit(this), "EditAvans");
-    EditAvans->setToolTip(QStringLiteral("Аванс: сметная стоимость × процент, округлённая по правилу договора"));
+    EditAvans->setToolTip(
+        QStringLiteral("Аванс: сметная стоимость × процент, округлённая по правилу договора"));
     EditAvans->setMinimumWidth(90);
     EditAvans->setMaximumWidth(140);
     EditOstatok = named(new QLineEdit(this), "EditOstatok");
@@ -187,7 +188,8 @@ void TContract::build() {
         if (!m_busy)
             m_unsaved = m_unsaved || m_editor->isModified();
     });
-    connect(m_editor, &ContractEditor::editedChanged, this, [this](bool edited) { m_unsaved = m_unsaved || edited; });
+    connect(m_editor, &ContractEditor::editedChanged, this,
+            [this](bool edited) { m_unsaved = m_unsaved || edited; });
 }
 
 // ----- Fields
@@ -242,7 +244,7 @@ ContractFill::Data TContract::contractData() const {
 
 void TContract::showParty(int which) {
     using P = ContractFill::Party;
-    m_fields->showParty(which == 1 ? std::optional<P>(P::Contractor)
+    m_fields->showParty(which == 1   ? std::optional<P>(P::Contractor)
                         : which == 2 ? std::optional<P>(P::Customer)
                                      : std::nullopt);
 }
@@ -258,8 +260,9 @@ void TContract::insertPlaceholder(const QModelIndex &index) {
 void TContract::fillTemplateList() {
     cmbFileContract->clear();
     const QDir sh(QDir(m_ctx.dataFolder).filePath(QStringLiteral("Sh")));
-    const QStringList names = sh.entryList({QStringLiteral("*.docx"), QStringLiteral("*.rtf"), QStringLiteral("*.txt")},
-                                           QDir::Files, QDir::Name | QDir::IgnoreCase);
+    const QStringList names =
+        sh.entryList({QStringLiteral("*.docx"), QStringLiteral("*.rtf"), QStringLiteral("*.txt")},
+                     QDir::Files, QDir::Name | QDir::IgnoreCase);
     for (const QString &name : names)
         cmbFileContract->addItem(name, sh.filePath(name));
     int current = cmbFileContract->findData(m_templatePath);
@@ -294,8 +297,9 @@ void TContract::templateNotLoaded(const QString &why) {
 
 void TContract::btnLoadShablonClick() {
     const QString folder = QFileInfo(m_templatePath).absolutePath();
-    const QString path = dialogs().openFile(QStringLiteral("Загрузить шаблон договора"), folder,
-                                            QStringLiteral("Шаблоны договора (*.docx *.rtf *.txt);;Все файлы (*)"));
+    const QString path =
+        dialogs().openFile(QStringLiteral("Загрузить шаблон договора"), folder,
+                           QStringLiteral("Шаблоны договора (*.docx *.rtf *.txt);;Все файлы (*)"));
     if (!path.isEmpty())
         loadTemplate(path);
 }
@@ -311,63 +315,63 @@ void TContract::loadTemplate(const QString &path) {
         return;
     }
     auto html = std::make_shared<QString>();
-    runJob(QStringLiteral("Загрузка шаблона…"),
-           [path, html](OfficeEngine &engine, QString *error) {
-               return ContractFile::readBody(engine, path, html.get(), error);
-           },
-           [this, path, html](bool ok, const QString &error) {
-               if (!ok) {
-                   templateNotLoaded(error);
-                   emit jobFinished(false, QString());
-                   return;
-               }
-               m_editor->setContent(ContractHtml::forEditor(*html));
-               m_editor->setPage(ContractFile::pageOf(path).page);
-               m_base = path;
-               m_baseIsTemplate = true;
-               m_unsaved = false;
-               setTemplate(path);
-               emit jobFinished(true, QString());
-           });
+    runJob(
+        QStringLiteral("Загрузка шаблона…"),
+        [path, html](OfficeEngine &engine, QString *error) {
+            return ContractFile::readBody(engine, path, html.get(), error);
+        },
+        [this, path, html](bool ok, const QString &error) {
+            if (!ok) {
+                templateNotLoaded(error);
+                emit jobFinished(false, QString());
+                return;
+            }
+            showBody(*html, path, true);
+            setTemplate(path);
+            emit jobFinished(true, QString());
+        });
 }
 
 void TContract::btnSaveShablonClick() {
     if (m_busy || m_base.isEmpty())
         return;
-    const QString suggested = m_baseIsTemplate ? m_base
-                                               : QDir(QFileInfo(m_templatePath).absolutePath())
-                                                     .filePath(QStringLiteral("Шаблон договора.docx"));
-    QString path = dialogs().saveFile(QStringLiteral("Сохранить шаблон договора"), QFileInfo(suggested).absolutePath(),
-                                      QFileInfo(suggested).fileName(),
+    const QString suggested =
+        m_baseIsTemplate
+            ? m_base
+            : QDir(QFileInfo(m_templatePath).absolutePath()).filePath(QStringLiteral("Шаблон договора.docx"));
+    QString path = dialogs().saveFile(QStringLiteral("Сохранить шаблон договора"),
+                                      QFileInfo(suggested).absolutePath(), QFileInfo(suggested).fileName(),
                                       QStringLiteral("Документ Word (*.docx);;Документ RTF (*.rtf)"),
                                       QStringLiteral("docx"));
     if (path.isEmpty())
         return;
-    if (TemplateFile::formatFor(path) != QLatin1String("rtf") && TemplateFile::formatFor(path) != QLatin1String("docx"))
+    if (TemplateFile::formatFor(path) != QLatin1String("rtf") &&
+        TemplateFile::formatFor(path) != QLatin1String("docx"))
         path += QStringLiteral(".docx");
     const QString base = m_base;
     const ContractFile::Edits changes = edits();
-    runJob(QStringLiteral("Сохранение шаблона…"),
-           [base, changes, path](OfficeEngine &engine, QString *error) {
-               return ContractFile::write(engine, base, changes, {{path, QString()}}, error);
-           },
-           [this, path](bool ok, const QString &error) {
-               if (!ok) {
-                   dialogs().tell(Captions::error, error, Dialogs::Icon::Error);
-                   emit jobFinished(false, QString());
-                   return;
-               }
-               // The saved file is now the template the editor shows.
-               m_base = path;
-               m_baseIsTemplate = true;
-               m_editor->edit()->document()->setModified(false);
-               m_editor->setPage(m_editor->page());
-               m_unsaved = false;
-               setTemplate(path);
-               if (m_ctx.status)
-                   m_ctx.status(QStringLiteral("Шаблон договора сохранён: %1").arg(QDir::toNativeSeparators(path)));
-               emit jobFinished(true, path);
-           });
+    runJob(
+        QStringLiteral("Сохранение шаблона…"),
+        [base, changes, path](OfficeEngine &engine, QString *error) {
+            return ContractFile::write(engine, base, changes, {{path, QString()}}, error);
+        },
+        [this, path](bool ok, const QString &error) {
+            if (!ok) {
+                failed(error);
+                return;
+            }
+            // The saved file is now the template the editor shows.
+            m_base = path;
+            m_baseIsTemplate = true;
+            m_editor->edit()->document()->setModified(false);
+            m_editor->setPage(m_editor->page());
+            m_unsaved = false;
+            setTemplate(path);
+            if (m_ctx.status)
+                m_ctx.status(
+                    QStringLiteral("Шаблон договора сохранён: %1").arg(QDir::toNativeSeparators(path)));
+            emit jobFinished(true, path);
+        });
 }
 
 // ----- The contract
@@ -418,85 +422,85 @@ void TContract::CreateContract() {
     const QString edited = scratch(QStringLiteral("Шаблон-%1.docx"));
     auto html = std::make_shared<QString>();
     auto notLoaded = std::make_shared<bool>(false);
-    runJob(QStringLiteral("Составление договора…"),
-           [=](OfficeEngine &engine, QString *error) {
-               QString source = templ;
-               if (templateEdits.any()) {
-                   if (!ContractFile::write(engine, templ, templateEdits, {{edited, QStringLiteral("docx")}}, error))
-                       return false;
-                   source = edited;
-               }
-               return ContractFile::fill(engine, source, replacements, {{out, QStringLiteral("docx")}}, error,
-                                         notLoaded.get()) &&
-                      ContractFile::readBody(engine, out, html.get(), error);
-           },
-           [this, out, html, notLoaded](bool ok, const QString &error) {
-               if (!ok) {
-                   if (*notLoaded)
-                       templateNotLoaded(error);
-                   else
-                       dialogs().tell(Captions::error, error, Dialogs::Icon::Error);
-                   emit jobFinished(false, QString());
-                   return;
-               }
-               m_editor->setContent(ContractHtml::forEditor(*html));
-               m_editor->setPage(ContractFile::pageOf(out).page);
-               m_base = out;
-               m_baseIsTemplate = false;
-               m_unsaved = false;
-               emit jobFinished(true, QString());
-           });
+    runJob(
+        QStringLiteral("Составление договора…"),
+        [templ, templateEdits, edited, replacements, out, html, notLoaded](OfficeEngine &engine,
+                                                                           QString *error) {
+            QString source = templ;
+            if (templateEdits.any()) {
+                if (!ContractFile::write(engine, templ, templateEdits, {{edited, QStringLiteral("docx")}},
+                                         error))
+                    return false;
+                source = edited;
+            }
+            return ContractFile::fill(engine, source, replacements, {{out, QStringLiteral("docx")}}, error,
+                                      notLoaded.get()) &&
+                   ContractFile::readBody(engine, out, html.get(), error);
+        },
+        [this, out, html, notLoaded](bool ok, const QString &error) {
+            if (!ok) {
+                if (*notLoaded) {
+                    templateNotLoaded(error);
+                    emit jobFinished(false, QString());
+                } else {
+                    failed(error);
+                }
+                return;
+            }
+            showBody(*html, out, false);
+            emit jobFinished(true, QString());
+        });
 }
 
 void TContract::saveAs(const QString &path, const QString &format, bool pdf) {
     const QString base = m_base;
     const ContractFile::Edits changes = edits();
-    runJob(QStringLiteral("Сохранение договора…"),
-           [base, changes, path, format](OfficeEngine &engine, QString *error) {
-               return ContractFile::write(engine, base, changes, {{path, format}}, error);
-           },
-           [this, path, pdf](bool ok, const QString &error) {
-               if (!ok) {
-                   dialogs().tell(Captions::error, error, Dialogs::Icon::Error);
-                   emit jobFinished(false, QString());
-                   return;
-               }
-               m_unsaved = false;
-               QString note = QStringLiteral("Договор сохранён: %1").arg(QDir::toNativeSeparators(path));
-               // The register lists the contract under the estimate it was made from.
-               const QString iddoc =
-                   m_ctx.module ? ContractStore::estimateId(m_ctx.module->database(Db::Smeta)) : QString();
-               if (iddoc.isEmpty()) {
-                   note += QStringLiteral(" (смета не внесена в реестр документов, договор в нём не отмечен)");
-               } else if (m_ctx.document) {
-                   ContractStore::Entry e;
-                   e.iddoc = iddoc;
-                   e.date = m_ctx.document->header().date;
-                   e.number = m_ctx.document->numberText();
-                   e.fileName = path;
-                   e.ext = pdf ? ContractStore::kPdf : ContractStore::kDoc;
-                   e.avans = EditAvans->text();
-                   const MoneyResult total = Money::parse(Edit6->text());
-                   e.allsum = total ? total->text() : Edit6->text();
-                   QString problem;
-                   if (!ContractStore::registerFile(m_ctx.module->database(Db::MyDoc), e, &problem))
-                       dialogs().tell(Captions::warning, problem, Dialogs::Icon::Warning);
-               }
-               if (m_ctx.status)
-                   m_ctx.status(note);
-               emit jobFinished(true, path);
-           });
+    runJob(
+        QStringLiteral("Сохранение договора…"),
+        [base, changes, path, format](OfficeEngine &engine, QString *error) {
+            return ContractFile::write(engine, base, changes, {{path, format}}, error);
+        },
+        [this, path, pdf](bool ok, const QString &error) {
+            if (!ok) {
+                failed(error);
+                return;
+            }
+            m_unsaved = false;
+            QString note = QStringLiteral("Договор сохранён: %1").arg(QDir::toNativeSeparators(path));
+            // The register lists the contract under the estimate it was made from.
+            const QString iddoc =
+                m_ctx.module ? ContractStore::estimateId(m_ctx.module->database(Db::Smeta)) : QString();
+            if (iddoc.isEmpty()) {
+                note += QStringLiteral(" (смета не внесена в реестр документов, договор в нём не отмечен)");
+            } else if (m_ctx.document) {
+                ContractStore::Entry e;
+                e.iddoc = iddoc;
+                e.date = m_ctx.document->header().date;
+                e.number = m_ctx.document->numberText();
+                e.fileName = path;
+                e.ext = pdf ? ContractStore::kPdf : ContractStore::kDoc;
+                e.avans = EditAvans->text();
+                const MoneyResult total = Money::parse(Edit6->text());
+                e.allsum = total ? total->text() : Edit6->text();
+                QString problem;
+                if (!ContractStore::registerFile(m_ctx.module->database(Db::MyDoc), e, &problem))
+                    dialogs().tell(Captions::warning, problem, Dialogs::Icon::Warning);
+            }
+            if (m_ctx.status)
+                m_ctx.status(note);
+            emit jobFinished(true, path);
+        });
 }
 
 void TContract::btnSaveClick() {
     if (m_busy || m_base.isEmpty())
         return;
     const EstimateDocument *doc = m_ctx.document;
-    const QString name = ContractProducer::fileName(doc ? doc->numberText() : QString(),
-                                                    doc ? doc->header().date : QDate(),
-                                                    ContractProducer::Format::Docx);
-    QString path = dialogs().saveFile(QStringLiteral("Сохранить договор"), doc ? doc->folder() : QString(), name,
-                                      QStringLiteral("Документ Word (*.docx);;Документ RTF (*.rtf)"),
+    const QString name =
+        ContractProducer::fileName(doc ? doc->numberText() : QString(), doc ? doc->header().date : QDate(),
+                                   ContractProducer::Format::Docx);
+    QString path = dialogs().saveFile(QStringLiteral("Сохранить договор"), doc ? doc->folder() : QString(),
+                                      name, QStringLiteral("Документ Word (*.docx);;Документ RTF (*.rtf)"),
                                       QStringLiteral("docx"));
     if (path.isEmpty())
         return;
@@ -512,10 +516,11 @@ void TContract::btnPDFClick() {
     if (m_busy || m_base.isEmpty())
         return;
     const EstimateDocument *doc = m_ctx.document;
-    const QString name = ContractProducer::fileName(doc ? doc->numberText() : QString(),
-                                                    doc ? doc->header().date : QDate(), ContractProducer::Format::Pdf);
-    QString path = dialogs().saveFile(QStringLiteral("Экспорт в формат PDF"), doc ? doc->folder() : QString(), name,
-                                      QStringLiteral("Документ PDF (*.pdf)"), QStringLiteral("pdf"));
+    const QString name =
+        ContractProducer::fileName(doc ? doc->numberText() : QString(), doc ? doc->header().date : QDate(),
+                                   ContractProducer::Format::Pdf);
+    QString path = dialogs().saveFile(QStringLiteral("Экспорт в формат PDF"), doc ? doc->folder() : QString(),
+                                      name, QStringLiteral("Документ PDF (*.pdf)"), QStringLiteral("pdf"));
     if (path.isEmpty())
         return;
     if (TemplateFile::formatFor(path) != QLatin1String("pdf"))
@@ -530,31 +535,31 @@ void TContract::btnPreviewClick() {
     const QString docx = pdf.chopped(4) + QStringLiteral(".docx");
     const QString base = m_base;
     const ContractFile::Edits changes = edits();
-    runJob(QStringLiteral("Подготовка просмотра…"),
-           [base, changes, pdf, docx](OfficeEngine &engine, QString *error) {
-               return ContractFile::write(engine, base, changes,
-                                          {{pdf, QStringLiteral("pdf")}, {docx, QStringLiteral("docx")}}, error);
-           },
-           [this, pdf, docx](bool ok, const QString &error) {
-               QString problem = error;
-               const EstimateDocument *doc = m_ctx.document;
-               const QString title = ContractProducer::fileName(doc ? doc->numberText() : QString(),
-                                                                doc ? doc->header().date : QDate(),
-                                                                ContractProducer::Format::Docx)
-                                         .chopped(5);
-               if (ok && !m_preview->showDocument(pdf, title, {docx}, &problem))
-                   ok = false;
-               if (!ok) {
-                   dialogs().tell(Captions::error, problem, Dialogs::Icon::Error);
-                   emit jobFinished(false, QString());
-                   return;
-               }
-               m_preview->setSaveFolder(doc ? doc->folder() : QString());
-               m_preview->show();
-               m_preview->raise();
-               m_preview->activateWindow();
-               emit jobFinished(true, QString());
-           });
+    runJob(
+        QStringLiteral("Подготовка просмотра…"),
+        [base, changes, pdf, docx](OfficeEngine &engine, QString *error) {
+            return ContractFile::write(engine, base, changes,
+                                       {{pdf, QStringLiteral("pdf")}, {docx, QStringLiteral("docx")}}, error);
+        },
+        [this, pdf, docx](bool ok, const QString &error) {
+            QString problem = error;
+            const EstimateDocument *doc = m_ctx.document;
+            const QString title =
+                ContractProducer::fileName(doc ? doc->numberText() : QString(),
+                                           doc ? doc->header().date : QDate(), ContractProducer::Format::Docx)
+                    .chopped(5);
+            if (ok && !m_preview->showDocument(pdf, title, {docx}, &problem))
+                ok = false;
+            if (!ok) {
+                failed(problem);
+                return;
+            }
+            m_preview->setSaveFolder(doc ? doc->folder() : QString());
+            m_preview->show();
+            m_preview->raise();
+            m_preview->activateWindow();
+            emit jobFinished(true, QString());
+        });
 }
 
 void TContract::btnPrintClick() {
@@ -563,23 +568,36 @@ void TContract::btnPrintClick() {
     const QString pdf = scratch(QStringLiteral("Печать-%1.pdf"));
     const QString base = m_base;
     const ContractFile::Edits changes = edits();
-    runJob(QStringLiteral("Подготовка к печати…"),
-           [base, changes, pdf](OfficeEngine &engine, QString *error) {
-               return ContractFile::write(engine, base, changes, {{pdf, QStringLiteral("pdf")}}, error);
-           },
-           [this, pdf](bool ok, const QString &error) {
-               QString problem = error;
-               if (ok && !m_preview->showDocument(pdf, kCaption, {}, &problem))
-                   ok = false;
-               if (!ok) {
-                   dialogs().tell(Captions::error, problem, Dialogs::Icon::Error);
-                   emit jobFinished(false, QString());
-                   return;
-               }
-               m_preview->setCopies(SpinEditCopy->value());
-               emit jobFinished(true, QString());
-               m_preview->spdPrintClick();
-           });
+    runJob(
+        QStringLiteral("Подготовка к печати…"),
+        [base, changes, pdf](OfficeEngine &engine, QString *error) {
+            return ContractFile::write(engine, base, changes, {{pdf, QStringLiteral("pdf")}}, error);
+        },
+        [this, pdf](bool ok, const QString &error) {
+            QString problem = error;
+            if (ok && !m_preview->showDocument(pdf, kCaption, {}, &problem))
+                ok = false;
+            if (!ok) {
+                failed(problem);
+                return;
+            }
+            m_preview->setCopies(SpinEditCopy->value());
+            emit jobFinished(true, QString());
+            m_preview->spdPrintClick();
+        });
+}
+
+void TContract::showBody(const QString &engineHtml, const QString &path, bool isTemplate) {
+    m_editor->setContent(ContractHtml::forEditor(engineHtml));
+    m_editor->setPage(ContractFile::pageOf(path).page);
+    m_base = path;
+    m_baseIsTemplate = isTemplate;
+    m_unsaved = false;
+}
+
+void TContract::failed(const QString &error) {
+    dialogs().tell(Captions::error, error, Dialogs::Icon::Error);
+    emit jobFinished(false, QString());
 }
 
 // ----- The engine's jobs
@@ -610,6 +628,8 @@ void TContract::runJob(const QString &what, Job job, std::function<void(bool, co
         setEnabled(true);
         done(r.ok, r.error);
     });
-    watcher->setFuture(m_ctx.office->run(
-        [job](OfficeEngine &engine, QString *error, const std::function<void(int)> &) { return job(engine, error); }));
+    watcher->setFuture(
+        m_ctx.office->run([job](OfficeEngine &engine, QString *error, const std::function<void(int)> &) {
+            return job(engine, error);
+        }));
 }

@@ -91,6 +91,10 @@ private:
     void templateChosen(int index);
     void setTemplate(const QString &path);
     void templateNotLoaded(const QString &why);
+    // The editor shows the body of the file (a template or a filled contract).
+    void showBody(const QString &engineHtml, const QString &path, bool isTemplate);
+    // Tells the user why a command failed and ends it.
+    void failed(const QString &error);
     void showParty(int which);
     void insertPlaceholder(const QModelIndex &index);
     // Writes the contract as it stands into the file, registers it, reports.
@@ -110,9 +114,9 @@ private:
     TContract_Preview *m_preview = nullptr;
     std::unique_ptr<QTemporaryDir> m_scratch;
     QString m_templatePath;
-    QString m_base;              // the file the editor's text comes from
+    QString m_base; // the file the editor's text comes from
     bool m_baseIsTemplate = false;
-    bool m_unsaved = false;      // edits since the last save
+    bool m_unsaved = false; // edits since the last save
     bool m_busy = false;
-    int m_serial = 0;            // names of scratch files
+    int m_serial = 0; // names of scratch files
 };

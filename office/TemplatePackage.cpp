@@ -67,7 +67,8 @@ QString check(const QString &path) {
             return refuse(QStringLiteral("файл повреждён (часть %1 архива не читается).").arg(i + 1));
         const QString name = QString::fromUtf8(st.name);
         if (escapes(name))
-            return refuse(QStringLiteral("в архиве документа есть часть с недопустимым путём «%1».").arg(name));
+            return refuse(
+                QStringLiteral("в архиве документа есть часть с недопустимым путём «%1».").arg(name));
         if ((st.valid & ZIP_STAT_SIZE) && st.size > static_cast<zip_uint64_t>(kMaxInflatedBytes))
             return refuse(tooLarge);
         total += (st.valid & ZIP_STAT_SIZE) ? static_cast<qint64>(st.size) : 0;
@@ -96,7 +97,8 @@ QString check(const QString &path) {
         QByteArray tail; // the end of the previous piece, so that a declaration split between pieces is seen
         qint64 unpacked = 0;
         for (;;) {
-            const zip_int64_t n = zip_fread(entry.get(), buffer.data(), static_cast<zip_uint64_t>(buffer.size()));
+            const zip_int64_t n =
+                zip_fread(entry.get(), buffer.data(), static_cast<zip_uint64_t>(buffer.size()));
             if (n < 0)
                 return refuse(QStringLiteral("часть «%1» архива документа повреждена.").arg(name));
             if (n == 0)
@@ -107,7 +109,8 @@ QString check(const QString &path) {
                 ((st.valid & ZIP_STAT_SIZE) && unpacked > static_cast<qint64>(st.size)))
                 return refuse(tooLarge);
             if (xml) {
-                const QByteArray piece = tail + QByteArray::fromRawData(buffer.constData(), static_cast<int>(n));
+                const QByteArray piece =
+                    tail + QByteArray::fromRawData(buffer.constData(), static_cast<int>(n));
                 if (piece.contains(entity))
                     return refuse(QStringLiteral("часть «%1» объявляет сущности XML, которых в документах не "
                                                  "бывает.")

@@ -21,6 +21,7 @@ QString check(const QString &path);
 
 // The entry `name` of the package, unpacked; false when the package or the entry cannot be read or
 // the entry is larger than maxBytes.
-bool readEntry(const QString &path, const QString &name, QByteArray *data, qint64 maxBytes = 64ll * 1024 * 1024);
+bool readEntry(const QString &path, const QString &name, QByteArray *data,
+               qint64 maxBytes = 64ll * 1024 * 1024);
 
 } // namespace TemplatePackage

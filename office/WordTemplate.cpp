@@ -60,7 +60,8 @@ bool fillLoaded(OfficeEngine &engine, const QString &templatePath, const Replace
             left << r.first;
     }
     if (left.isEmpty() && masks &&
-        !engine.replaceAll({{QString(kOpenMask), QStringLiteral("[")}, {QString(kCloseMask), QStringLiteral("]")}}))
+        !engine.replaceAll(
+            {{QString(kOpenMask), QStringLiteral("[")}, {QString(kCloseMask), QStringLiteral("]")}}))
         return engineFailed();
     return TemplateFile::finish(engine, templatePath, left, outputs, error);
 }

@@ -203,12 +203,15 @@ private:
             // looks (alignment, spacing): a paragraph of one sign goes first instead, then the sign and
             // its paragraph are deleted, and the next paragraph keeps its looks.
             QString html = req.value(QStringLiteral("html")).toString();
-            static const QRegularExpression body(QStringLiteral("<body[^>]*>"), QRegularExpression::CaseInsensitiveOption);
+            static const QRegularExpression body(QStringLiteral("<body[^>]*>"),
+                                                 QRegularExpression::CaseInsensitiveOption);
             const QRegularExpressionMatch m = body.match(html);
             html.insert(m.hasMatch() ? m.capturedEnd() : 0, QStringLiteral("<p>§</p>"));
-            return m_s.uno(".uno:Delete", "", kStep, error) && m_s.uno(".uno:ResetAttributes", "", kStep, error) &&
+            return m_s.uno(".uno:Delete", "", kStep, error) &&
+                   m_s.uno(".uno:ResetAttributes", "", kStep, error) &&
                    m_s.paste("text/html", html.toUtf8().toStdString(), error) &&
-                   m_s.uno(".uno:GoToStartOfDoc", "", kStep, error) && m_s.uno(".uno:EndOfParaSel", "", kStep, error) &&
+                   m_s.uno(".uno:GoToStartOfDoc", "", kStep, error) &&
+                   m_s.uno(".uno:EndOfParaSel", "", kStep, error) &&
                    m_s.uno(".uno:Delete", "", kStep, error) && m_s.uno(".uno:Delete", "", kStep, error);
         }
         std::string html;
@@ -230,14 +233,15 @@ private:
             QJsonObject o;
             for (const auto &p : list) {
                 const char *type = p.second.isBool() ? "boolean" : "long";
-                o[QLatin1String(p.first)] =
-                    QJsonObject{{QStringLiteral("type"), QLatin1String(type)}, {QStringLiteral("value"), p.second}};
+                o[QLatin1String(p.first)] = QJsonObject{{QStringLiteral("type"), QLatin1String(type)},
+                                                        {QStringLiteral("value"), p.second}};
             }
             return QJsonDocument(o).toJson(QJsonDocument::Compact).toStdString();
         };
         if (number("width") > 0 && number("height") > 0) {
             const bool landscape = req.value(QStringLiteral("landscape")).toBool();
-            if (!m_s.uno(".uno:AttributePage", args({{"AttributePage.Landscape", landscape}}), kStep, error) ||
+            if (!m_s.uno(".uno:AttributePage", args({{"AttributePage.Landscape", landscape}}), kStep,
+                         error) ||
                 !m_s.uno(".uno:AttributePageSize",
                          args({{"AttributePageSize.Width", number("width")},
                                {"AttributePageSize.Height", number("height")}}),
@@ -246,13 +250,13 @@ private:
         }
         if (number("left") >= 0 && number("right") >= 0 &&
             !m_s.uno(".uno:PageLRMargin",
-                     args({{"PageLRMargin.Left", number("left")}, {"PageLRMargin.Right", number("right")}}), kStep,
-                     error))
+                     args({{"PageLRMargin.Left", number("left")}, {"PageLRMargin.Right", number("right")}}),
+                     kStep, error))
             return false;
         if (number("top") >= 0 && number("bottom") >= 0 &&
             !m_s.uno(".uno:PageULMargin",
-                     args({{"PageULMargin.Upper", number("top")}, {"PageULMargin.Lower", number("bottom")}}), kStep,
-                     error))
+                     args({{"PageULMargin.Upper", number("top")}, {"PageULMargin.Lower", number("bottom")}}),
+                     kStep, error))
             return false;
         return true;
     }

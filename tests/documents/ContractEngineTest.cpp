@@ -96,7 +96,8 @@ protected:
     QString alignmentOf(const QString &path, const QString &text) {
         QString html, error;
         EXPECT_TRUE(ContractFile::readBody(engine(), path, &html, &error)) << error.toStdString();
-        const QRegularExpression p(QStringLiteral("<p([^>]*)>\\s*(?:<[^>]+>\\s*)*") + QRegularExpression::escape(text));
+        const QRegularExpression p(QStringLiteral("<p([^>]*)>\\s*(?:<[^>]+>\\s*)*") +
+                                   QRegularExpression::escape(text));
         const auto m = p.match(html);
         if (!m.hasMatch())
             return QStringLiteral("not found");
@@ -144,10 +145,11 @@ TEST_F(ContractEngine, MissingDataStaysAsPlaceholders) {
     ContractFill::setAmounts(&data, 35);
     const QString text = bodyText(fill(defaultTemplate(), data, QStringLiteral("missing.docx")));
     for (const char *left : {"[паспортзак]", "[иннзак]", "[огрнзак]", "[банкзак]", "[бикзак]", "[рсчетзак]",
-                             "[ксчетзак]", "[руководительзак]", "[сумма цифрами]", "[сумма прописью]", "[аванс]",
-                             "[аванс прописью]", "[остаток]", "[остаток прописью]"})
+                             "[ксчетзак]", "[руководительзак]", "[сумма цифрами]", "[сумма прописью]",
+                             "[аванс]", "[аванс прописью]", "[остаток]", "[остаток прописью]"})
         EXPECT_TRUE(text.contains(QString::fromUtf8(left))) << left;
-    EXPECT_TRUE(text.contains(QStringLiteral("ИП Соболев, ")) ) << "the short name stands for an empty long one";
+    EXPECT_TRUE(text.contains(QStringLiteral("ИП Соболев, ")))
+        << "the short name stands for an empty long one";
     EXPECT_TRUE(text.contains(QStringLiteral("Кудрявцев Олег")));
 }
 
@@ -170,12 +172,13 @@ TEST_F(ContractEngine, ValuesGoInAsTheyAreEvenWhenTheyLookLikePlaceholders) {
 }
 
 TEST_F(ContractEngine, RtfAndTextTemplates) {
-    const QString rtf =
-        write(QStringLiteral("шаблон.rtf"), QByteArray("{\\rtf1\\ansi\\ansicpg1251{\\fonttbl{\\f0 Times New Roman;}}"
-                                                       "\\f0\\fs24 \\b [\\'e7\\'e0\\'ea\\'e0\\'e7\\'f7\\'e8\\'ea]\\b0"
-                                                       " \\par [\\'e4\\'e0\\'f2\\'e0]\\par}"));
-    const QString txt = write(QStringLiteral("шаблон.txt"),
-                              QStringLiteral("Заказчик: [заказчик]\nСумма: [сумма цифрами] ([сумма прописью])\n").toUtf8());
+    const QString rtf = write(QStringLiteral("шаблон.rtf"),
+                              QByteArray("{\\rtf1\\ansi\\ansicpg1251{\\fonttbl{\\f0 Times New Roman;}}"
+                                         "\\f0\\fs24 \\b [\\'e7\\'e0\\'ea\\'e0\\'e7\\'f7\\'e8\\'ea]\\b0"
+                                         " \\par [\\'e4\\'e0\\'f2\\'e0]\\par}"));
+    const QString txt =
+        write(QStringLiteral("шаблон.txt"),
+              QStringLiteral("Заказчик: [заказчик]\nСумма: [сумма цифрами] ([сумма прописью])\n").toUtf8());
     const ContractFill::Data data = fullData();
     const QString fromRtf = bodyText(fill(rtf, data, QStringLiteral("из-rtf.docx")));
     EXPECT_TRUE(fromRtf.contains(QStringLiteral("Кудрявцев Олег"))) << fromRtf.toStdString();
@@ -192,8 +195,11 @@ TEST_F(ContractEngine, TheAdvanceRuleInTheText) {
     // At 100 % the share is the total itself: the text shows the rule's figures.
     const struct {
         const char *total, *advance, *remainder;
-    } cases[] = {{"12345", "12500", "-155,00"}, {"17845", "1017", "16828,00"}, {"123", "100", "23,00"},
-                 {"999", "900", "99,00"},       {"57", "500", "-443,00"}};
+    } cases[] = {{"12345", "12500", "-155,00"},
+                 {"17845", "1017", "16828,00"},
+                 {"123", "100", "23,00"},
+                 {"999", "900", "99,00"},
+                 {"57", "500", "-443,00"}};
     for (const auto &c : cases) {
         ContractFill::Data data = fullData();
         data.total = QString::fromUtf8(c.total);
@@ -243,7 +249,8 @@ TEST_F(ContractEngine, EditsAreKeptWithTheTemplatesHeaderAndPage) {
     EXPECT_EQ(alignmentOf(docx, QStringLiteral("Правка заказчика")), QStringLiteral("justify"));
     const QString printed = pdfText(pdf).simplified();
     EXPECT_TRUE(printed.contains(QStringLiteral("Правка заказчика внесена.")));
-    EXPECT_TRUE(printed.contains(QStringLiteral("Договор подряда на выполнение ремонтных работ от 05.03.2026")))
+    EXPECT_TRUE(
+        printed.contains(QStringLiteral("Договор подряда на выполнение ремонтных работ от 05.03.2026")))
         << "the template's header";
     EXPECT_TRUE(printed.contains(QStringLiteral("Страница 1 из"))) << "the template's footer";
     // The template's page setup.
@@ -272,7 +279,8 @@ TEST_F(ContractEngine, AnUneditedContractIsTheEnginesFileAndPageOptionsApply) {
     page.pageSetup = {29700, 21000, true, 2000, 2000, 1000, 1000};
     const QString landscape = file(QStringLiteral("альбомная.pdf"));
     const QString landscapeDocx = file(QStringLiteral("альбомная.docx"));
-    ASSERT_TRUE(ContractFile::write(engine(), base, page, {{landscape, QString()}, {landscapeDocx, QString()}}, &error))
+    ASSERT_TRUE(ContractFile::write(engine(), base, page,
+                                    {{landscape, QString()}, {landscapeDocx, QString()}}, &error))
         << error.toStdString();
     const QSizeF size = pdfPageSize(landscape);
     EXPECT_NEAR(size.width(), 841.9, 1);
@@ -284,8 +292,9 @@ TEST_F(ContractEngine, AnUneditedContractIsTheEnginesFileAndPageOptionsApply) {
 }
 
 TEST_F(ContractEngine, ABodyThatBeginsAndEndsWithTablesIsReplacedWhole) {
-    QByteArray table = "<w:tbl><w:tblPr><w:tblW w:w=\"5000\" w:type=\"pct\"/></w:tblPr><w:tblGrid><w:gridCol/>"
-                       "</w:tblGrid><w:tr><w:tc><w:p><w:r><w:t>Ячейка %1</w:t></w:r></w:p></w:tc></w:tr></w:tbl>";
+    QByteArray table =
+        "<w:tbl><w:tblPr><w:tblW w:w=\"5000\" w:type=\"pct\"/></w:tblPr><w:tblGrid><w:gridCol/>"
+        "</w:tblGrid><w:tr><w:tc><w:p><w:r><w:t>Ячейка %1</w:t></w:r></w:p></w:tc></w:tr></w:tbl>";
     QVector<PackageEntry> entries = docxEntries({QStringLiteral("Середина")});
     QByteArray &xml = entries[2].data;
     xml.replace("<w:body>", "<w:body>" + QByteArray(table).replace("%1", "первая"));
@@ -301,7 +310,8 @@ TEST_F(ContractEngine, ABodyThatBeginsAndEndsWithTablesIsReplacedWhole) {
     edits.html = ContractHtml::forEngine(*doc);
     const QString out = file(QStringLiteral("таблицы-правка.docx"));
     QString error;
-    ASSERT_TRUE(ContractFile::write(engine(), path, edits, {{out, QString()}}, &error)) << error.toStdString();
+    ASSERT_TRUE(ContractFile::write(engine(), path, edits, {{out, QString()}}, &error))
+        << error.toStdString();
     const QString text = bodyText(out);
     EXPECT_TRUE(text.contains(QStringLiteral("Новый текст")));
     EXPECT_FALSE(text.contains(QStringLiteral("Ячейка"))) << text.toStdString();
@@ -313,7 +323,8 @@ TEST_F(ContractEngine, TemplatesThatCannotBeLoadedWriteNothing) {
     bomb.append({QStringLiteral("word/media/zeros.xml"), QByteArray(20 * 1024 * 1024, '\0')});
     const QString bombPath = file(QStringLiteral("бомба.docx"));
     ASSERT_TRUE(writePackage(bombPath, bomb) && stateUnpackedSize(bombPath, 1000));
-    const QString damaged = write(QStringLiteral("битый.docx"), QByteArray("PK\x03\x04") + QByteArray(4000, '\x7f'));
+    const QString damaged =
+        write(QStringLiteral("битый.docx"), QByteArray("PK\x03\x04") + QByteArray(4000, '\x7f'));
     const QString sheet = OfficeTemplates::path(m_folder.path(), QStringLiteral("Шаблон Счет на оплату.xls"));
     for (const QString &templ : {bombPath, damaged, file(QStringLiteral("нет.docx")), sheet}) {
         const QString out = file(QStringLiteral("не-сделан.docx"));
@@ -344,23 +355,27 @@ TEST_F(ContractEngine, TheProducerWritesAndRegisters) {
     r.iddoc = QStringLiteral("3");
     for (const auto format : {ContractProducer::Format::Docx, ContractProducer::Format::Pdf}) {
         r.format = format;
-        const ContractProducer::Result result = ContractProducer::produce(engine(), module.database(Db::MyDoc), r);
+        const ContractProducer::Result result =
+            ContractProducer::produce(engine(), module.database(Db::MyDoc), r);
         ASSERT_TRUE(result.ok) << result.error.toStdString();
         EXPECT_TRUE(result.warning.isEmpty()) << result.warning.toStdString();
-        EXPECT_EQ(QFileInfo(result.path).fileName(),
-                  format == ContractProducer::Format::Pdf ? "Договор № 7 от 06.03.2026.pdf"
-                                                          : "Договор № 7 от 06.03.2026.docx");
+        EXPECT_EQ(QFileInfo(result.path).fileName(), format == ContractProducer::Format::Pdf
+                                                         ? "Договор № 7 от 06.03.2026.pdf"
+                                                         : "Договор № 7 от 06.03.2026.docx");
         const QString text = format == ContractProducer::Format::Pdf ? pdfText(result.path).simplified()
                                                                      : bodyText(result.path);
         EXPECT_TRUE(text.contains(QStringLiteral("Окончание работ — 30.04.2026."))) << text.toStdString();
     }
-    EXPECT_EQ(queryRows(module.database(Db::MyDoc), QStringLiteral("SELECT iddoc, dataend, number, name, ext, avans, "
-                                                                   "allsum FROM contract ORDER BY id")),
-              QStringList({"3|30.04.2026|7|№ 7|doc|12500|35271,43", "3|30.04.2026|7|№ 7|pdf|12500|35271,43"}));
+    EXPECT_EQ(
+        queryRows(module.database(Db::MyDoc),
+                  QStringLiteral("SELECT iddoc, dataend, number, name, ext, avans, "
+                                 "allsum FROM contract ORDER BY id")),
+        QStringList({"3|30.04.2026|7|№ 7|doc|12500|35271,43", "3|30.04.2026|7|№ 7|pdf|12500|35271,43"}));
 
     // A template that cannot be used: nothing written, nothing registered.
     r.templatePath = file(QStringLiteral("нет.docx"));
-    const ContractProducer::Result failed = ContractProducer::produce(engine(), module.database(Db::MyDoc), r);
+    const ContractProducer::Result failed =
+        ContractProducer::produce(engine(), module.database(Db::MyDoc), r);
     EXPECT_FALSE(failed.ok);
     EXPECT_TRUE(failed.path.isEmpty());
     EXPECT_TRUE(failed.error.contains(QStringLiteral("Отсутствует файл")));

@@ -27,9 +27,9 @@ namespace {
 TEST(ContractAdvance, RoundsByTheDigitRule) {
     const struct {
         qint64 a, advance;
-    } cases[] = {{12345, 12500}, {17845, 1017}, {123, 100}, {999, 900},     {57, 500},     {7, 700},
-                 {0, 0},         {1234, 1500},  {1600, 1500}, {15678, 1015}, {100000, 100500}, {1500, 1500},
-                 {15009, 15500}, {15019, 1015}, {15100, 1015}};
+    } cases[] = {{12345, 12500},   {17845, 1017}, {123, 100},     {999, 900},    {57, 500},
+                 {7, 700},         {0, 0},        {1234, 1500},   {1600, 1500},  {15678, 1015},
+                 {100000, 100500}, {1500, 1500},  {15009, 15500}, {15019, 1015}, {15100, 1015}};
     for (const auto &c : cases)
         EXPECT_EQ(ContractAmounts::roundAdvance(c.a), c.advance) << c.a;
 }
@@ -48,15 +48,12 @@ TEST(ContractAdvance, ShareIsRoundedToWholeUnitsTiesToEven) {
         {"50985,71", 35, "1017"},   // 17844,9985 -> 17845
         {"274317,84", 35, "1096"},  // 96011,244 -> 96011: "601" > 500
         {"274 317,84", 35, "1096"}, // blanks as typed
-        {"100000", 0, "0"},
-        {"100000", 100, "100500"},
-        {"-35271,43", 35, "-12500"},
-        {"", 35, ""},
-        {"много", 35, ""},
-        {"100", 101, ""},
+        {"100000", 0, "0"},         {"100000", 100, "100500"}, {"-35271,43", 35, "-12500"}, {"", 35, ""},
+        {"много", 35, ""},          {"100", 101, ""},
     };
     for (const auto &c : cases)
-        EXPECT_EQ(ContractAmounts::advanceText(QString::fromUtf8(c.total), c.percent), QString::fromUtf8(c.advance))
+        EXPECT_EQ(ContractAmounts::advanceText(QString::fromUtf8(c.total), c.percent),
+                  QString::fromUtf8(c.advance))
             << c.total << " " << c.percent;
 }
 
@@ -145,9 +142,10 @@ TEST(ContractFill, RunsInTheFillingOrder) {
     for (const auto &p : ContractFill::replacements(d))
         order << p.first;
     // dates; contractor; customer; object and works; total; contractor requisites; advance and remainder
-    const QStringList milestones{"[дата]", "[дата окончания]", "[год]", "[подрядчик]", "[телефон]", "[заказчик]",
-                                 "[руководительзак]", "[объект]", "[работа]", "[сумма цифрами]",
-                                 "[свидетельство]", "[руководитель]", "[аванс]", "[остаток прописью]"};
+    const QStringList milestones{
+        "[дата]",          "[дата окончания]",  "[год]",    "[подрядчик]",       "[телефон]",
+        "[заказчик]",      "[руководительзак]", "[объект]", "[работа]",          "[сумма цифрами]",
+        "[свидетельство]", "[руководитель]",    "[аванс]",  "[остаток прописью]"};
     int last = -1;
     for (const QString &m : milestones) {
         const int at = order.indexOf(m);
@@ -159,7 +157,7 @@ TEST(ContractFill, RunsInTheFillingOrder) {
 
 TEST(ContractFill, MissingDataLeavesItsPlaceholders) {
     ContractFill::Data d = fullData();
-    d.customer.requisites.clear();     // a customer without requisites
+    d.customer.requisites.clear();              // a customer without requisites
     d.contractor.contractor["longname"] = "  "; // an empty long name: the short one
     d.contractor.requisites["inn"].clear();
     d.object.clear();
@@ -184,8 +182,8 @@ TEST(ContractFill, MissingDataLeavesItsPlaceholders) {
         t.total = QString::fromUtf8(total);
         ContractFill::setAmounts(&t, 35);
         v = asMap(ContractFill::replacements(t));
-        for (const char *amount : {"[сумма цифрами]", "[сумма прописью]", "[аванс]", "[аванс прописью]", "[остаток]",
-                                   "[остаток прописью]"})
+        for (const char *amount : {"[сумма цифрами]", "[сумма прописью]", "[аванс]", "[аванс прописью]",
+                                   "[остаток]", "[остаток прописью]"})
             EXPECT_FALSE(v.contains(amount)) << total << " " << amount;
         EXPECT_EQ(v.value("[дата]"), "05.03.2026");
     }
@@ -196,7 +194,8 @@ TEST(ContractFill, CurrencySignsAndMonths) {
     for (int c = 0; c < 5; ++c) {
         ContractFill::Data d = fullData();
         d.currency = c;
-        EXPECT_EQ(asMap(ContractFill::replacements(d)).value("[сумма цифрами]"), QStringLiteral("35271,43 ") + signs[c]);
+        EXPECT_EQ(asMap(ContractFill::replacements(d)).value("[сумма цифрами]"),
+                  QStringLiteral("35271,43 ") + signs[c]);
     }
     const char *months[] = {"Января", "Февраля", "Марта",    "Апреля",  "Мая",    "Июня",
                             "Июля",   "Августа", "Сентября", "Октября", "Ноября", "Декабря"};
@@ -207,8 +206,9 @@ TEST(ContractFill, CurrencySignsAndMonths) {
 }
 
 TEST(ContractHtml, EngineHtmlBecomesWhatTheEditorReads) {
-    EXPECT_EQ(ContractHtml::lengthsInPixels("margin-bottom: 0.25cm; text-indent: 1cm; x: 25.4mm; y: 0.5in; 12pt"),
-              "margin-bottom: 9px; text-indent: 38px; x: 96px; y: 48px; 12pt");
+    EXPECT_EQ(
+        ContractHtml::lengthsInPixels("margin-bottom: 0.25cm; text-indent: 1cm; x: 25.4mm; y: 0.5in; 12pt"),
+        "margin-bottom: 9px; text-indent: 38px; x: 96px; y: 48px; 12pt");
     const QString engine = QStringLiteral(
         "<html><head><style type=\"text/css\">@page { size: 21cm 29.7cm; margin: 2cm }\n"
         "p { line-height: 115%; text-align: left; margin-bottom: 0.25cm }\n"
@@ -239,9 +239,10 @@ TEST(ContractHtml, EngineHtmlBecomesWhatTheEditorReads) {
 TEST(ContractHtml, EditorHtmlBecomesWhatTheEngineReads) {
     ensureApplication();
     QTextDocument doc;
-    doc.setHtml(QStringLiteral("<p>Слово</p><table border=\"1\"><tr><td style=\"padding-left:4; "
-                               "border-top:1px; border-top-color:#ff0000; border-top-style:dashed\">A</td></tr>"
-                               "</table><p></p>"));
+    doc.setHtml(
+        QStringLiteral("<p>Слово</p><table border=\"1\"><tr><td style=\"padding-left:4; "
+                       "border-top:1px; border-top-color:#ff0000; border-top-style:dashed\">A</td></tr>"
+                       "</table><p></p>"));
     QTextCursor c(doc.firstBlock());
     c.movePosition(QTextCursor::EndOfBlock);
     c.insertText(QStringLiteral("  и   пробелы"));
@@ -259,15 +260,17 @@ TEST(ContractHtml, EditorHtmlBecomesWhatTheEngineReads) {
     EXPECT_TRUE(html.contains("padding-left: 4px"));
     EXPECT_TRUE(html.contains("&nbsp; и&nbsp;&nbsp; пробелы")) << html.toStdString();
     EXPECT_TRUE(html.contains("text-align: left"));
-    EXPECT_FALSE(html.contains("<p style=\"margin-top: 0px; margin-bottom: 0px; margin-left: 0px; margin-right: "
-                               "0px; text-indent: 0px; text-align: left\"></p></body>"))
+    EXPECT_FALSE(
+        html.contains("<p style=\"margin-top: 0px; margin-bottom: 0px; margin-left: 0px; margin-right: "
+                      "0px; text-indent: 0px; text-align: left\"></p></body>"))
         << "an empty last paragraph is not sent";
     EXPECT_EQ(doc.toHtml(), before) << "the editor's document is left as it was";
 }
 
 TEST(ContractProducer, FileNamesAndKinds) {
     using F = ContractProducer::Format;
-    EXPECT_EQ(ContractProducer::fileName("12-1", QDate(2026, 3, 5), F::Docx), "Договор № 12-1 от 05.03.2026.docx");
+    EXPECT_EQ(ContractProducer::fileName("12-1", QDate(2026, 3, 5), F::Docx),
+              "Договор № 12-1 от 05.03.2026.docx");
     EXPECT_EQ(ContractProducer::fileName("", QDate(2026, 3, 5), F::Pdf), "Договор от 05.03.2026.pdf");
     EXPECT_EQ(ContractProducer::fileName("7/2: \"А\"", QDate(2026, 3, 5), F::Rtf),
               "Договор № 7-2- -А- от 05.03.2026.rtf");
@@ -300,11 +303,14 @@ TEST(ContractStore, OneRowPerEstimateAndKind) {
     e.endDate = QDate();
     e.fileName = "/tmp/Договор № 12-2.pdf";
     ASSERT_TRUE(ContractStore::registerFile(mydoc, e, &error));
-    EXPECT_EQ(queryRows(mydoc, "SELECT iddoc, data, date_compare, dataend, number, name, filename, ext, avans, allsum, "
-                               "month, year FROM contract ORDER BY id"),
-              QStringList({"7|05.03.2026|20260305000000|30.04.2026|12-2|№ 12-2|/tmp/Договор № 12-2.docx|doc|12500|"
-                           "35271,43|3|2026",
-                           "7|05.03.2026|20260305000000||12-2|№ 12-2|/tmp/Договор № 12-2.pdf|pdf|12500|35271,43|3|2026"}));
+    EXPECT_EQ(
+        queryRows(mydoc,
+                  "SELECT iddoc, data, date_compare, dataend, number, name, filename, ext, avans, allsum, "
+                  "month, year FROM contract ORDER BY id"),
+        QStringList(
+            {"7|05.03.2026|20260305000000|30.04.2026|12-2|№ 12-2|/tmp/Договор № 12-2.docx|doc|12500|"
+             "35271,43|3|2026",
+             "7|05.03.2026|20260305000000||12-2|№ 12-2|/tmp/Договор № 12-2.pdf|pdf|12500|35271,43|3|2026"}));
 }
 
 TEST(ContractStore, EstimateIdOnlyForRegisteredDocuments) {

@@ -28,10 +28,12 @@ TEST(ContractTemplateCheck, HostilePackagesAreRefused) {
         quint32 statedSize; // 0: the archive states the true sizes
         const char *why;    // a piece of the message
     } cases[] = {
-        {"parent.docx", docxEntries({"Договор"}, {{"../../evil.xml", "<a/>"}}), 0, "недопустимым путём «../../evil.xml»"},
+        {"parent.docx", docxEntries({"Договор"}, {{"../../evil.xml", "<a/>"}}), 0,
+         "недопустимым путём «../../evil.xml»"},
         {"absolute.docx", docxEntries({"Договор"}, {{"/etc/evil.xml", "<a/>"}}), 0, "недопустимым путём"},
         {"entity.docx",
-         docxEntries({"Договор"}, {{"word/settings.xml", "<!DOCTYPE a [<!ENTITY x \"xxxxxxxxxx\"><!ENTITY y \"&x;&x;\">]><a/>"}}),
+         docxEntries({"Договор"}, {{"word/settings.xml",
+                                    "<!DOCTYPE a [<!ENTITY x \"xxxxxxxxxx\"><!ENTITY y \"&x;&x;\">]><a/>"}}),
          0, "сущности XML"},
         {"bomb.docx", docxEntries({"Договор"}, {{"word/media/zeros.xml", zeros}}), 1000, "архивная бомба"},
         {"declared.docx", docxEntries({"Договор"}, {{"word/media/zeros.xml", QByteArray(1000, 'a')}}),
@@ -62,7 +64,8 @@ TEST(ContractTemplateCheck, DamagedAndOversizedFilesAreRefused) {
     };
     EXPECT_TRUE(TemplateFile::check(write("cut.docx", QByteArray("PK\x03\x04") + QByteArray(300, 'x')))
                     .contains(QStringLiteral("повреждён")));
-    EXPECT_TRUE(TemplateFile::check(write("text.docx", "просто текст")).contains(QStringLiteral("не является")));
+    EXPECT_TRUE(
+        TemplateFile::check(write("text.docx", "просто текст")).contains(QStringLiteral("не является")));
     EXPECT_TRUE(TemplateFile::check(folder.file("нет.docx")).startsWith(QStringLiteral("Отсутствует файл")));
     const QString big = write("big.rtf", "{\\rtf1 ");
     QFile f(big);
@@ -81,7 +84,8 @@ TEST(ContractTemplateCheck, TheDefaultTemplatePassesAndItsPartsCanBeRead) {
     QByteArray xml;
     ASSERT_TRUE(TemplatePackage::readEntry(path, QStringLiteral("word/document.xml"), &xml));
     EXPECT_TRUE(xml.contains("w:body"));
-    EXPECT_FALSE(TemplatePackage::readEntry(path, QStringLiteral("word/document.xml"), &xml, 100)) << "over the cap";
+    EXPECT_FALSE(TemplatePackage::readEntry(path, QStringLiteral("word/document.xml"), &xml, 100))
+        << "over the cap";
     EXPECT_FALSE(TemplatePackage::readEntry(path, QStringLiteral("нет.xml"), &xml));
 }
 

@@ -51,7 +51,8 @@ protected:
     }
     void runSql(const QString &db, const QString &script) {
         QProcess p;
-        p.start(QStringLiteral("sqlite3"), {QStringLiteral("-bail"), db, QStringLiteral(".read '%1'").arg(script)});
+        p.start(QStringLiteral("sqlite3"),
+                {QStringLiteral("-bail"), db, QStringLiteral(".read '%1'").arg(script)});
         ASSERT_TRUE(p.waitForFinished(30000));
         ASSERT_EQ(p.exitCode(), 0) << p.readAllStandardError().toStdString();
     }
@@ -103,8 +104,11 @@ TEST_F(ContractWindow, MadeFromTheSampleEditedSavedAsDocxAndPdf) {
     EXPECT_EQ(field<QSpinBox>(QStringLiteral("SpinEditAvans"))->value(), 35);
     EXPECT_EQ(field<QLineEdit>(QStringLiteral("EditAvans"))->text(), QStringLiteral("1096"));
     EXPECT_EQ(field<QLineEdit>(QStringLiteral("EditOstatok"))->text(), QStringLiteral("273221,84"));
-    EXPECT_EQ(field<QComboBox>(QStringLiteral("ComboBoxZakaz"))->currentText(), QStringLiteral("Кудрявцев Олег Николаевич"));
-    EXPECT_TRUE(field<QComboBox>(QStringLiteral("cmbFileContract"))->currentText().contains(QStringLiteral("ДОГОВОР НА РЕМОНТ")));
+    EXPECT_EQ(field<QComboBox>(QStringLiteral("ComboBoxZakaz"))->currentText(),
+              QStringLiteral("Кудрявцев Олег Николаевич"));
+    EXPECT_TRUE(field<QComboBox>(QStringLiteral("cmbFileContract"))
+                    ->currentText()
+                    .contains(QStringLiteral("ДОГОВОР НА РЕМОНТ")));
     const QString text = editorText();
     EXPECT_TRUE(text.contains(QStringLiteral("Индивидуальный предприниматель Соболев Денис Андреевич")));
     EXPECT_TRUE(text.contains(QStringLiteral("Кудрявцев Олег Николаевич")));
@@ -124,7 +128,8 @@ TEST_F(ContractWindow, MadeFromTheSampleEditedSavedAsDocxAndPdf) {
     const QString docx = folder.file(QStringLiteral("Вывод/Договор.docx"));
     dialogs->queueFile(docx);
     QString path;
-    ASSERT_TRUE(waitFor([this] { child<QPushButton>(contract(), QStringLiteral("btnSave"))->click(); }, &path))
+    ASSERT_TRUE(
+        waitFor([this] { child<QPushButton>(contract(), QStringLiteral("btnSave"))->click(); }, &path))
         << dialogs->lastText().toStdString();
     EXPECT_EQ(path, docx);
     EXPECT_EQ(dialogs->shown().last().caption, QStringLiteral("Сохранить договор"));
@@ -136,20 +141,24 @@ TEST_F(ContractWindow, MadeFromTheSampleEditedSavedAsDocxAndPdf) {
     QByteArray header;
     EXPECT_TRUE(TemplatePackage::readEntry(docx, QStringLiteral("word/header1.xml"), &header) ||
                 TemplatePackage::readEntry(docx, QStringLiteral("word/header2.xml"), &header));
-    EXPECT_TRUE(QString::fromUtf8(header).contains(QStringLiteral("16.03.2026"))) << "the template's header, filled";
+    EXPECT_TRUE(QString::fromUtf8(header).contains(QStringLiteral("16.03.2026")))
+        << "the template's header, filled";
 
     const QString pdf = folder.file(QStringLiteral("Вывод/Договор.pdf"));
     dialogs->queueFile(pdf);
-    ASSERT_TRUE(waitFor([this] { child<QPushButton>(contract(), QStringLiteral("btnPDF"))->click(); }, &path));
+    ASSERT_TRUE(
+        waitFor([this] { child<QPushButton>(contract(), QStringLiteral("btnPDF"))->click(); }, &path));
     const QString printed = pdfText(pdf).simplified();
-    EXPECT_TRUE(printed.contains(QStringLiteral("Договор подряда на выполнение ремонтных работ от 16.03.2026")));
+    EXPECT_TRUE(
+        printed.contains(QStringLiteral("Договор подряда на выполнение ремонтных работ от 16.03.2026")));
     EXPECT_TRUE(printed.contains(QStringLiteral("Кудрявцев Олег Николаевич")));
     EXPECT_GE(pdfPages(pdf), 2);
 
     // Both are listed under the estimate in the register.
     EXPECT_EQ(queryRows(module->database(Db::MyDoc),
-                        QStringLiteral("SELECT c.ext, c.filename, c.name, c.allsum FROM contract c JOIN documents d "
-                                       "ON d.id = c.iddoc ORDER BY c.id")),
+                        QStringLiteral(
+                            "SELECT c.ext, c.filename, c.name, c.allsum FROM contract c JOIN documents d "
+                            "ON d.id = c.iddoc ORDER BY c.id")),
               QStringList({QStringLiteral("doc|%1|№ 12|274317,84").arg(docx),
                            QStringLiteral("pdf|%1|№ 12|274317,84").arg(pdf)}));
 
@@ -174,7 +183,8 @@ TEST_F(ContractWindow, FieldsListAndPreview) {
     EXPECT_EQ(field<QLineEdit>(QStringLiteral("EditOstatok"))->text(), QStringLiteral("22771,43"));
     field<QSpinBox>(QStringLiteral("SpinEditAvans"))->setValue(50);
     EXPECT_EQ(field<QLineEdit>(QStringLiteral("EditAvans"))->text(), QStringLiteral("1017"));
-    EXPECT_EQ(window->settingsStore()->text(QStringLiteral("Param"), QStringLiteral("SpinEditAvans")), QStringLiteral("50"));
+    EXPECT_EQ(window->settingsStore()->text(QStringLiteral("Param"), QStringLiteral("SpinEditAvans")),
+              QStringLiteral("50"));
     field<QLineEdit>(QStringLiteral("EditAvans"))->setText(QStringLiteral("10000"));
     EXPECT_EQ(field<QLineEdit>(QStringLiteral("EditOstatok"))->text(), QStringLiteral("25271,43"));
     field<QLineEdit>(QStringLiteral("Edit6"))->setText(QStringLiteral("сумма"));
@@ -207,8 +217,10 @@ TEST_F(ContractWindow, FieldsListAndPreview) {
     ASSERT_NE(preview, nullptr);
     EXPECT_TRUE(preview->isVisible());
     EXPECT_GE(preview->pageCount(), 2);
-    EXPECT_TRUE(pdfText(preview->pdfPath()).simplified().startsWith(
-        QStringLiteral("Договор подряда на выполнение ремонтных работ от 16.03.2026 [заказчик]")));
+    EXPECT_TRUE(pdfText(preview->pdfPath())
+                    .simplified()
+                    .startsWith(QStringLiteral(
+                        "Договор подряда на выполнение ремонтных работ от 16.03.2026 [заказчик]")));
     preview->close();
 
     // Unsaved edits are asked about at close; "No" lets the window go.
@@ -228,10 +240,12 @@ TEST_F(ContractWindow, ATemplateThatCannotBeLoadedLeavesTheEditorEmpty) {
     f.write(QByteArray("PK\x03\x04") + QByteArray(2000, 'z'));
     f.close();
     dialogs->queueFile(bad);
-    EXPECT_FALSE(waitFor([this] { child<QPushButton>(contract(), QStringLiteral("btnLoadShablon"))->click(); }));
+    EXPECT_FALSE(
+        waitFor([this] { child<QPushButton>(contract(), QStringLiteral("btnLoadShablon"))->click(); }));
     EXPECT_EQ(dialogs->lastCaption(), QStringLiteral("Ошибка - шаблон не загружен."));
-    EXPECT_EQ(dialogs->lastText(), QStringLiteral("Откройте договор во внешнем редакторе, пересохраните его \n"
-                                                  "с расширением .rtf и привяжите файл с новым расширением."));
+    EXPECT_EQ(dialogs->lastText(),
+              QStringLiteral("Откройте договор во внешнем редакторе, пересохраните его \n"
+                             "с расширением .rtf и привяжите файл с новым расширением."));
     EXPECT_TRUE(editorText().isEmpty());
     EXPECT_NE(contract()->templatePath(), bad) << "the template in force stays";
 
@@ -243,12 +257,15 @@ TEST_F(ContractWindow, ATemplateThatCannotBeLoadedLeavesTheEditorEmpty) {
             "[\\'f1\\'f3\\'ec\\'ec\\'e0 \\'ef\\'f0\\'ee\\'ef\\'e8\\'f1\\'fc\\'fe]\\par}");
     r.close();
     dialogs->queueFile(rtf);
-    ASSERT_TRUE(waitFor([this] { child<QPushButton>(contract(), QStringLiteral("btnLoadShablon"))->click(); }));
+    ASSERT_TRUE(
+        waitFor([this] { child<QPushButton>(contract(), QStringLiteral("btnLoadShablon"))->click(); }));
     EXPECT_EQ(editorText().trimmed(), QStringLiteral("[заказчик]\n[сумма прописью]"));
     EXPECT_EQ(window->settingsStore()->text(QStringLiteral("Contract"), QStringLiteral("Path")), rtf);
-    EXPECT_EQ(field<QComboBox>(QStringLiteral("cmbFileContract"))->currentText(), QStringLiteral("Короткий договор.rtf"));
+    EXPECT_EQ(field<QComboBox>(QStringLiteral("cmbFileContract"))->currentText(),
+              QStringLiteral("Короткий договор.rtf"));
     ASSERT_TRUE(waitFor([this] { contract()->CreateContract(); }));
-    EXPECT_TRUE(editorText().startsWith(QStringLiteral("Кудрявцев Олег Николаевич\nДвести семьдесят четыре тысячи")))
+    EXPECT_TRUE(
+        editorText().startsWith(QStringLiteral("Кудрявцев Олег Николаевич\nДвести семьдесят четыре тысячи")))
         << editorText().toStdString();
 }
 

@@ -12,7 +12,8 @@ bool writePackage(const QString &path, const QVector<PackageEntry> &entries) {
         return false;
     for (const PackageEntry &e : entries) {
         // libzip reads the buffer when the archive is closed: it must live until then.
-        zip_source_t *s = zip_source_buffer(z, e.data.constData(), static_cast<zip_uint64_t>(e.data.size()), 0);
+        zip_source_t *s =
+            zip_source_buffer(z, e.data.constData(), static_cast<zip_uint64_t>(e.data.size()), 0);
         const zip_int64_t at = s ? zip_file_add(z, e.name.toUtf8().constData(), s, ZIP_FL_ENC_UTF_8) : -1;
         if (at < 0) {
             zip_source_free(s);
@@ -50,9 +51,11 @@ QVector<PackageEntry> docxEntries(const QStringList &paragraphs, const QVector<P
         {QStringLiteral("[Content_Types].xml"),
          "<?xml version=\"1.0\" encoding=\"UTF-8\"?><Types "
          "xmlns=\"http://schemas.openxmlformats.org/package/2006/content-types\"><Default Extension=\"rels\" "
-         "ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/><Default Extension=\"xml\" "
+         "ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/><Default "
+         "Extension=\"xml\" "
          "ContentType=\"application/xml\"/><Override PartName=\"/word/document.xml\" "
-         "ContentType=\"application/vnd.openxmlformats-officedocument.wordprocessingml.document.main+xml\"/></Types>"},
+         "ContentType=\"application/vnd.openxmlformats-officedocument.wordprocessingml.document.main+xml\"/"
+         "></Types>"},
         {QStringLiteral("_rels/.rels"),
          "<?xml version=\"1.0\" encoding=\"UTF-8\"?><Relationships "
          "xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\"><Relationship Id=\"rId1\" "
