@@ -8,6 +8,7 @@
 #include "customers/CustomersPart.h"
 #include "documents/ActsPart.h"
 #include "documents/InvoicePart.h"
+#include "documents/ContractPart.h"
 #include "estimate/DocumentFilePart.h"
 #include "estimate/EditorPart.h"
 #include "estimate/HeaderPart.h"
@@ -31,5 +32,6 @@ std::vector<ShellPart *> makeShellParts(QObject *owner) {
         new ActsPart(owner),         // the act data, acts КС-2, КС-3 and the plain act
         new InvoicePart(owner),      // the payment invoice
         new MaterialsPart(owner),    // materials lists: picking, attaching to rates, spreadsheets
+        new ContractPart(owner),     // the contract made from the estimate
     };
 }

@@ -248,6 +248,31 @@ bool OfficeEngine::saveAs(const QString &path, const QString &format) {
                    kSaveLimitMs);
 }
 
+bool OfficeEngine::bodyHtml(QString *html) {
+    QJsonObject answer;
+    if (!request({{QStringLiteral("op"), QStringLiteral("bodyHtml")}}, kDefaultLimitMs, &answer))
+        return false;
+    *html = answer.value(QStringLiteral("html")).toString();
+    return true;
+}
+
+bool OfficeEngine::replaceBody(const QString &html) {
+    return request({{QStringLiteral("op"), QStringLiteral("replaceBody")}, {QStringLiteral("html"), html}},
+                   kLoadLimitMs);
+}
+
+bool OfficeEngine::setPage(const Page &page) {
+    return request({{QStringLiteral("op"), QStringLiteral("setPage")},
+                    {QStringLiteral("width"), page.width},
+                    {QStringLiteral("height"), page.height},
+                    {QStringLiteral("landscape"), page.landscape},
+                    {QStringLiteral("left"), page.left},
+                    {QStringLiteral("right"), page.right},
+                    {QStringLiteral("top"), page.top},
+                    {QStringLiteral("bottom"), page.bottom}},
+                   kDefaultLimitMs);
+}
+
 bool OfficeEngine::close() {
     if (!running())
         return true; // nothing is open in a helper that is not running

@@ -41,6 +41,23 @@ public:
     bool load(const QString &path, QString *type = nullptr);
     bool replaceAll(const QVector<QPair<QString, QString>> &pairs);
     bool saveAs(const QString &path, const QString &format);
+    // Text documents: the body (without headers, footers and page setup) as HTML, and the body
+    // replaced by HTML, the document's page styles, headers and footers kept.
+    bool bodyHtml(QString *html);
+    bool replaceBody(const QString &html);
+    // The page setup of a text document (its first page style), in hundredths of a millimetre. A size
+    // of 0 keeps the size and orientation; a pair of margins with one below 0 keeps that pair.
+    struct Page {
+        int width = 0;
+        int height = 0;
+        bool landscape = false;
+        int left = -1, right = -1, top = -1, bottom = -1;
+        bool operator==(const Page &o) const {
+            return width == o.width && height == o.height && landscape == o.landscape && left == o.left &&
+                   right == o.right && top == o.top && bottom == o.bottom;
+        }
+    };
+    bool setPage(const Page &page);
     bool close();
 
     // Spreadsheets (the active sheet).

@@ -1,6 +1,7 @@
 #include "TemplateFile.h"
 
 #include "office/OfficeEngine.h"
+#include "office/TemplatePackage.h"
 
 #include <QDir>
 #include <QFile>
@@ -43,6 +44,8 @@ QString check(const QString &path) {
         return QStringLiteral("Файл %1 не является документом Word, Excel, OpenDocument, RTF или текстом; "
                               "шаблон не открыт.")
             .arg(shown);
+    if (startsWith(head, "PK\x03\x04", 4))
+        return TemplatePackage::check(path); // what the zip package holds, before the engine unpacks it
     return {};
 }
 

@@ -15,6 +15,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 #include <QUrl>
 
 #include <csignal>
@@ -102,6 +103,10 @@ public:
             ok = replaceAll(req.value(QStringLiteral("pairs")).toArray(), &error);
         } else if (op == QLatin1String("saveAs")) {
             ok = saveAs(req, &error);
+        } else if (op == QLatin1String("bodyHtml") || op == QLatin1String("replaceBody")) {
+            ok = body(op == QLatin1String("replaceBody"), req, &answer, &error);
+        } else if (op == QLatin1String("setPage")) {
+            ok = setPage(req, &error);
         } else if (m_s.docType() != LokSession::DocType::Spreadsheet) {
             error = "операция только для таблиц: " + op.toStdString();
         } else if (op == QLatin1String("sheet")) {
@@ -183,6 +188,79 @@ private:
             options = "UTF8,LF";
         QFile::remove(path);
         return m_s.saveAs(toUrl(path), format.toStdString(), options, error);
+    }
+
+    // The body of a text document as HTML (headers, footers and page setup stay apart), or the body
+    // replaced by the HTML given, with the document's page styles, headers and footers kept.
+    bool body(bool replace, const QJsonObject &req, QJsonObject *answer, std::string *error) {
+        if (m_s.docType() != LokSession::DocType::Text) {
+            *error = "операция только для текстовых документов";
+            return false;
+        }
+        if (!m_s.selectBody(error))
+            return false;
+        if (replace) {
+            // The old body goes first, and with it the direct formatting of its first paragraph. The
+            // paragraph left behind takes in the first pasted paragraph without that paragraph's own
+            // looks (alignment, spacing): a paragraph of one sign goes first instead, then the sign and
+            // its paragraph are deleted, and the next paragraph keeps its looks.
+            QString html = req.value(QStringLiteral("html")).toString();
+            static const QRegularExpression body(QStringLiteral("<body[^>]*>"),
+                                                 QRegularExpression::CaseInsensitiveOption);
+            const QRegularExpressionMatch m = body.match(html);
+            html.insert(m.hasMatch() ? m.capturedEnd() : 0, QStringLiteral("<p>§</p>"));
+            return m_s.uno(".uno:Delete", "", kStep, error) &&
+                   m_s.uno(".uno:ResetAttributes", "", kStep, error) &&
+                   m_s.paste("text/html", html.toUtf8().toStdString(), error) &&
+                   m_s.uno(".uno:GoToStartOfDoc", "", kStep, error) &&
+                   m_s.uno(".uno:EndOfParaSel", "", kStep, error) &&
+                   m_s.uno(".uno:Delete", "", kStep, error) && m_s.uno(".uno:Delete", "", kStep, error);
+        }
+        std::string html;
+        if (!m_s.selection("text/html", &html, error))
+            return false;
+        (*answer)[QStringLiteral("html")] = QString::fromStdString(html);
+        return true;
+    }
+
+    // The page style under the cursor (the first page's): size and orientation, margins, in
+    // hundredths of a millimetre; what the request leaves at 0 or below 0 stays as it is.
+    bool setPage(const QJsonObject &req, std::string *error) {
+        if (m_s.docType() != LokSession::DocType::Text) {
+            *error = "операция только для текстовых документов";
+            return false;
+        }
+        const auto number = [&req](const char *key) { return req.value(QLatin1String(key)).toInt(-1); };
+        const auto args = [](std::initializer_list<std::pair<const char *, QJsonValue>> list) {
+            QJsonObject o;
+            for (const auto &p : list) {
+                const char *type = p.second.isBool() ? "boolean" : "long";
+                o[QLatin1String(p.first)] = QJsonObject{{QStringLiteral("type"), QLatin1String(type)},
+                                                        {QStringLiteral("value"), p.second}};
+            }
+            return QJsonDocument(o).toJson(QJsonDocument::Compact).toStdString();
+        };
+        if (number("width") > 0 && number("height") > 0) {
+            const bool landscape = req.value(QStringLiteral("landscape")).toBool();
+            if (!m_s.uno(".uno:AttributePage", args({{"AttributePage.Landscape", landscape}}), kStep,
+                         error) ||
+                !m_s.uno(".uno:AttributePageSize",
+                         args({{"AttributePageSize.Width", number("width")},
+                               {"AttributePageSize.Height", number("height")}}),
+                         kStep, error))
+                return false;
+        }
+        if (number("left") >= 0 && number("right") >= 0 &&
+            !m_s.uno(".uno:PageLRMargin",
+                     args({{"PageLRMargin.Left", number("left")}, {"PageLRMargin.Right", number("right")}}),
+                     kStep, error))
+            return false;
+        if (number("top") >= 0 && number("bottom") >= 0 &&
+            !m_s.uno(".uno:PageULMargin",
+                     args({{"PageULMargin.Upper", number("top")}, {"PageULMargin.Lower", number("bottom")}}),
+                     kStep, error))
+            return false;
+        return true;
     }
 
     // Comma separated, quoted by '"', UTF-8, cells as shown.
