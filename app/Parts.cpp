@@ -5,6 +5,7 @@
 #include "TForm1.h"
 
 #include "customers/CustomersPart.h"
+#include "documents/RegisterPart.h"
 #include "estimate/DocumentFilePart.h"
 #include "estimate/EditorPart.h"
 #include "estimate/HeaderPart.h"
@@ -19,5 +20,6 @@ std::vector<ShellPart *> makeShellParts(QObject *owner) {
         new CustomersPart(owner),    // customers, objects, contractor
         new HeaderPart(owner),       // the estimate's header
         new OutputPart(owner),       // preview, print, PDF and spreadsheet of the estimate
+        new RegisterPart(owner),     // the register of documents "Мои документы"
     };
 }

@@ -238,12 +238,12 @@ void TMyDocuments::buildPage(Page &page, const QString &title, const char *suffi
     grid->addWidget(page.month, 0, 0);
     grid->addWidget(page.year, 0, 1);
     grid->addWidget(filter, 0, 2);
-    grid->addWidget(clear, 0, 3);
     grid->addWidget(prev, 1, 0);
     grid->addWidget(next, 1, 1);
     grid->addWidget(now, 1, 2);
     grid->addWidget(first, 2, 0);
     grid->addWidget(last, 2, 1);
+    grid->addWidget(clear, 2, 2);
     connect(filter, &QPushButton::clicked, this, &TMyDocuments::BtnFilterPeriodClick);
     connect(prev, &QPushButton::clicked, this, &TMyDocuments::BtnPrevMonthClick);
     connect(next, &QPushButton::clicked, this, &TMyDocuments::BtnNextMonthClick);
@@ -252,6 +252,8 @@ void TMyDocuments::buildPage(Page &page, const QString &title, const char *suffi
     connect(first, &QPushButton::clicked, this, &TMyDocuments::BtnFirstRowClick);
     connect(last, &QPushButton::clicked, this, &TMyDocuments::BtnLastRowClick);
     filters->addWidget(period);
+    if (!drafts)
+        filters->addWidget(buildOutputActions());
     filters->addStretch(1);
     layout->addLayout(filters);
 
@@ -271,31 +273,40 @@ void TMyDocuments::buildPage(Page &page, const QString &title, const char *suffi
     PageControl->addTab(page.tab, title);
 }
 
+QAction *TMyDocuments::makeAction(QToolBar *bar, const char *name, const QString &text,
+                                  const QKeySequence &key, void (TMyDocuments::*slot)()) {
+    auto *a = new QAction(text, this);
+    a->setObjectName(QLatin1String(name));
+    if (!key.isEmpty()) {
+        a->setShortcut(key);
+        a->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    }
+    connect(a, &QAction::triggered, this, slot);
+    bar->addAction(a);
+    return a;
+}
+
 QToolBar *TMyDocuments::buildDocumentActions() {
     auto *bar = new QToolBar(this);
     bar->setObjectName(QStringLiteral("ToolBarDoc"));
     bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    auto make = [this, bar](QAction *&a, const char *name, const QString &text, const QKeySequence &key,
-                            void (TMyDocuments::*slot)()) {
-        a = new QAction(text, this);
-        a->setObjectName(QLatin1String(name));
-        if (!key.isEmpty()) {
-            a->setShortcut(key);
-            a->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-        }
-        connect(a, &QAction::triggered, this, slot);
-        bar->addAction(a);
-    };
-    make(ToolOpen, "ToolOpen", QStringLiteral("Открыть документ"), QKeySequence(Qt::Key_Return),
-         &TMyDocuments::ToolOpenClick);
-    make(NFinish, "NFinish", QStringLiteral("Завершить смету"), {}, &TMyDocuments::NFinishClick);
-    make(NEdit, "NEdit", QStringLiteral("Редактировать данные"), QKeySequence(Qt::Key_F2),
-         &TMyDocuments::NEditClick);
-    make(NDelete, "NDelete", QStringLiteral("Удалить запись"), QKeySequence::Delete,
-         &TMyDocuments::NDeleteClick);
-    make(ToolSetDrafts, "ToolSetDrafts", QStringLiteral("Переместить в черновик"), {},
-         &TMyDocuments::ToolSetDraftsClick);
-    bar->addSeparator();
+    ToolOpen = makeAction(bar, "ToolOpen", QStringLiteral("Открыть документ"), QKeySequence(Qt::Key_Return),
+                          &TMyDocuments::ToolOpenClick);
+    NFinish = makeAction(bar, "NFinish", QStringLiteral("Завершить смету"), {}, &TMyDocuments::NFinishClick);
+    NEdit = makeAction(bar, "NEdit", QStringLiteral("Редактировать данные"), QKeySequence(Qt::Key_F2),
+                       &TMyDocuments::NEditClick);
+    NDelete = makeAction(bar, "NDelete", QStringLiteral("Удалить запись"), QKeySequence::Delete,
+                         &TMyDocuments::NDeleteClick);
+    ToolSetDrafts = makeAction(bar, "ToolSetDrafts", QStringLiteral("Переместить в черновик"), {},
+                               &TMyDocuments::ToolSetDraftsClick);
+    return bar;
+}
+
+QToolBar *TMyDocuments::buildOutputActions() {
+    auto *bar = new QToolBar(this);
+    bar->setObjectName(QStringLiteral("ToolBarOutput"));
+    bar->setOrientation(Qt::Vertical);
+    bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
     auto output = [this, bar](const char *name, const QString &text, RegisterCommands::Output kind) {
         auto *a = new QAction(text, this);
         a->setObjectName(QLatin1String(name));
@@ -313,25 +324,14 @@ QToolBar *TMyDocuments::buildDraftActions() {
     auto *bar = new QToolBar(this);
     bar->setObjectName(QStringLiteral("ToolBarDraft"));
     bar->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    auto make = [this, bar](QAction *&a, const char *name, const QString &text, const QKeySequence &key,
-                            void (TMyDocuments::*slot)()) {
-        a = new QAction(text, this);
-        a->setObjectName(QLatin1String(name));
-        if (!key.isEmpty()) {
-            a->setShortcut(key);
-            a->setShortcutContext(Qt::WidgetWithChildrenShortcut);
-        }
-        connect(a, &QAction::triggered, this, slot);
-        bar->addAction(a);
-    };
-    make(ToolOpenDraft, "ToolOpenDraft", QStringLiteral("Открыть черновик"), QKeySequence(Qt::Key_Return),
-         &TMyDocuments::ToolOpenClick);
-    make(MMoveToDoc, "MMoveToDoc", QStringLiteral("Переместить черновик в документы"), {},
-         &TMyDocuments::MMoveToDocClick);
-    make(MEditDraft, "MEditDraft", QStringLiteral("Редактировать данные"), QKeySequence(Qt::Key_F2),
-         &TMyDocuments::MEditDraftClick);
-    make(MDelDraft, "MDelDraft", QStringLiteral("Удалить запись"), QKeySequence::Delete,
-         &TMyDocuments::MDelDraftClick);
+    ToolOpenDraft = makeAction(bar, "ToolOpenDraft", QStringLiteral("Открыть черновик"),
+                               QKeySequence(Qt::Key_Return), &TMyDocuments::ToolOpenClick);
+    MMoveToDoc = makeAction(bar, "MMoveToDoc", QStringLiteral("Переместить черновик в документы"), {},
+                            &TMyDocuments::MMoveToDocClick);
+    MEditDraft = makeAction(bar, "MEditDraft", QStringLiteral("Редактировать данные"),
+                            QKeySequence(Qt::Key_F2), &TMyDocuments::MEditDraftClick);
+    MDelDraft = makeAction(bar, "MDelDraft", QStringLiteral("Удалить запись"), QKeySequence::Delete,
+                           &TMyDocuments::MDelDraftClick);
     return bar;
 }
 

@@ -17,6 +17,7 @@ class QAction;
 class QCalendarWidget;
 class QComboBox;
 class QGroupBox;
+class QKeySequence;
 class QLabel;
 class QLineEdit;
 class QListView;
@@ -124,7 +125,10 @@ private:
     // Building (MyDocuments_frame.cpp).
     void buildLeft(QWidget *left);
     void buildPage(Page &page, const QString &title, const char *suffix);
+    QAction *makeAction(QToolBar *bar, const char *name, const QString &text, const QKeySequence &key,
+                        void (TMyDocuments::*slot)());
     QToolBar *buildDocumentActions();
+    QToolBar *buildOutputActions();
     QToolBar *buildDraftActions();
     QWidget *buildSideGrids();
     QTableView *makeGrid(const QString &name, QWidget *parent);

@@ -4,12 +4,11 @@
 // part gives the frame the main window's open estimate, its question about unsaved changes, its file
 // opening and its printed forms, and shows a saved estimate in the register at once.
 
+#include "MyDocuments_frame.h"
 #include "RegisterCommands.h"
 #include "ui/MainShell.h"
 
 #include <QPointer>
-
-class TMyDocuments;
 
 class RegisterPart : public ShellPart, public RegisterCommands {
     Q_OBJECT

@@ -4,6 +4,7 @@
 
 #include "documents/RegisterFilter.h"
 #include "estimate/Registration.h"
+#include "tests/storage/QStringPrinter.h"
 
 #include <QDate>
 #include <QSqlDatabase>

@@ -10,16 +10,19 @@
 #include "documents/MyDocuments_frame.h"
 #include "documents/RegisterModel.h"
 #include "documents/RegisterPart.h"
+#include "storage/TextValues.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QDateEdit>
 #include <QDesktopServices>
 #include <QFile>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QTabWidget>
 #include <QTableView>
@@ -71,10 +74,11 @@ protected:
     static QString cell(QTableView *grid, int row, int column) {
         return grid->model()->index(row, column).data().toString();
     }
+    // A double click as the mouse makes it: a click, then the second press.
     static void doubleClick(QTableView *grid, int row) {
-        grid->selectRow(row);
-        const QRect r = grid->visualRect(grid->model()->index(row, RegisterCol::Date));
-        QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, r.center());
+        const QPoint at = grid->visualRect(grid->model()->index(row, 1)).center();
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, at);
+        QTest::mouseDClick(grid->viewport(), Qt::LeftButton, {}, at);
     }
     static void settle() { QTest::qWait(20); }
 };
@@ -285,10 +289,8 @@ TEST_F(RegisterWindowTest, EditingWritesTheDialogsValuesAndMissingFilesAreSaid) 
     EXPECT_EQ(frame->GridAct->model()->headerData(1, Qt::Horizontal).toString(), "Акты");
     UrlCatcher catcher;
     QDesktopServices::setUrlHandler("file", &catcher, "handle");
-    QTest::mouseDClick(frame->GridContract->viewport(), Qt::LeftButton, {},
-                       frame->GridContract->visualRect(frame->GridContract->model()->index(0, 0)).center());
-    QTest::mouseDClick(frame->GridAct->viewport(), Qt::LeftButton, {},
-                       frame->GridAct->visualRect(frame->GridAct->model()->index(0, 0)).center());
+    doubleClick(frame->GridContract, 0);
+    doubleClick(frame->GridAct, 0);
     QDesktopServices::unsetUrlHandler("file");
     EXPECT_EQ(catcher.opened, QList<QUrl>{QUrl::fromLocalFile(present)});
     EXPECT_EQ(dialogs->lastText(), "Отсутствует файл " + folder.file("Sm/пропал.xls"));
