@@ -39,14 +39,23 @@ void TMyDocuments::tellFailure(const QString &text) {
 }
 
 bool TMyDocuments::selected(const Page &page, RegisterRow *row) {
-    const RegisterRow *r = page.model->rowAt(page.grid->currentIndex().row());
-    if (!r)
+    const int index = page.grid->currentIndex().row();
+    if (!page.model->hasRow(index))
         return false; // an empty grid or no row chosen: nothing to do
-    *row = *r;
+    // The row as the register holds it now: another copy of the program may have changed it.
+    *row = page.model->page().row(index);
+    QSqlDatabase db = registerDb();
+    QString error;
+    if (!db.isOpen() || !RegisterRows::readOne(db, page.list, row->id, row, &error)) {
+        tellFailure(QStringLiteral("Запись «%1»: %2")
+                        .arg(row->name, db.isOpen() ? error : m_module.failure(Db::MyDoc)));
+        return false;
+    }
     return true;
 }
 
-void TMyDocuments::changed(Page &page, int keepId) {
+void TMyDocuments::changed(Page &page, qlonglong keepId) {
+    page.yearsKnown = false;
     readPage(page, keepId);
     emit registerChanged();
 }
@@ -62,7 +71,7 @@ void TMyDocuments::NFinishClick() {
     if (!db.isOpen() || !Registration::finish(db, row.id, QDate::currentDate(), &error))
         tellFailure(QStringLiteral("Смета «%1» не завершена: %2")
                         .arg(row.name, db.isOpen() ? error : m_module.failure(Db::MyDoc)));
-    changed(m_doc, static_cast<int>(row.id));
+    changed(m_doc, row.id);
 }
 
 void TMyDocuments::NEditClick() {
@@ -91,7 +100,7 @@ void TMyDocuments::editRow(Page &page) {
     if (!db.isOpen() || !Registration::edit(db, page.list, row.id, dialog.values(), &error))
         tellFailure(QStringLiteral("Изменения записи «%1» не сохранены: %2")
                         .arg(row.name, db.isOpen() ? error : m_module.failure(Db::MyDoc)));
-    changed(page, static_cast<int>(row.id));
+    changed(page, row.id);
 }
 
 void TMyDocuments::NDeleteClick() {
@@ -166,8 +175,10 @@ bool TMyDocuments::moveRow(Page &page, const QString &target) {
     if (wasOpen && !m_commands.settleOpenDocument())
         return false;
     const RegisterMoves::Outcome moved = RegisterMoves::move(m_module, page.list, row.id, target);
-    readPage(m_doc, moved.ok && !isDrafts(page) ? -1 : static_cast<int>(row.id));
-    readPage(m_draft, moved.ok && isDrafts(page) ? -1 : static_cast<int>(row.id));
+    m_doc.yearsKnown = m_draft.yearsKnown = false;
+    Page &other = isDrafts(page) ? m_doc : m_draft;
+    readPage(page, moved.ok ? 0 : row.id);
+    readPage(other, moved.ok ? moved.newId : 0);
     emit registerChanged();
     if (!moved.ok) {
         tellFailure(moved.error);
@@ -190,13 +201,6 @@ bool TMyDocuments::openRow(const Page &page) {
     RegisterRow row;
     if (!selected(page, &row))
         return false;
-    // The file as the register holds it now (another copy of the program may have moved it).
-    QSqlDatabase db = registerDb();
-    QString error;
-    if (db.isOpen() && !RegisterRows::readOne(db, page.list, row.id, &row, &error)) {
-        tellFailure(QStringLiteral("Запись «%1»: %2").arg(row.name, error));
-        return false;
-    }
     if (row.fileName.isEmpty() || !QFileInfo(row.fileName).isFile()) {
         dialogs().tell(Captions::error, QStringLiteral("Файл не найден"), Dialogs::Icon::Error);
         return false;
@@ -209,7 +213,7 @@ bool TMyDocuments::openRow(const Page &page) {
 void TMyDocuments::outputClick(RegisterCommands::Output kind) {
     // The chosen row's estimate is printed: it is opened in the main window first.
     Page &page = current();
-    if (page.model->rowAt(page.grid->currentIndex().row()) && !openRow(page))
+    if (page.model->hasRow(page.grid->currentIndex().row()) && !openRow(page))
         return;
     m_commands.output(kind);
 }
@@ -227,8 +231,7 @@ void TMyDocuments::openOutputFile(const QString &path) {
 
 void TMyDocuments::popup(Page &page, const QPoint &at) {
     const QModelIndex index = page.grid->indexAt(at);
-    const RegisterRow *row = page.model->rowAt(index.row());
-    if (!row)
+    if (!page.model->hasRow(index.row()))
         return;
     page.grid->selectRow(index.row());
     QMenu menu(this);
@@ -237,7 +240,7 @@ void TMyDocuments::popup(Page &page, const QPoint &at) {
     } else {
         menu.addAction(ToolOpen);
         // Finishing is offered only for an estimate in work.
-        if (!row->finished)
+        if (!page.model->page().finished(index.row()))
             menu.addAction(NFinish);
         menu.addActions({NEdit, NDelete});
         menu.addSeparator();

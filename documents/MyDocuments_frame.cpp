@@ -398,9 +398,9 @@ RegisterFilter::Filter TMyDocuments::filterOf(const Page &page) const {
     return f;
 }
 
-void TMyDocuments::readPage(Page &page, int keepId) {
+void TMyDocuments::readPage(Page &page, qlonglong keepId) {
     page.comboFilter->stop();
-    std::vector<RegisterRow> rows;
+    RegisterPage rows;
     QSqlDatabase db = registerDb();
     if (db.isOpen()) {
         QString error;
@@ -419,18 +419,16 @@ void TMyDocuments::readPage(Page &page, int keepId) {
             LabelProblem->show();
         }
     }
-    page.model->setRows(std::move(rows));
+    page.model->setPage(std::move(rows));
     page.model->setCustomer(m_customer);
-    if (keepId >= 0) {
-        const auto &shown = page.model->rows();
-        for (size_t i = 0; i < shown.size(); ++i)
-            if (shown[i].id == keepId) {
-                page.grid->selectRow(static_cast<int>(i));
-                page.grid->scrollTo(page.model->index(static_cast<int>(i), 0));
-                break;
-            }
+    const int keep = keepId > 0 ? page.model->page().indexOf(keepId) : -1;
+    if (keep >= 0) {
+        page.grid->selectRow(keep);
+        page.grid->scrollTo(page.model->index(keep, 0));
     }
-    readYears(page);
+    // The years change only with the rows themselves, not with a filter.
+    if (!page.yearsKnown)
+        readYears(page);
     if (&page == &current())
         showTotals();
     selectionChanged();
@@ -438,6 +436,7 @@ void TMyDocuments::readPage(Page &page, int keepId) {
 
 void TMyDocuments::readYears(Page &page) {
     QSqlDatabase db = m_module.database(Db::MyDoc);
+    page.yearsKnown = db.isOpen();
     QStringList items{kAnyYear};
     if (db.isOpen())
         items << RegisterRows::years(db, page.list);
@@ -465,7 +464,7 @@ void TMyDocuments::readCustomers() {
 }
 
 void TMyDocuments::showTotals() {
-    const RegisterTotals t = RegisterRows::totals(current().model->rows());
+    const RegisterTotals &t = current().model->page().totals();
     const QString tip = t.unreadable > 0
                             ? QStringLiteral("Строк с нечитаемой суммой (не учтены): %1").arg(t.unreadable)
                             : QString();
@@ -478,14 +477,13 @@ void TMyDocuments::showTotals() {
 
 void TMyDocuments::showOutputs() {
     std::vector<OutputFileRow> contracts, accounts, acts;
-    const RegisterRow *row = nullptr;
-    if (!draftsShown())
-        row = m_doc.model->rowAt(GridDoc->currentIndex().row());
-    QSqlDatabase db = row ? m_module.database(Db::MyDoc) : QSqlDatabase();
+    const int row = draftsShown() ? -1 : GridDoc->currentIndex().row();
+    QSqlDatabase db = m_doc.model->hasRow(row) ? m_module.database(Db::MyDoc) : QSqlDatabase();
     if (db.isOpen()) {
-        RegisterRows::readOutputs(db, QStringLiteral("contract"), row->id, &contracts, nullptr);
-        RegisterRows::readOutputs(db, QStringLiteral("account"), row->id, &accounts, nullptr);
-        RegisterRows::readOutputs(db, QStringLiteral("act"), row->id, &acts, nullptr);
+        const qlonglong id = m_doc.model->page().id(row);
+        RegisterRows::readOutputs(db, QStringLiteral("contract"), id, &contracts, nullptr);
+        RegisterRows::readOutputs(db, QStringLiteral("account"), id, &accounts, nullptr);
+        RegisterRows::readOutputs(db, QStringLiteral("act"), id, &acts, nullptr);
     }
     m_contracts->setRows(std::move(contracts));
     m_accounts->setRows(std::move(accounts));
@@ -493,11 +491,12 @@ void TMyDocuments::showOutputs() {
 }
 
 void TMyDocuments::selectionChanged() {
-    const RegisterRow *doc = m_doc.model->rowAt(GridDoc->currentIndex().row());
-    NFinish->setEnabled(doc && !doc->finished);
+    const int doc = GridDoc->currentIndex().row();
+    const bool hasDoc = m_doc.model->hasRow(doc);
+    NFinish->setEnabled(hasDoc && !m_doc.model->page().finished(doc));
     for (QAction *a : {NEdit, NDelete, ToolSetDrafts, ToolOpen})
-        a->setEnabled(doc != nullptr);
-    const bool draft = m_draft.model->rowAt(GridDraft->currentIndex().row()) != nullptr;
+        a->setEnabled(hasDoc);
+    const bool draft = m_draft.model->hasRow(GridDraft->currentIndex().row());
     for (QAction *a : {MMoveToDoc, MEditDraft, MDelDraft, ToolOpenDraft})
         a->setEnabled(draft);
     showOutputs();
@@ -508,14 +507,16 @@ void TMyDocuments::selectionChanged() {
 void TMyDocuments::FrameEnter() {
     showDraftsPage(m_options.get(QStringLiteral("CheckBoxDraft")));
     readCustomers();
+    m_draft.yearsKnown = m_doc.yearsKnown = false;
     readPage(m_draft);
     readPage(m_doc);
 }
 
 void TMyDocuments::refresh() {
     Page &page = current();
-    const RegisterRow *row = page.model->rowAt(page.grid->currentIndex().row());
-    readPage(page, row ? static_cast<int>(row->id) : -1);
+    const int row = page.grid->currentIndex().row();
+    page.yearsKnown = false;
+    readPage(page, page.model->hasRow(row) ? page.model->page().id(row) : 0);
 }
 
 void TMyDocuments::showDraftsPage(bool on) {

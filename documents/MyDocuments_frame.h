@@ -120,6 +120,7 @@ private:
         QComboBox *year = nullptr;
         QTimer *comboFilter = nullptr; // a choice in a combo filters once the typing pauses
         QDate day;                     // the calendar's day while it filters; null otherwise
+        bool yearsKnown = false;       // the year combo lists the years of the rows as they are
     };
 
     // Building (MyDocuments_frame.cpp).
@@ -137,7 +138,7 @@ private:
     Page &current();
     bool isDrafts(const Page &page) const { return &page == &m_draft; }
     RegisterFilter::Filter filterOf(const Page &page) const;
-    void readPage(Page &page, int keepId = -1);
+    void readPage(Page &page, qlonglong keepId = 0);
     void readCustomers();
     void readYears(Page &page);
     void showTotals();
@@ -156,7 +157,7 @@ private:
     bool moveRow(Page &page, const QString &target);
     bool openRow(const Page &page);
     void popup(Page &page, const QPoint &at);
-    void changed(Page &page, int keepId = -1);
+    void changed(Page &page, qlonglong keepId = 0);
     void tellFailure(const QString &text);
 
     TModuleSQL &m_module;

@@ -8,8 +8,8 @@ namespace {
 // A name is shown on one line; its whole text is in the tool tip (a name may be pages long).
 constexpr int kShownChars = 300;
 
-QString oneLine(const QString &text) {
-    QString s = text.left(kShownChars);
+QString oneLine(QStringView text) {
+    QString s = text.left(kShownChars).toString();
     s.replace(QLatin1Char('\n'), QLatin1Char(' '));
     return s;
 }
@@ -20,14 +20,10 @@ QString RegisterModel::statusText(bool finished) {
     return finished ? QStringLiteral("Завершено") : QStringLiteral("В работе");
 }
 
-void RegisterModel::setRows(std::vector<RegisterRow> rows) {
+void RegisterModel::setPage(RegisterPage page) {
     beginResetModel();
-    m_rows = std::move(rows);
+    m_page = std::move(page);
     endResetModel();
-}
-
-const RegisterRow *RegisterModel::rowAt(int row) const {
-    return row >= 0 && row < static_cast<int>(m_rows.size()) ? &m_rows[static_cast<size_t>(row)] : nullptr;
 }
 
 void RegisterModel::setCustomer(const QString &customer) {
@@ -38,7 +34,7 @@ void RegisterModel::setCustomer(const QString &customer) {
 }
 
 int RegisterModel::rowCount(const QModelIndex &parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+    return parent.isValid() ? 0 : m_page.size();
 }
 
 int RegisterModel::columnCount(const QModelIndex &parent) const {
@@ -46,14 +42,14 @@ int RegisterModel::columnCount(const QModelIndex &parent) const {
 }
 
 QVariant RegisterModel::data(const QModelIndex &index, int role) const {
-    const RegisterRow *r = rowAt(index.row());
-    if (!r)
+    const int row = index.row();
+    if (!hasRow(row))
         return {};
     if (role == Qt::ToolTipRole) {
         if (index.column() == RegisterCol::Name)
-            return r->name;
+            return m_page.text(row, RegisterPage::Name).toString();
         if (index.column() == RegisterCol::FileName)
-            return QDir::toNativeSeparators(r->fileName);
+            return QDir::toNativeSeparators(m_page.text(row, RegisterPage::FileName).toString());
         return {};
     }
     if (role == Qt::TextAlignmentRole &&
@@ -63,21 +59,21 @@ QVariant RegisterModel::data(const QModelIndex &index, int role) const {
         return {};
     switch (index.column()) {
     case RegisterCol::Number:
-        return QString::number(index.row() + 1);
+        return QString::number(row + 1);
     case RegisterCol::Date:
-        return r->data;
+        return m_page.text(row, RegisterPage::Data).toString();
     case RegisterCol::Name:
-        return oneLine(r->name);
+        return oneLine(m_page.text(row, RegisterPage::Name));
     case RegisterCol::Sum:
-        return r->allsum;
+        return m_page.text(row, RegisterPage::AllSum).toString();
     case RegisterCol::Id:
-        return QString::number(r->id);
+        return QString::number(m_page.id(row));
     case RegisterCol::Status:
-        return statusText(r->finished);
+        return statusText(m_page.finished(row));
     case RegisterCol::DateEnd:
-        return r->dataend;
+        return m_page.text(row, RegisterPage::DataEnd).toString();
     case RegisterCol::FileName:
-        return QDir::toNativeSeparators(r->fileName);
+        return QDir::toNativeSeparators(m_page.text(row, RegisterPage::FileName).toString());
     }
     return {};
 }

@@ -20,9 +20,9 @@ public:
 
     static QString statusText(bool finished); // "Завершено" / "В работе"
 
-    void setRows(std::vector<RegisterRow> rows);
-    const std::vector<RegisterRow> &rows() const { return m_rows; }
-    const RegisterRow *rowAt(int row) const;
+    void setPage(RegisterPage page);
+    const RegisterPage &page() const { return m_page; }
+    bool hasRow(int row) const { return row >= 0 && row < m_page.size(); }
     // The customer of the active filter: the name column's header shows it in bold; empty gives
     // "Все заказчики" again.
     void setCustomer(const QString &customer);
@@ -34,7 +34,7 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 
 private:
-    std::vector<RegisterRow> m_rows;
+    RegisterPage m_page;
     QString m_customer;
 };
 

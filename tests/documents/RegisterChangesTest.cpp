@@ -57,12 +57,12 @@ TEST_F(RegisterChanges, FinishingAndEditingBackToWorkLeaveNullNeverZero) {
     ASSERT_TRUE(Registration::edit(db(), List::Documents, id, done));
     EXPECT_EQ(rows("SELECT status, dataend FROM documents"), QStringList{"1|01.12.2025"});
 
-    std::vector<RegisterRow> shown;
+    RegisterPage shown;
     ASSERT_TRUE(
         RegisterRows::read(db(), RegisterFilter::statement(List::Documents, filter()), &shown, nullptr));
-    ASSERT_EQ(shown.size(), 1u);
-    EXPECT_EQ(shown[0].name, back.name);
-    EXPECT_TRUE(shown[0].finished);
+    ASSERT_EQ(shown.size(), 1);
+    EXPECT_EQ(shown.row(0).name, back.name);
+    EXPECT_TRUE(shown.finished(0));
 
     // A row that is gone (deleted in another copy of the program) is said so, not silently passed.
     QString error;
@@ -148,11 +148,11 @@ TEST_F(RegisterChanges, GridShowsRunningNumbersStatusTextsAndTheCustomerInBold) 
     const QString name = "ООО \"Ромашка\" " + QString(10000, QChar(u'ж'));
     addRow(db(), List::Documents, name, QDate(2024, 3, 5), "5,00", false, name);
     addRow(db(), List::Documents, "Иванов", QDate(2024, 3, 6), "7,00", true);
-    std::vector<RegisterRow> shown;
+    RegisterPage shown;
     ASSERT_TRUE(
         RegisterRows::read(db(), RegisterFilter::statement(List::Documents, filter()), &shown, nullptr));
     RegisterModel model;
-    model.setRows(shown);
+    model.setPage(shown);
     QStringList headers;
     for (int c = 0; c < model.columnCount(); ++c)
         headers << model.headerData(c, Qt::Horizontal).toString();
@@ -199,14 +199,14 @@ TEST(RegisterFile, AnOldRegisterIsBroughtUpToDate) {
     QSqlDatabase db = module.database(Db::MyDoc);
     ASSERT_TRUE(db.isOpen()) << module.failure(Db::MyDoc).toStdString();
     EXPECT_EQ(Schema::version(db), Schema::latestVersion(Db::MyDoc));
-    std::vector<RegisterRow> shown;
+    RegisterPage shown;
     ASSERT_TRUE(RegisterRows::read(
         db, RegisterFilter::statement(List::Documents, filter("Иванов", RegisterFilter::Status::InWork)),
         &shown, nullptr));
-    ASSERT_EQ(shown.size(), 1u);
-    EXPECT_EQ(shown[0].name, "Старая");
-    EXPECT_TRUE(shown[0].month.isEmpty());
-    EXPECT_TRUE(Registration::finish(db, shown[0].id, QDate(2025, 1, 1)));
+    ASSERT_EQ(shown.size(), 1);
+    EXPECT_EQ(shown.row(0).name, "Старая");
+    EXPECT_TRUE(shown.text(0, RegisterPage::DataEnd).isEmpty());
+    EXPECT_TRUE(Registration::finish(db, shown.id(0), QDate(2025, 1, 1)));
     EXPECT_EQ(queryRows(db, "SELECT COUNT(*) FROM drafts"), QStringList{"0"});
 }
 
@@ -223,7 +223,7 @@ TEST(RegisterFile, ADamagedRegisterIsNamedAndNothingElseFails) {
     EXPECT_TRUE(module.failure(Db::MyDoc).contains("mydoc.db")) << module.failure(Db::MyDoc).toStdString();
     EXPECT_TRUE(module.failure(Db::MyDoc).startsWith("Не удалось открыть"));
     EXPECT_TRUE(module.database(Db::People).isOpen());
-    std::vector<RegisterRow> shown;
+    RegisterPage shown;
     QString error;
     EXPECT_FALSE(
         RegisterRows::read(module.database(Db::MyDoc), "SELECT * FROM documents WHERE 1", &shown, &error));

@@ -76,7 +76,8 @@ TEST(RegisterFilter, StatementsSelectTheRowsTheyName) {
     QSqlDatabase db = module.database(Db::MyDoc);
     const qlonglong a1 = addRow(db, List::Documents, "Иванов", QDate(2024, 3, 5));
     const qlonglong a2 = addRow(db, List::Documents, "Иванов", QDate(2025, 3, 5), "1,00", true);
-    const qlonglong b1 = addRow(db, List::Documents, kQuoted, QDate(2024, 12, 31));
+    const qlonglong b1 =
+        addRow(db, List::Documents, kQuoted, QDate(2024, 12, 31), "100,00", false, "Смета \"Б\"");
     const qlonglong b2 = addRow(db, List::Documents, kQuoted, QDate(2025, 1, 1), "2,00", true);
     const qlonglong d1 = addRow(db, List::Drafts, kQuoted, QDate(2024, 12, 31));
     using L = QList<qlonglong>;
@@ -104,34 +105,69 @@ TEST(RegisterFilter, StatementsSelectTheRowsTheyName) {
     EXPECT_EQ(ids(db, RegisterFilter::dayStatement(List::Documents, QDate(2024, 12, 31))), L{b1});
 
     // The rows as the grid holds them: names shown with double quotes, the status, the totals.
-    std::vector<RegisterRow> rows;
+    RegisterPage page;
     QString error;
     ASSERT_TRUE(
-        RegisterRows::read(db, RegisterFilter::statement(List::Documents, filter(kQuoted)), &rows, &error));
-    ASSERT_EQ(rows.size(), 2u);
-    EXPECT_EQ(rows[0].client, kQuoted);
-    EXPECT_FALSE(rows[0].finished);
-    EXPECT_TRUE(rows[1].finished);
-    const RegisterTotals t = RegisterRows::totals(rows);
+        RegisterRows::read(db, RegisterFilter::statement(List::Documents, filter(kQuoted)), &page, &error));
+    ASSERT_EQ(page.size(), 2);
+    EXPECT_EQ(page.row(0).name, "Смета \"Б\"");
+    EXPECT_EQ(page.text(0, RegisterPage::Data), QStringLiteral("31.12.2024"));
+    EXPECT_FALSE(page.finished(0));
+    EXPECT_TRUE(page.finished(1));
+    EXPECT_EQ(page.indexOf(b2), 1);
+    const RegisterTotals &t = page.totals();
     EXPECT_EQ(t.materials.text(), "20,00");
     EXPECT_EQ(t.works.text(), "40,00");
     EXPECT_EQ(t.all.text(), "102,00");
     EXPECT_EQ(RegisterRows::years(db, List::Documents), (QStringList{"2024", "2025"}));
     EXPECT_EQ(RegisterRows::years(db, List::Drafts), QStringList{"2024"});
+    // A statement that fails leaves an empty page and says why.
+    EXPECT_FALSE(RegisterRows::read(db, "SELECT * FROM нет_таблицы WHERE 1", &page, &error));
+    EXPECT_EQ(page.size(), 0);
+    EXPECT_TRUE(error.contains("нет_таблицы")) << error.toStdString();
 }
 
-TEST(RegisterFilter, TotalsLeaveOutWhatCannotBeReadAndRefuseAnOverflow) {
-    std::vector<RegisterRow> rows(3);
-    rows[0].allsum = "1 000,50";
-    rows[1].allsum = "много";
-    rows[2].allsum = "";
-    RegisterTotals t = RegisterRows::totals(rows);
-    EXPECT_EQ(t.all.text(), "1000,50");
+TEST(RegisterFilter, TotalsReadAmountsByTheProgramsNumberRule) {
+    // The stored "0,00" form is read straight into kopecks; it must agree with the general rule, and
+    // everything else goes by the rule itself.
+    const char *const texts[] = {"0,00",
+                                 "12",
+                                 "12,5",
+                                 "-7,05",
+                                 "007,10",
+                                 "999999999999,99",
+                                 "1,999",
+                                 "1 000,5",
+                                 "2.75",
+                                 "10-20",
+                                 "1000000000000",
+                                 "-0,01",
+                                 ",5",
+                                 "5,",
+                                 "+3",
+                                 "1,2,3",
+                                 "١٢"};
+    for (const char *text : texts) {
+        RegisterTotals t;
+        t.add({}, {}, QByteArrayView(text));
+        const MoneyResult rule = Money::parse(QString::fromUtf8(text));
+        if (rule.ok()) {
+            EXPECT_EQ(t.all.text(), rule.text()) << text;
+            EXPECT_EQ(t.unreadable, 0) << text;
+        } else {
+            EXPECT_EQ(t.unreadable, 1) << text;
+            EXPECT_EQ(t.all.text(), "0,00") << text;
+        }
+    }
+    RegisterTotals t;
+    t.add("1 000,50", "", "много");
+    t.add("", "  ", "");
+    EXPECT_EQ(t.materials.text(), "1000,50");
+    EXPECT_EQ(t.works.text(), "0,00");
     EXPECT_EQ(t.unreadable, 1);
-    rows[1].allsum = "999999999999,99";
-    rows[2].allsum = "1";
-    t = RegisterRows::totals(rows);
-    EXPECT_FALSE(t.all.ok());
+    t.add("", "", "999999999999,99");
+    t.add("", "", "1");
+    EXPECT_FALSE(t.all.ok()); // beyond what money can hold: refused, never wrapped
 }
 
 } // namespace
