@@ -60,18 +60,25 @@ void TMyDocuments::changed(Page &page, qlonglong keepId) {
     emit registerChanged();
 }
 
+void TMyDocuments::writeRow(Page &page, qlonglong keepId, const QString &failure,
+                            const std::function<bool(QSqlDatabase, QString *)> &write) {
+    QSqlDatabase db = registerDb();
+    QString error = db.isOpen() ? QString() : m_module.failure(Db::MyDoc);
+    if (!db.isOpen() || !write(db, &error))
+        tellFailure(failure + QStringLiteral(": ") + error);
+    changed(page, keepId);
+}
+
 // ----- Documents page
 
 void TMyDocuments::NFinishClick() {
     RegisterRow row;
     if (!selected(m_doc, &row) || row.finished)
         return;
-    QSqlDatabase db = registerDb();
-    QString error;
-    if (!db.isOpen() || !Registration::finish(db, row.id, QDate::currentDate(), &error))
-        tellFailure(QStringLiteral("Смета «%1» не завершена: %2")
-                        .arg(row.name, db.isOpen() ? error : m_module.failure(Db::MyDoc)));
-    changed(m_doc, row.id);
+    writeRow(m_doc, row.id, QStringLiteral("Смета «%1» не завершена").arg(row.name),
+             [&row](QSqlDatabase db, QString *error) {
+                 return Registration::finish(db, row.id, QDate::currentDate(), error);
+             });
 }
 
 void TMyDocuments::NEditClick() {
@@ -95,12 +102,11 @@ void TMyDocuments::editRow(Page &page) {
     dialog.setValues(values);
     if (dialog.exec() != QDialog::Accepted)
         return;
-    QSqlDatabase db = registerDb();
-    QString error;
-    if (!db.isOpen() || !Registration::edit(db, page.list, row.id, dialog.values(), &error))
-        tellFailure(QStringLiteral("Изменения записи «%1» не сохранены: %2")
-                        .arg(row.name, db.isOpen() ? error : m_module.failure(Db::MyDoc)));
-    changed(page, row.id);
+    const Registration::Edit edited = dialog.values();
+    writeRow(page, row.id, QStringLiteral("Изменения записи «%1» не сохранены").arg(row.name),
+             [&](QSqlDatabase db, QString *error) {
+                 return Registration::edit(db, page.list, row.id, edited, error);
+             });
 }
 
 void TMyDocuments::NDeleteClick() {
@@ -118,13 +124,10 @@ void TMyDocuments::deleteRow(Page &page) {
     if (dialogs().ask(Captions::deletion, QStringLiteral("Удалить запись от ") + row.data + QLatin1Char('?'),
                       Dialogs::Buttons::YesNo, Dialogs::Icon::Question) != Dialogs::Answer::Yes)
         return;
-    QSqlDatabase db = registerDb();
-    QString error;
-    if (!db.isOpen() || !Registration::remove(db, page.list, row.id, &error))
-        tellFailure(QStringLiteral("Запись «%1» не удалена: %2")
-                        .arg(row.name, db.isOpen() ? error : m_module.failure(Db::MyDoc)));
     const int next = page.grid->currentIndex().row();
-    changed(page);
+    writeRow(
+        page, 0, QStringLiteral("Запись «%1» не удалена").arg(row.name),
+        [&](QSqlDatabase db, QString *error) { return Registration::remove(db, page.list, row.id, error); });
     if (page.model->rowCount() > 0)
         page.grid->selectRow(std::min(next, page.model->rowCount() - 1));
 }

@@ -460,7 +460,7 @@ void TMyDocuments::readCustomers() {
     if (row >= 0)
         ListBoxZakaz->setCurrentIndex(m_customers->index(row));
     else
-        ListBoxZakaz->clearSelection();
+        ListBoxZakaz->setCurrentIndex(QModelIndex());
 }
 
 void TMyDocuments::showTotals() {
@@ -528,7 +528,7 @@ void TMyDocuments::showDraftsPage(bool on) {
 
 void TMyDocuments::resetFilters(Page &page) {
     m_customer.clear();
-    ListBoxZakaz->clearSelection();
+    ListBoxZakaz->setCurrentIndex(QModelIndex());
     m_status = RegisterFilter::Status::All;
     RadioAll->setChecked(true);
     page.month->setCurrentIndex(0);
@@ -550,6 +550,9 @@ void TMyDocuments::filterSoon(Page &page) {
 }
 
 void TMyDocuments::ListBoxZakazClick(const QString &customer) {
+    // A press and its click both come here: the second finds the rows shown already.
+    if (customer == m_customer && !current().day.isValid())
+        return;
     m_customer = customer;
     const int row = static_cast<int>(m_customers->stringList().indexOf(customer));
     if (row >= 0 && ListBoxZakaz->currentIndex().row() != row)

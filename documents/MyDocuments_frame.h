@@ -11,6 +11,7 @@
 #include <QDate>
 #include <QSqlDatabase>
 #include <QWidget>
+#include <functional>
 
 class OutputFilesModel;
 class QAction;
@@ -158,6 +159,9 @@ private:
     bool openRow(const Page &page);
     void popup(Page &page, const QPoint &at);
     void changed(Page &page, qlonglong keepId = 0);
+    // A change of one row: when it fails, the failure and its reason are told; the page is read again.
+    void writeRow(Page &page, qlonglong keepId, const QString &failure,
+                  const std::function<bool(QSqlDatabase, QString *)> &write);
     void tellFailure(const QString &text);
 
     TModuleSQL &m_module;

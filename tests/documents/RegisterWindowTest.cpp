@@ -175,8 +175,10 @@ TEST_F(RegisterWindowTest, OpensFromTheMainWindowFiltersOpensEstimatesAndMovesAD
     frame->ToolOpen->trigger();
     EXPECT_EQ(dialogs->lastText(), "Сохранить файл?");
     EXPECT_EQ(window->document().fileName(), a);
+    // Enter on the grid opens the chosen row, as the button does.
     dialogs->queueAnswer(Dialogs::Answer::No);
-    frame->ToolOpen->trigger();
+    grid->setFocus();
+    QTest::keyClick(grid, Qt::Key_Return);
     EXPECT_EQ(window->document().fileName(), b);
 
     // The draft moves to the documents where the user chooses.
