@@ -1,6 +1,7 @@
 #include "Registration.h"
 
 #include "storage/Money.h"
+#include "storage/Schema.h"
 #include "storage/TextValues.h"
 #include "storage/Transaction.h"
 
@@ -64,11 +65,17 @@ bool writeLink(QSqlDatabase file, qlonglong id, const QString &note, QString *er
     Transaction t(file);
     if (!t.active())
         return fail(error, t.error());
-    return run(file,
-               QStringLiteral("CREATE TABLE IF NOT EXISTS mydoc (id INTEGER PRIMARY KEY AUTOINCREMENT, "
-                              "iddoc INTEGER, note TEXT)"),
-               {}, error) &&
-           run(file, QStringLiteral("DELETE FROM mydoc"), {}, error) &&
+    // A file made before documents carried the link gets the document's tables first.
+    QSqlQuery has(file);
+    if (!has.exec(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='table' AND name='mydoc'")))
+        return fail(error, has);
+    if (!has.next()) {
+        const QString why = Schema::upgrade(file, Db::Smeta);
+        if (!why.isEmpty())
+            return fail(error, why);
+    }
+    has.finish();
+    return run(file, QStringLiteral("DELETE FROM mydoc"), {}, error) &&
            run(file, QStringLiteral("INSERT INTO mydoc (iddoc, note) values(?, ?)"), {id, note}, error) &&
            (t.commit() || fail(error, t.error()));
 }

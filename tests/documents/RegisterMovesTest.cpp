@@ -108,6 +108,25 @@ TEST_F(RegisterMovesTest, AFileChosenInPlaceOnlyChangesItsLink) {
     EXPECT_EQ(rows("SELECT filename FROM documents"), QStringList{path});
 }
 
+TEST_F(RegisterMovesTest, AnOldFileWithoutItsLinkGetsOne) {
+    const QString path = folder.file("Sm/Старая.sim");
+    QDir().mkpath(folder.file("Sm"));
+    {
+        DatabaseFile file(path);
+        QSqlQuery q(file.db());
+        ASSERT_TRUE(q.exec("CREATE TABLE smeta (_id INTEGER PRIMARY KEY AUTOINCREMENT, nameras TEXT)"));
+        ASSERT_TRUE(q.exec("INSERT INTO smeta (nameras) VALUES ('Побелка')"));
+    }
+    const qlonglong id =
+        addRow(db(), List::Documents, "Иванов", QDate(2019, 5, 1), "1,00", false, "Старая", path);
+    const QString target = folder.file("Sm/Drafts/Старая.sim");
+    RegisterMoves::Outcome moved = RegisterMoves::move(module, List::Documents, id, target);
+    ASSERT_TRUE(moved.ok) << moved.error.toStdString();
+    EXPECT_EQ(linkOf(target), QString::number(moved.newId) + "|draft");
+    EXPECT_EQ(contentOf(target), "Побелка");
+    EXPECT_FALSE(QFileInfo::exists(path));
+}
+
 TEST_F(RegisterMovesTest, AFailedMoveLosesNothing) {
     struct Case {
         const char *what;
