@@ -411,15 +411,32 @@ void TMyDocuments::readPage(Page &page, qlonglong keepId) {
         } catch (const TextValues::SqlTextError &) {
             error = QStringLiteral("имя заказчика содержит недопустимый символ");
         }
-        if (error.isEmpty())
-            RegisterRows::read(db, statement, &rows, &error);
+        // The same rows of an unchanged register are on screen already (a page switched back to).
+        const RegisterRows::Version now = RegisterRows::version(db);
+        if (error.isEmpty() && statement == page.readStatement && now == page.readVersion) {
+            finishRead(page, keepId);
+            return;
+        }
+        if (now != page.readVersion)
+            page.yearsKnown = false; // rows may have come or gone
+        page.readStatement.clear();
+        if (error.isEmpty() && RegisterRows::read(db, statement, &rows, &error)) {
+            page.readStatement = statement;
+            page.readVersion = now;
+        }
         if (!error.isEmpty()) {
             LabelProblem->setText(QStringLiteral("Не удалось прочитать список «%1»: %2")
                                       .arg(PageControl->tabText(PageControl->indexOf(page.tab)), error));
             LabelProblem->show();
         }
+    } else {
+        page.readStatement.clear();
     }
     page.model->setPage(std::move(rows));
+    finishRead(page, keepId);
+}
+
+void TMyDocuments::finishRead(Page &page, qlonglong keepId) {
     page.model->setCustomer(m_customer);
     const int keep = keepId > 0 ? page.model->page().indexOf(keepId) : -1;
     if (keep >= 0) {

@@ -6,6 +6,7 @@
 
 #include "RegisterCommands.h"
 #include "RegisterFilter.h"
+#include "RegisterRows.h"
 #include "customers/OptionFlags.h"
 
 #include <QDate>
@@ -32,7 +33,6 @@ class QTimer;
 class QToolBar;
 class RegisterModel;
 class TModuleSQL;
-struct RegisterRow;
 
 class TMyDocuments : public QWidget {
     Q_OBJECT
@@ -122,6 +122,8 @@ private:
         QTimer *comboFilter = nullptr; // a choice in a combo filters once the typing pauses
         QDate day;                     // the calendar's day while it filters; null otherwise
         bool yearsKnown = false;       // the year combo lists the years of the rows as they are
+        QString readStatement;         // what the grid shows, and at which version of the register
+        RegisterRows::Version readVersion;
     };
 
     // Building (MyDocuments_frame.cpp).
@@ -141,6 +143,8 @@ private:
     RegisterFilter::Filter filterOf(const Page &page) const;
     void readPage(Page &page, qlonglong keepId = 0);
     void readCustomers();
+    // After a read: header, kept row, years, totals, actions.
+    void finishRead(Page &page, qlonglong keepId);
     void readYears(Page &page);
     void showTotals();
     void showOutputs();

@@ -14,6 +14,14 @@
 
 namespace {
 
+// The SQLite connection under a Qt one; null when it is not open.
+sqlite3 *sqliteHandle(QSqlDatabase db) {
+    const QVariant handle = db.isOpen() ? db.driver()->handle() : QVariant();
+    if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0)
+        return nullptr;
+    return *static_cast<sqlite3 *const *>(handle.constData());
+}
+
 // The form the register writes, "1234,50" (up to twelve digits, up to two decimals, a sign), read
 // straight into kopecks; any other text goes through the program's number rule (Money::parse).
 std::optional<qint64> storedKopecks(QByteArrayView text) {
@@ -111,10 +119,9 @@ public:
 
     bool read(QSqlDatabase db, const QString &statement, QString *error) {
         *m_page = RegisterPage();
-        const QVariant handle = db.isOpen() ? db.driver()->handle() : QVariant();
-        if (!handle.isValid() || qstrcmp(handle.typeName(), "sqlite3*") != 0)
+        sqlite3 *sql = sqliteHandle(db);
+        if (!sql)
             return fail(error, QStringLiteral("база данных не открыта"));
-        sqlite3 *sql = *static_cast<sqlite3 *const *>(handle.constData());
         sqlite3_stmt *st = nullptr;
         const QByteArray text = statement.toUtf8();
         if (sqlite3_prepare_v2(sql, text.constData(), static_cast<int>(text.size()), &st, nullptr) !=
@@ -219,6 +226,20 @@ QString text(const QSqlQuery &q, const QSqlRecord &r, const char *column) {
 
 bool read(QSqlDatabase mydoc, const QString &statement, RegisterPage *page, QString *error) {
     return RegisterPageReader(page).read(mydoc, statement, error);
+}
+
+Version version(QSqlDatabase mydoc) {
+    Version v;
+    sqlite3 *sql = sqliteHandle(mydoc);
+    if (!sql)
+        return v;
+    sqlite3_stmt *st = nullptr;
+    if (sqlite3_prepare_v2(sql, "PRAGMA data_version", -1, &st, nullptr) == SQLITE_OK &&
+        sqlite3_step(st) == SQLITE_ROW)
+        v.others = sqlite3_column_int64(st, 0);
+    sqlite3_finalize(st);
+    v.ours = sqlite3_total_changes64(sql);
+    return v;
 }
 
 bool readOne(QSqlDatabase mydoc, Registration::List list, qlonglong id, RegisterRow *row, QString *error) {

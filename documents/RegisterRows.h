@@ -85,6 +85,15 @@ namespace RegisterRows {
 // The rows a register statement selects (RegisterFilter), in the order the database gives them, and
 // their totals. False with the reason when the statement fails (the page is then empty).
 bool read(QSqlDatabase mydoc, const QString &statement, RegisterPage *page, QString *error);
+// Where the register stands: it changes with every change of its rows, by this connection or by
+// another program's. A page read at a version and not changed since need not be read again.
+struct Version {
+    qint64 others = -1; // PRAGMA data_version: commits of other connections
+    qint64 ours = -1;   // rows changed by this connection
+    bool operator==(const Version &o) const { return others == o.others && ours == o.ours; }
+    bool operator!=(const Version &o) const { return !(*this == o); }
+};
+Version version(QSqlDatabase mydoc);
 // One row by its id ("SELECT * FROM documents WHERE id="); false when it is not there (*error says).
 bool readOne(QSqlDatabase mydoc, Registration::List list, qlonglong id, RegisterRow *row, QString *error);
 // The years that occur in a list, ascending.

@@ -29,6 +29,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QUrl>
+#include <functional>
 
 namespace {
 
@@ -232,6 +233,42 @@ TEST_F(RegisterWindowTest, TheDraftsPageFollowsTheOption) {
     option->setChecked(true);
     EXPECT_TRUE(pages->isTabVisible(draftsTab));
     EXPECT_EQ(pages->tabText(draftsTab), "Черновики");
+}
+
+TEST_F(RegisterWindowTest, APageShownAgainHasTheRowsWrittenMeanwhile) {
+    RegisterTestData::addRow(mydoc(), List::Documents, "Иванов", QDate(2024, 3, 5));
+    TMyDocuments *frame = openRegister();
+    QWidget *documents = frame->GridDoc->parentWidget();
+    QWidget *drafts = frame->GridDraft->parentWidget();
+    ASSERT_EQ(rows(frame->GridDoc), 1);
+    struct Writer {
+        const char *who;
+        std::function<void()> write;
+    };
+    const Writer writers[] = {
+        {"this program",
+         [this] { RegisterTestData::addRow(mydoc(), List::Documents, "Петров", QDate(2024, 4, 1)); }},
+        {"another program",
+         [this] {
+             DatabaseFile other(module->filePath(Db::MyDoc));
+             RegisterTestData::addRow(other.db(), List::Documents, "Сидоров", QDate(2024, 5, 1));
+         }},
+    };
+    int expected = 1;
+    for (const Writer &w : writers) {
+        SCOPED_TRACE(w.who);
+        frame->PageControl->setCurrentWidget(drafts);
+        w.write();
+        frame->PageControl->setCurrentWidget(documents);
+        EXPECT_EQ(rows(frame->GridDoc), ++expected);
+        EXPECT_EQ(frame->findChild<QComboBox *>("ComboYearDoc")->count(), 2); // "Год", 2024
+    }
+    // Nothing written: the page comes back as it was, with its chosen row.
+    frame->GridDoc->selectRow(2);
+    frame->PageControl->setCurrentWidget(drafts);
+    frame->PageControl->setCurrentWidget(documents);
+    EXPECT_EQ(rows(frame->GridDoc), 3);
+    EXPECT_EQ(frame->GridDoc->currentIndex().row(), 2);
 }
 
 TEST_F(RegisterWindowTest, EditingWritesTheDialogsValuesAndMissingFilesAreSaid) {
