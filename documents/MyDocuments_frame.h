@@ -111,6 +111,8 @@ signals:
     void registerChanged();
 
 private:
+    static inline const QString kAnyYear = QStringLiteral("Год");
+
     // One page of the centre: its grid, its period box and what filters it.
     struct Page {
         Registration::List list = Registration::List::Documents;
@@ -137,7 +139,7 @@ private:
     QWidget *buildSideGrids();
     QTableView *makeGrid(const QString &name, QWidget *parent);
 
-    // Reading.
+    // Reading (MyDocuments_pages.cpp).
     Page &current();
     bool isDrafts(const Page &page) const { return &page == &m_draft; }
     RegisterFilter::Filter filterOf(const Page &page) const;
