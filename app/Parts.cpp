@@ -9,6 +9,7 @@
 #include "documents/ActsPart.h"
 #include "documents/InvoicePart.h"
 #include "documents/ContractPart.h"
+#include "documents/RegisterPart.h"
 #include "estimate/DocumentFilePart.h"
 #include "estimate/EditorPart.h"
 #include "estimate/HeaderPart.h"
@@ -33,5 +34,6 @@ std::vector<ShellPart *> makeShellParts(QObject *owner) {
         new InvoicePart(owner),      // the payment invoice
         new MaterialsPart(owner),    // materials lists: picking, attaching to rates, spreadsheets
         new ContractPart(owner),     // the contract made from the estimate
+        new RegisterPart(owner),     // the register of documents "Мои документы"
     };
 }

@@ -227,7 +227,11 @@ QList<SchemaStep> myDocSteps() {
               "data DATE, date_compare INTEGER, dataend DATE, number TEXT, name TEXT, "
               "filename TEXT, ext TEXT, avans TEXT, allsum TEXT, status INTEGER, month TEXT, "
               "year TEXT)"),
-          outputTable("account"), outputTable("act")}},
+          outputTable("account"), outputTable("act")},
+         // Registers of earlier versions hold these tables with fewer columns; they are completed here,
+         // before step 2 indexes client and date_compare. (Completing only touches files still at
+         // version 0, which so far could not pass step 2 at all.)
+         true},
         // Look-ups: the register filters by customer and period, each output is found by its estimate.
         {2,
          "documents",
