@@ -1,6 +1,8 @@
 #include "TemplateFile.h"
 
 #include "office/OfficeEngine.h"
+#include "office/TemplatePackage.h"
+#include "storage/FileKind.h"
 
 #include <QDir>
 #include <QFile>
@@ -20,8 +22,12 @@ bool startsWith(const QByteArray &head, const char *magic, int size) {
 QString check(const QString &path) {
     const QFileInfo info(path);
     const QString shown = QDir::toNativeSeparators(path);
-    if (!info.exists() || !info.isFile())
+    const FileKind::Kind kind = FileKind::of(path);
+    if (kind == FileKind::Kind::Missing)
         return QStringLiteral("Отсутствует файл ") + shown;
+    // A folder or a pipe in the template's place is told as what it is (a pipe is never opened).
+    if (kind != FileKind::Kind::File)
+        return QStringLiteral("Шаблон %1 не открывается: %2.").arg(shown, FileKind::problem(path));
     if (info.size() > kMaxBytes)
         return QStringLiteral("Файл шаблона %1 больше 50 МБ и не может быть открыт.").arg(shown);
     QFile f(path);
@@ -43,6 +49,19 @@ QString check(const QString &path) {
         return QStringLiteral("Файл %1 не является документом Word, Excel, OpenDocument, RTF или текстом; "
                               "шаблон не открыт.")
             .arg(shown);
+    // The first bytes say what the file claims to be; its structure is checked before the engine,
+    // which trusts it, takes it.
+    QString why;
+    if (ext == QLatin1String("xls") || ext == QLatin1String("doc"))
+        why = TemplatePackage::checkCompound(path, ext == QLatin1String("xls"));
+    else if (ext == QLatin1String("rtf"))
+        why = TemplatePackage::checkRtf(path);
+    else if (ext != QLatin1String("txt"))
+        why = TemplatePackage::checkZip(path);
+    if (!why.isEmpty())
+        return QStringLiteral(
+                   "Шаблон %1 повреждён или опасен для открытия: %2. Шаблон не открыт; замените его.")
+            .arg(shown, why);
     return {};
 }
 
@@ -100,7 +119,10 @@ bool open(OfficeEngine &engine, const QString &path, const QString &type, QStrin
         return false;
     QString loaded;
     if (!engine.load(path, &loaded)) {
-        *error = engine.error();
+        // The engine did not take the file within its time (it was stopped and starts again at the next
+        // request), or refused it: the user learns which template it was.
+        *error =
+            QStringLiteral("Шаблон %1 не открылся: %2").arg(QDir::toNativeSeparators(path), engine.error());
         engine.close();
         return false;
     }

@@ -84,10 +84,17 @@ void LiveSearchList::hideEvent(QHideEvent *event) {
 }
 
 CellEditorWatcher::CellEditorWatcher(QAbstractItemView *view, LiveSearchList *list)
-    : QObject(view), m_view(view), m_list(list) {
+    : QObject(view), m_view(view), m_viewport(view->viewport()), m_list(list) {
     // The in-place editor is a child of the viewport; it is polished when shown, before the key that
     // opened it arrives.
-    view->viewport()->installEventFilter(this);
+    m_viewport->installEventFilter(this);
+}
+
+CellEditorWatcher::~CellEditorWatcher() {
+    if (m_viewport)
+        m_viewport->removeEventFilter(this);
+    if (m_editor)
+        m_editor->removeEventFilter(this);
 }
 
 void CellEditorWatcher::editorShown(QLineEdit *edit) {
@@ -103,13 +110,13 @@ void CellEditorWatcher::editorShown(QLineEdit *edit) {
     });
     connect(edit, &QObject::destroyed, this, [this] {
         // The editor closed: the list goes with it unless the user went into it.
-        if (!m_list->hasFocus())
+        if (m_list && !m_list->hasFocus())
             m_list->hide();
     });
 }
 
 void CellEditorWatcher::discardEditor() {
-    if (!m_editor)
+    if (!m_editor || !m_view)
         return;
     QLineEdit *edit = m_editor;
     m_editor = nullptr;
@@ -117,7 +124,9 @@ void CellEditorWatcher::discardEditor() {
 }
 
 bool CellEditorWatcher::eventFilter(QObject *watched, QEvent *event) {
-    if (watched == m_view->viewport() && event->type() == QEvent::ChildPolished) {
+    if (!m_view || !m_list)
+        return false; // the window is going
+    if (watched == m_viewport && event->type() == QEvent::ChildPolished) {
         editorShown(qobject_cast<QLineEdit *>(static_cast<QChildEvent *>(event)->child()));
         return false;
     }

@@ -171,14 +171,21 @@ QString upgrade(QSqlDatabase db, const QList<SchemaStep> &steps) {
 }
 
 QStringList columns(Db which, const QString &table) {
+    return columns(which, table, latestVersion(which));
+}
+
+QStringList columns(Db which, const QString &table, int version) {
     static QMutex mutex;
-    static QHash<QPair<int, QString>, QStringList> cache;
+    static QHash<QString, QStringList> cache;
     QMutexLocker lock(&mutex);
-    const auto key = qMakePair(static_cast<int>(which), table.toLower());
+    const QString key =
+        QStringLiteral("%1/%2/%3").arg(static_cast<int>(which)).arg(version).arg(table.toLower());
     auto it = cache.find(key);
     if (it == cache.end()) {
         Scratch s;
         for (const SchemaStep &step : schemaSteps(which)) {
+            if (step.number > version)
+                break;
             for (const NewColumn &c : step.columns)
                 s.exec(QStringLiteral("ALTER TABLE %1 ADD COLUMN %2 %3")
                            .arg(quoted(c.table), quoted(c.column), c.type));
