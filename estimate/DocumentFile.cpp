@@ -181,7 +181,8 @@ QString save(TModuleSQL &module, const QString &path) {
 
 bool isReadOnly(const QString &path) {
     const QFileInfo fi(path);
-    return fi.exists() && !fi.isWritable();
+    // The file's own mark counts even for a user the system lets write anything.
+    return fi.exists() && (!fi.isWritable() || !(fi.permissions() & QFileDevice::WriteOwner));
 }
 
 QString documentsFolder(const QString &dataFolder) {

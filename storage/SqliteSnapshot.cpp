@@ -141,11 +141,16 @@ QString finish(const QString &tempPath, const QString &targetPath) {
     QString why = check(tempPath);
     if (why.isEmpty()) {
         // The new file keeps the rights of the one it replaces; a new one gets the usual rights.
+        // Only the file's own bits: the "user" flags say what the running user may do, which for the
+        // system's administrator is everything, and would make a read-only file writable.
+        constexpr QFileDevice::Permissions kModeBits =
+            QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner | QFileDevice::ReadGroup |
+            QFileDevice::WriteGroup | QFileDevice::ExeGroup | QFileDevice::ReadOther | QFileDevice::WriteOther |
+            QFileDevice::ExeOther;
         const QFileDevice::Permissions perms =
             QFileInfo::exists(targetPath)
-                ? QFile::permissions(targetPath)
-                : (QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadUser |
-                   QFileDevice::WriteUser | QFileDevice::ReadGroup | QFileDevice::ReadOther);
+                ? QFile::permissions(targetPath) & kModeBits
+                : (QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther);
         QFile::setPermissions(tempPath, perms);
         if (!syncPath(tempPath))
             why = QStringLiteral("не удалось записать данные на диск");

@@ -149,8 +149,9 @@ int holdCopy(const QString &data, const QString &document) {
         return 2;
     }
     copy.applyTo(module);
-    QSqlQuery(module.database(Db::Smeta))
-        .exec(QStringLiteral("INSERT INTO smeta (nameras) VALUES ('Несохранённая работа')"));
+    QSqlQuery q(module.database(Db::Smeta));
+    q.exec(QStringLiteral("DELETE FROM smeta"));
+    q.exec(QStringLiteral("INSERT INTO smeta (nameras) VALUES ('Несохранённая работа')"));
     copy.note(document, true);
     std::printf("held %d\n", copy.slot());
     std::fflush(stdout);
