@@ -222,6 +222,26 @@ QString layout(sqlite3 *db, const QString &schema) {
     return {};
 }
 
+QString rowCounts(sqlite3 *db, const QString &schema) {
+    QString error;
+    const auto tables = documentTables(db, schema, &error);
+    if (!error.isEmpty())
+        return error;
+    for (const auto &table : tables) {
+        Statement q(db,
+                    QStringLiteral("SELECT count(*) FROM %1.%2").arg(quoted(schema), quoted(table.first)));
+        if (q.step() != SQLITE_ROW)
+            return q.failure();
+        const qint64 rows = q.integer(0);
+        if (rows > kMaxRows)
+            return QStringLiteral("%1 — число записей %2, а документ может содержать до %3")
+                .arg(DocumentChecksum::describe(table.first),
+                     TextValues::groupThousands(QString::number(rows)),
+                     TextValues::groupThousands(QString::number(kMaxRows)));
+    }
+    return {};
+}
+
 bool longCells(sqlite3 *db, const QString &schema, QList<LongCell> *cells, QString *error) {
     cells->clear();
     const auto tables = documentTables(db, schema, error);

@@ -26,6 +26,13 @@ bool isDocumentTable(const QString &name);
 // tables and columns of the version the file claims. Empty when sound, else the reason.
 QString layout(sqlite3 *db, const QString &schema);
 
+// The most records a table of a document may hold (an estimate of 100 000 rows takes about 200 MB in
+// the program).
+inline constexpr qint64 kMaxRows = 100000;
+
+// Empty when every document table holds at most kMaxRows records, else the reason naming the table.
+QString rowCounts(sqlite3 *db, const QString &schema);
+
 struct LongCell {
     QString table;
     QString column;

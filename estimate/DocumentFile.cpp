@@ -124,7 +124,11 @@ QString open(TModuleSQL &module, const QString &path, QString *warning) {
     if (fi.size() == 0)
         return notADocument(path, QStringLiteral("файл пуст"));
     if (fi.size() > kMaxBytes)
-        return notADocument(path, QStringLiteral("файл больше %1 МБ").arg(kMaxBytes / (1024 * 1024)));
+        return QStringLiteral(
+                   "Документ «%1» не открыт: он больше, чем программа может взять в работу (файл больше "
+                   "%2 МБ).")
+            .arg(shown(path))
+            .arg(kMaxBytes / (1024 * 1024));
 
     const QString working = module.filePath(Db::Smeta);
     // Private files per process: two copies of the program may share the data folder.
@@ -135,14 +139,19 @@ QString open(TModuleSQL &module, const QString &path, QString *warning) {
     removeWithCompanions(copy);
     removeWithCompanions(staging);
     QStringList warnings;
+    bool tooLarge = false;
     QString why = takeCopy(path, copy, &warnings);
     if (why.isEmpty())
-        why = DocumentImport::run(copy, staging, &warnings);
+        why = DocumentImport::run(copy, staging, &warnings, &tooLarge);
     removeWithCompanions(copy);
     if (why.isEmpty() && !SqliteSnapshot::syncPath(staging))
         why = QStringLiteral("не удалось записать копию на диск");
     if (!why.isEmpty()) {
         removeWithCompanions(staging);
+        if (tooLarge)
+            return QStringLiteral(
+                       "Документ «%1» не открыт: он больше, чем программа может взять в работу (%2).")
+                .arg(shown(path), why);
         return notADocument(path, why);
     }
 

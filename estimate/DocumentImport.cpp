@@ -66,7 +66,7 @@ QString quickCheck(sqlite3 *h, const UntrustedSqlite::Budget &budget) {
     return why;
 }
 
-QString read(QSqlDatabase db, const QString &source, QStringList *warnings) {
+QString read(QSqlDatabase db, const QString &source, QStringList *warnings, bool *tooLarge) {
     sqlite3 *h = UntrustedSqlite::handle(db);
     if (!h)
         return db.lastError().text().trimmed();
@@ -88,6 +88,10 @@ QString read(QSqlDatabase db, const QString &source, QStringList *warnings) {
         return budget.spent() ? UntrustedSqlite::failure(h, SQLITE_INTERRUPT, &budget) : why;
     if (QString why = quickCheck(h, budget); !why.isEmpty())
         return why;
+    if (QString why = DocumentCheck::rowCounts(h, kSource); !why.isEmpty()) {
+        *tooLarge = !budget.spent();
+        return budget.spent() ? UntrustedSqlite::failure(h, SQLITE_INTERRUPT, &budget) : why;
+    }
 
     QStringList damaged;
     QString why;
@@ -105,8 +109,10 @@ QString read(QSqlDatabase db, const QString &source, QStringList *warnings) {
     }
 
     QList<DocumentCheck::LongCell> cells;
-    if (!DocumentCheck::longCells(h, kSource, &cells, &why))
+    if (!DocumentCheck::longCells(h, kSource, &cells, &why)) {
+        *tooLarge = !budget.spent();
         return budget.spent() ? UntrustedSqlite::failure(h, SQLITE_INTERRUPT, &budget) : why;
+    }
     if (!cells.isEmpty())
         warnings->append(DocumentCheck::cutWarning(cells));
 
@@ -118,12 +124,15 @@ QString read(QSqlDatabase db, const QString &source, QStringList *warnings) {
 
 } // namespace
 
-QString run(const QString &source, const QString &target, QStringList *warnings) {
+QString run(const QString &source, const QString &target, QStringList *warnings, bool *tooLarge) {
     QString why;
+    bool large = false;
     {
         Connection c(target);
-        why = c.db().isOpen() ? read(c.db(), source, warnings) : c.db().lastError().text().trimmed();
+        why = c.db().isOpen() ? read(c.db(), source, warnings, &large) : c.db().lastError().text().trimmed();
     }
+    if (tooLarge)
+        *tooLarge = large;
     if (!why.isEmpty())
         for (const char *suffix : {"", "-journal", "-wal", "-shm"})
             QFile::remove(target + QLatin1String(suffix));

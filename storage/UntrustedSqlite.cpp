@@ -3,6 +3,7 @@
 #include <QSqlDriver>
 #include <QVariant>
 #include <sqlite3.h>
+#include <time.h>
 
 namespace UntrustedSqlite {
 
@@ -47,7 +48,16 @@ void restrict(sqlite3 *db) {
                  nullptr, nullptr, nullptr);
 }
 
+namespace {
+qint64 threadCpuNs() {
+    timespec t{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return qint64(t.tv_sec) * 1000000000 + t.tv_nsec;
+}
+} // namespace
+
 Budget::Budget(sqlite3 *db, int milliseconds) : m_db(db), m_limit(milliseconds) {
+    m_cpuStart = threadCpuNs();
     m_clock.start();
     if (m_db)
         sqlite3_progress_handler(m_db, kTickSteps, &Budget::tick, this);
@@ -60,7 +70,8 @@ Budget::~Budget() {
 
 int Budget::tick(void *self) {
     auto *b = static_cast<Budget *>(self);
-    if (b->m_cancelled || b->m_clock.elapsed() > b->m_limit) {
+    const qint64 cpuMs = (threadCpuNs() - b->m_cpuStart) / 1000000;
+    if (b->m_cancelled || cpuMs > b->m_limit || b->m_clock.elapsed() > qint64(b->m_limit) * kWallFactor) {
         b->m_spent = true;
         return 1;
     }

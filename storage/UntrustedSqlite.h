@@ -27,7 +27,9 @@ sqlite3 *handle(QSqlDatabase db);
 void restrict(sqlite3 *db);
 
 // A time budget for the statements of one connection: past the deadline (or once cancelled) the
-// running statement stops with SQLITE_INTERRUPT. Removed when it goes out of scope.
+// running statement stops with SQLITE_INTERRUPT. Removed when it goes out of scope. The budget counts
+// the processor time of the thread, which is what a hostile file costs, so that a busy machine does
+// not turn a sound document away; the clock on the wall has a looser limit, for a disk that stalls.
 class Budget {
 public:
     Budget(sqlite3 *db, int milliseconds);
@@ -40,10 +42,13 @@ public:
     int milliseconds() const { return m_limit; }
     void cancel() { m_cancelled = true; }
 
+    static constexpr int kWallFactor = 6;
+
 private:
     static int tick(void *self);
     sqlite3 *m_db;
     int m_limit;
+    qint64 m_cpuStart = 0; // ns of processor time of the thread
     QElapsedTimer m_clock;
     std::atomic<bool> m_cancelled{false};
     bool m_spent = false;

@@ -159,6 +159,19 @@ TEST_F(HostileDocumentTest, LongCellsAreCutAndNamedAndOverlongOnesRefused) {
     const QString error = DocumentFile::open(module, huge);
     EXPECT_TRUE(error.contains(QStringLiteral("строка сметы 5 (столбец «kolvo») длиннее 32 МБ")))
         << error.toStdString();
+    EXPECT_TRUE(error.contains(QStringLiteral("больше, чем программа может взять"))) << error.toStdString();
+    EXPECT_EQ(names(), before);
+
+    // More records than the program takes: refused before they are read.
+    const QString many =
+        variant(QStringLiteral("many.sim"),
+                QStringLiteral("WITH RECURSIVE c(x) AS (SELECT 1 UNION ALL SELECT x + 1 FROM c WHERE "
+                               "x < 100000) INSERT INTO materials (namemat) SELECT 'м' || x FROM c"));
+    const QString tooMany = DocumentFile::open(module, many);
+    EXPECT_TRUE(
+        tooMany.contains(QStringLiteral("материалы (materials) — число записей 100 012, а документ может "
+                                        "содержать до 100 000")))
+        << tooMany.toStdString();
     EXPECT_EQ(names(), before);
 }
 
