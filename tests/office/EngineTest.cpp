@@ -9,6 +9,7 @@
 #include "office/OfficeEngine.h"
 #include "office/OfficeTemplates.h"
 #include "office/SheetTemplate.h"
+#include "office/TemplateFile.h"
 #include "office/WordTemplate.h"
 
 #include "TestFolder.h"
@@ -471,6 +472,27 @@ TEST_F(Engine, AValueThatLooksLikeAFieldIsNoFieldLeftUnfilled) {
     ASSERT_TRUE(r.open(QIODevice::ReadOnly));
     EXPECT_TRUE(
         QString::fromUtf8(r.readAll()).contains(QStringLiteral("Заказчик: ООО «[заказчик]». Объект: Дом.")));
+}
+
+TEST_F(Engine, ATemplateThatDoesNotLoadInItsTimeIsNamedAndTheHelperReplaced) {
+    const QString templ = m_folder.file(QStringLiteral("t.xls"));
+    writeSheetTemplate(engine(), m_folder.file(QStringLiteral("t.fods")), templ);
+    ASSERT_TRUE(engine().load(templ));
+    engine().close();
+    const qint64 pid = engine().processId();
+    ::kill(static_cast<pid_t>(pid), SIGSTOP); // the engine takes the file and does not come back
+    engine().setTimeLimit(1500);
+    QString error;
+    EXPECT_FALSE(TemplateFile::open(engine(), templ, QStringLiteral("spreadsheet"), &error));
+    engine().setTimeLimit(0);
+    EXPECT_TRUE(
+        error.startsWith(QStringLiteral("Шаблон %1 не открылся").arg(QDir::toNativeSeparators(templ))))
+        << error.toStdString();
+    EXPECT_FALSE(engine().running());
+    ASSERT_TRUE(TemplateFile::open(engine(), templ, QStringLiteral("spreadsheet"), &error))
+        << error.toStdString();
+    EXPECT_NE(engine().processId(), pid);
+    engine().close();
 }
 
 } // namespace
