@@ -14,11 +14,7 @@ namespace DocumentCheck {
 
 namespace {
 
-QString quoted(const QString &identifier) {
-    QString s = identifier;
-    s.replace(QLatin1Char('"'), QStringLiteral("\"\""));
-    return QLatin1Char('"') + s + QLatin1Char('"');
-}
+using TextValues::sqlIdentifier;
 
 // One prepared statement, finalized with its scope.
 class Statement {
@@ -60,8 +56,8 @@ QList<QPair<QString, QStringList>> documentTables(sqlite3 *db, const QString &sc
     QList<QPair<QString, QStringList>> out;
     QStringList names;
     {
-        Statement q(
-            db, QStringLiteral("SELECT name FROM %1.sqlite_master WHERE type='table'").arg(quoted(schema)));
+        Statement q(db, QStringLiteral("SELECT name FROM %1.sqlite_master WHERE type='table'")
+                            .arg(sqlIdentifier(schema)));
         while (q.step() == SQLITE_ROW)
             names << q.text(0);
         if (!q.done()) {
@@ -74,7 +70,8 @@ QList<QPair<QString, QStringList>> documentTables(sqlite3 *db, const QString &sc
         if (table.isEmpty())
             continue;
         QStringList columns;
-        Statement q(db, QStringLiteral("PRAGMA %1.table_info(%2)").arg(quoted(schema), quoted(name)));
+        Statement q(
+            db, QStringLiteral("PRAGMA %1.table_info(%2)").arg(sqlIdentifier(schema), sqlIdentifier(name)));
         while (q.step() == SQLITE_ROW)
             columns << q.text(1);
         if (!q.done()) {
@@ -89,7 +86,7 @@ QList<QPair<QString, QStringList>> documentTables(sqlite3 *db, const QString &sc
 // The position (from 1) of a record among the table's records.
 qint64 position(sqlite3 *db, const QString &schema, const QString &table, qint64 rowid) {
     Statement q(db, QStringLiteral("SELECT count(*) FROM %1.%2 WHERE rowid <= %3")
-                        .arg(quoted(schema), quoted(table))
+                        .arg(sqlIdentifier(schema), sqlIdentifier(table))
                         .arg(rowid));
     return q.step() == SQLITE_ROW ? q.integer(0) : rowid;
 }
@@ -99,16 +96,15 @@ qint64 position(sqlite3 *db, const QString &schema, const QString &table, qint64
 qint64 unreadableRow(sqlite3 *db, const QString &schema, const QString &table, const QString &column) {
     qint64 lo = 0, hi = 0;
     {
-        Statement q(
-            db,
-            QStringLiteral("SELECT min(rowid), max(rowid) FROM %1.%2").arg(quoted(schema), quoted(table)));
+        Statement q(db, QStringLiteral("SELECT min(rowid), max(rowid) FROM %1.%2")
+                            .arg(sqlIdentifier(schema), sqlIdentifier(table)));
         if (q.step() != SQLITE_ROW)
             return 0;
         lo = q.integer(0);
         hi = q.integer(1);
     }
     Statement q(db, QStringLiteral("SELECT count(length(%1)) FROM %2.%3 WHERE rowid BETWEEN ?1 AND ?2")
-                        .arg(quoted(column), quoted(schema), quoted(table)));
+                        .arg(sqlIdentifier(column), sqlIdentifier(schema), sqlIdentifier(table)));
     while (lo < hi) {
         const qint64 mid = lo + (hi - lo) / 2;
         q.reset();
@@ -146,7 +142,8 @@ QString layout(sqlite3 *db, const QString &schema) {
     };
     QList<Entry> entries;
     {
-        Statement q(db, QStringLiteral("SELECT type, name, sql FROM %1.sqlite_master").arg(quoted(schema)));
+        Statement q(
+            db, QStringLiteral("SELECT type, name, sql FROM %1.sqlite_master").arg(sqlIdentifier(schema)));
         while (q.step() == SQLITE_ROW)
             entries.append({q.text(0), q.text(1), q.text(2)});
         if (!q.done())
@@ -161,7 +158,8 @@ QString layout(sqlite3 *db, const QString &schema) {
         return QStringLiteral("в файле нет таблицы сметы");
     {
         bool names = false;
-        Statement q(db, QStringLiteral("PRAGMA %1.table_info(%2)").arg(quoted(schema), quoted(smeta->name)));
+        Statement q(db, QStringLiteral("PRAGMA %1.table_info(%2)")
+                            .arg(sqlIdentifier(schema), sqlIdentifier(smeta->name)));
         while (q.step() == SQLITE_ROW)
             names = names || q.text(1).compare(QLatin1String("nameras"), Qt::CaseInsensitive) == 0;
         if (!q.done())
@@ -185,7 +183,8 @@ QString layout(sqlite3 *db, const QString &schema) {
         tables << e.name.toLower();
     }
     for (const QString &table : tables) {
-        Statement q(db, QStringLiteral("PRAGMA %1.table_xinfo(%2)").arg(quoted(schema), quoted(table)));
+        Statement q(
+            db, QStringLiteral("PRAGMA %1.table_xinfo(%2)").arg(sqlIdentifier(schema), sqlIdentifier(table)));
         while (q.step() == SQLITE_ROW)
             if (q.integer(6) >= 2) // 2: generated and computed on reading, 3: generated and stored
                 return QStringLiteral("в таблице «%1» есть вычисляемый столбец «%2»").arg(table, q.text(1));
@@ -195,7 +194,7 @@ QString layout(sqlite3 *db, const QString &schema) {
     // The version the file claims: every table and column that the steps up to it make.
     int version = 0;
     {
-        Statement q(db, QStringLiteral("PRAGMA %1.user_version").arg(quoted(schema)));
+        Statement q(db, QStringLiteral("PRAGMA %1.user_version").arg(sqlIdentifier(schema)));
         if (q.step() == SQLITE_ROW)
             version = static_cast<int>(std::clamp<qint64>(q.integer(0), 0, Schema::latestVersion(Db::Smeta)));
     }
@@ -228,8 +227,8 @@ QString rowCounts(sqlite3 *db, const QString &schema) {
     if (!error.isEmpty())
         return error;
     for (const auto &table : tables) {
-        Statement q(db,
-                    QStringLiteral("SELECT count(*) FROM %1.%2").arg(quoted(schema), quoted(table.first)));
+        Statement q(db, QStringLiteral("SELECT count(*) FROM %1.%2")
+                            .arg(sqlIdentifier(schema), sqlIdentifier(table.first)));
         if (q.step() != SQLITE_ROW)
             return q.failure();
         const qint64 rows = q.integer(0);
@@ -252,11 +251,12 @@ bool longCells(sqlite3 *db, const QString &schema, QList<LongCell> *cells, QStri
             continue;
         QStringList lengths;
         for (const QString &c : columns)
-            lengths << QStringLiteral("length(%1)").arg(quoted(c));
+            lengths << QStringLiteral("length(%1)").arg(sqlIdentifier(c));
         // The lengths of every record are compared here: a condition over hundreds of columns would be
         // an expression deeper than the connection takes.
-        Statement q(db, QStringLiteral("SELECT rowid, %1 FROM %2.%3")
-                            .arg(lengths.join(QStringLiteral(", ")), quoted(schema), quoted(table)));
+        Statement q(
+            db, QStringLiteral("SELECT rowid, %1 FROM %2.%3")
+                    .arg(lengths.join(QStringLiteral(", ")), sqlIdentifier(schema), sqlIdentifier(table)));
         QList<QPair<qint64, QList<qint64>>> found;
         while (q.step() == SQLITE_ROW) {
             QList<qint64> l;
@@ -272,7 +272,7 @@ bool longCells(sqlite3 *db, const QString &schema, QList<LongCell> *cells, QStri
             // A cell past what the connection reads: find which, to name it.
             for (const QString &c : columns) {
                 Statement probe(db, QStringLiteral("SELECT count(length(%1)) FROM %2.%3")
-                                        .arg(quoted(c), quoted(schema), quoted(table)));
+                                        .arg(sqlIdentifier(c), sqlIdentifier(schema), sqlIdentifier(table)));
                 if ((probe.step() & 0xff) != SQLITE_TOOBIG)
                     continue;
                 const qint64 rowid = unreadableRow(db, schema, table, c);

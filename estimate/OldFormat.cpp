@@ -4,6 +4,7 @@
 #include "EstimateStore.h"
 #include "storage/Catalogue.h"
 #include "storage/Schema.h"
+#include "storage/TextValues.h"
 #include "storage/Transaction.h"
 #include "storage/UntrustedSqlite.h"
 
@@ -15,11 +16,7 @@ namespace OldFormat {
 
 namespace {
 
-QString quoted(const QString &identifier) {
-    QString s = identifier;
-    s.replace(QLatin1Char('"'), QStringLiteral("\"\""));
-    return QLatin1Char('"') + s + QLatin1Char('"');
-}
+using TextValues::sqlIdentifier;
 
 struct Column {
     QString name;
@@ -29,7 +26,7 @@ struct Column {
 QList<Column> columnsOf(QSqlDatabase db, const QString &schema, const QString &table) {
     QList<Column> out;
     QSqlQuery q(db);
-    if (q.exec(QStringLiteral("PRAGMA %1.table_info(%2)").arg(quoted(schema), quoted(table))))
+    if (q.exec(QStringLiteral("PRAGMA %1.table_info(%2)").arg(sqlIdentifier(schema), sqlIdentifier(table))))
         while (q.next())
             out.append({q.value(1).toString(),
                         q.value(5).toInt() == 1 && q.value(2).toString().compare(QLatin1String("INTEGER"),
@@ -68,13 +65,13 @@ QString rebuild(QSqlDatabase db, const QString &schema, int maxCellChars) {
             });
             if (it == from.end())
                 continue;
-            names << quoted(c.name);
+            names << sqlIdentifier(c.name);
             if (c.rowKey) {
                 keyed = true;
-                values << quoted(it->name);
+                values << sqlIdentifier(it->name);
             } else {
                 values << QStringLiteral("CASE WHEN length(%1) > %2 THEN substr(%1, 1, %2) ELSE %1 END")
-                              .arg(quoted(it->name))
+                              .arg(sqlIdentifier(it->name))
                               .arg(maxCellChars);
             }
         }
@@ -83,8 +80,9 @@ QString rebuild(QSqlDatabase db, const QString &schema, int maxCellChars) {
             names.prepend(QStringLiteral("rowid"));
             values.prepend(QStringLiteral("rowid"));
         }
-        if (!q.exec(QStringLiteral("INSERT INTO main.%1 (%2) SELECT %3 FROM %4.%1 ORDER BY rowid")
-                        .arg(quoted(table), names.join(u','), values.join(u','), quoted(schema))))
+        if (!q.exec(
+                QStringLiteral("INSERT INTO main.%1 (%2) SELECT %3 FROM %4.%1 ORDER BY rowid")
+                    .arg(sqlIdentifier(table), names.join(u','), values.join(u','), sqlIdentifier(schema))))
             return QStringLiteral("таблица %1 не прочитана: %2")
                 .arg(table, UntrustedSqlite::failure(UntrustedSqlite::handle(db),
                                                      q.lastError().nativeErrorCode().toInt()));

@@ -1,5 +1,7 @@
 #include "ContentChecksum.h"
 
+#include "TextValues.h"
+
 #include <QCryptographicHash>
 #include <QtEndian>
 #include <cstring>
@@ -8,12 +10,6 @@
 namespace ContentChecksum {
 
 namespace {
-
-QString quoted(const QString &identifier) {
-    QString s = identifier;
-    s.replace(QLatin1Char('"'), QStringLiteral("\"\""));
-    return QLatin1Char('"') + s + QLatin1Char('"');
-}
 
 void addNumber(QCryptographicHash &h, quint64 v) {
     const quint64 big = qToBigEndian(v);
@@ -29,8 +25,9 @@ void addBytes(QCryptographicHash &h, const void *data, int size) {
 } // namespace
 
 QByteArray ofTable(sqlite3 *db, const QString &schema, const QString &table, QString *error) {
-    const QByteArray sql =
-        QStringLiteral("SELECT * FROM %1.%2 ORDER BY rowid").arg(quoted(schema), quoted(table)).toUtf8();
+    const QByteArray sql = QStringLiteral("SELECT * FROM %1.%2 ORDER BY rowid")
+                               .arg(TextValues::sqlIdentifier(schema), TextValues::sqlIdentifier(table))
+                               .toUtf8();
     sqlite3_stmt *st = nullptr;
     if (sqlite3_prepare_v2(db, sql.constData(), -1, &st, nullptr) != SQLITE_OK) {
         *error = QString::fromUtf8(sqlite3_errmsg(db));
