@@ -108,10 +108,12 @@ void CellEditorWatcher::editorShown(QLineEdit *edit) {
         if (edit == m_editor)
             emit textEdited(m_index, text);
     });
-    connect(edit, &QObject::destroyed, this, [this] {
+    // The editor may go while the window does: the list is then reached as the widget it still is.
+    QPointer<QWidget> list(m_list.data());
+    connect(edit, &QObject::destroyed, this, [list] {
         // The editor closed: the list goes with it unless the user went into it.
-        if (m_list && !m_list->hasFocus())
-            m_list->hide();
+        if (list && !list->hasFocus())
+            list->hide();
     });
 }
 
@@ -124,13 +126,16 @@ void CellEditorWatcher::discardEditor() {
 }
 
 bool CellEditorWatcher::eventFilter(QObject *watched, QEvent *event) {
-    if (!m_view || !m_list)
-        return false; // the window is going
-    if (watched == m_viewport && event->type() == QEvent::ChildPolished) {
+    // The event's kind first: while the window goes, its widgets send others, and the view and the list
+    // are then half gone and must not be touched.
+    const QEvent::Type type = event->type();
+    if (type != QEvent::ChildPolished && type != QEvent::KeyPress)
+        return false;
+    if (type == QEvent::ChildPolished && watched == m_viewport && m_view) {
         editorShown(qobject_cast<QLineEdit *>(static_cast<QChildEvent *>(event)->child()));
         return false;
     }
-    if (watched == m_editor && event->type() == QEvent::KeyPress && m_list->isVisible()) {
+    if (type == QEvent::KeyPress && watched == m_editor && m_list && m_list->isVisible()) {
         auto *key = static_cast<QKeyEvent *>(event);
         switch (key->key()) {
         case Qt::Key_Down:
