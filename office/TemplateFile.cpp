@@ -2,6 +2,7 @@
 
 #include "office/OfficeEngine.h"
 #include "office/TemplatePackage.h"
+#include "office/TemplateStructure.h"
 #include "storage/FileKind.h"
 
 #include <QDir>
@@ -49,15 +50,14 @@ QString check(const QString &path) {
         return QStringLiteral("Файл %1 не является документом Word, Excel, OpenDocument, RTF или текстом; "
                               "шаблон не открыт.")
             .arg(shown);
-    // The first bytes say what the file claims to be; its structure is checked before the engine,
-    // which trusts it, takes it.
+    if (startsWith(head, "PK\x03\x04", 4))
+        return TemplatePackage::check(path); // what the zip package holds, before the engine unpacks it
+    // An old Office file or RTF: its structure is checked before the engine, which trusts it, takes it.
     QString why;
     if (ext == QLatin1String("xls") || ext == QLatin1String("doc"))
-        why = TemplatePackage::checkCompound(path, ext == QLatin1String("xls"));
+        why = TemplateStructure::checkCompound(path, ext == QLatin1String("xls"));
     else if (ext == QLatin1String("rtf"))
-        why = TemplatePackage::checkRtf(path);
-    else if (ext != QLatin1String("txt"))
-        why = TemplatePackage::checkZip(path);
+        why = TemplateStructure::checkRtf(path);
     if (!why.isEmpty())
         return QStringLiteral(
                    "Шаблон %1 повреждён или опасен для открытия: %2. Шаблон не открыт; замените его.")

@@ -17,8 +17,8 @@ constexpr qint64 kMaxBytes = 50ll * 1024 * 1024;
 // Empty when the file can be opened as a template; else the Russian message naming it: the file is
 // missing ("Отсутствует файл " + path) or is not a file (a folder, a pipe), larger than 50 MB, not a
 // word-processor, spreadsheet or text file (judged by its extension and its first bytes), or unsafe for
-// the engine (TemplatePackage: a zip that unpacks past its limits, XML entities, an old Office file
-// whose structure does not hold together, RTF nested without end).
+// the engine (a zip package past its limits, TemplatePackage; an old Office file whose structure does
+// not hold together or RTF nested without end, TemplateStructure).
 QString check(const QString &path);
 
 // Checks the template and loads it into the engine, which must see it as `type` ("spreadsheet" or

@@ -2,193 +2,148 @@
 
 #include <QDir>
 #include <QFile>
-#include <QVector>
-#include <QtEndian>
 
+#include <memory>
 #include <zip.h>
 
 namespace TemplatePackage {
 
 namespace {
 
+struct ArchiveCloser {
+    void operator()(zip_t *z) const { zip_discard(z); }
+};
+struct EntryCloser {
+    void operator()(zip_file_t *f) const { zip_fclose(f); }
+};
+using Archive = std::unique_ptr<zip_t, ArchiveCloser>;
+using Entry = std::unique_ptr<zip_file_t, EntryCloser>;
+
+Archive openArchive(const QString &path) {
+    int code = 0;
+    return Archive(zip_open(QFile::encodeName(path).constData(), ZIP_RDONLY, &code));
+}
+
+// A name that would leave the folder the package is unpacked into.
+bool escapes(const QString &name) {
+    if (name.startsWith(u'/') || name.startsWith(u'\\') || (name.size() > 1 && name.at(1) == u':'))
+        return true;
+    const QStringList parts = QString(name).replace(u'\\', u'/').split(u'/');
+    return parts.contains(QStringLiteral(".."));
+}
+
 bool isXml(const QString &name) {
     const QString n = name.toLower();
     return n.endsWith(QLatin1String(".xml")) || n.endsWith(QLatin1String(".rels")) ||
-           n.endsWith(QLatin1String(".vml")) || n.endsWith(QLatin1String(".xhtml"));
+           n.endsWith(QLatin1String(".vml"));
 }
-
-// An old Office compound file, read from its bytes (at most the template size limit).
-class Compound {
-public:
-    explicit Compound(QByteArray bytes) : m_b(std::move(bytes)) {}
-
-    QString check(bool spreadsheet) {
-        if (m_b.size() < 512)
-            return QStringLiteral("файл короче заголовка");
-        const quint16 major = u16(26), order = u16(28), shift = u16(30), miniShift = u16(32);
-        if (order != 0xFFFE || !((major == 3 && shift == 9) || (major == 4 && shift == 12)) || miniShift != 6)
-            return QStringLiteral("заголовок файла повреждён");
-        m_sectorSize = 1 << shift;
-        m_sectors = (static_cast<qint64>(m_b.size()) - m_sectorSize) / m_sectorSize; // whole sectors only
-        const quint32 fatSectors = u32(44), directory = u32(48), difatFirst = u32(68), difatSectors = u32(72);
-        if (fatSectors == 0 || fatSectors > m_sectors || difatSectors > m_sectors)
-            return QStringLiteral("таблица размещения не соответствует размеру файла");
-
-        // The sectors of the allocation table: 109 in the header, the rest in a chain of DIFAT sectors.
-        QVector<quint32> fatList;
-        for (int i = 0; i < 109 && fatList.size() < static_cast<int>(fatSectors); ++i)
-            fatList << u32(76 + 4 * i);
-        quint32 next = difatFirst;
-        for (quint32 step = 0; fatList.size() < static_cast<int>(fatSectors); ++step) {
-            if (step >= difatSectors || !inFile(next))
-                return QStringLiteral("цепочка таблицы размещения повреждена");
-            const qint64 at = offset(next);
-            const int perSector = m_sectorSize / 4 - 1;
-            for (int i = 0; i < perSector && fatList.size() < static_cast<int>(fatSectors); ++i)
-                fatList << u32(at + 4 * i);
-            next = u32(at + 4 * perSector);
-        }
-        for (quint32 s : fatList) {
-            if (!inFile(s))
-                return QStringLiteral("таблица размещения указывает за конец файла");
-            const qint64 at = offset(s);
-            for (int i = 0; i < m_sectorSize / 4; ++i)
-                m_fat << u32(at + 4 * i);
-        }
-
-        // The directory: a chain of sectors of 128-byte entries.
-        const QVector<quint32> dir = chain(directory);
-        if (dir.isEmpty())
-            return QStringLiteral("каталог файла повреждён");
-        const QStringList wanted = spreadsheet
-                                       ? QStringList{QStringLiteral("Workbook"), QStringLiteral("Book")}
-                                       : QStringList{QStringLiteral("WordDocument")};
-        for (quint32 s : dir) {
-            for (int e = 0; e < m_sectorSize / 128; ++e) {
-                const qint64 at = offset(s) + 128 * e;
-                const int nameBytes = u16(at + 64);
-                if (m_b.at(static_cast<int>(at + 66)) != 2 || nameBytes < 2 || nameBytes > 64)
-                    continue; // not a stream
-                const QString name = QString::fromUtf16(
-                    reinterpret_cast<const char16_t *>(m_b.constData() + at), nameBytes / 2 - 1);
-                if (!wanted.contains(name))
-                    continue;
-                const quint64 size =
-                    major == 3 ? u32(at + 120) : qFromLittleEndian<quint64>(m_b.constData() + at + 120);
-                if (size == 0 || size > static_cast<quint64>(m_b.size()))
-                    return QStringLiteral("поток «%1» длиннее файла").arg(name);
-                if (size >= u32(56)) { // in regular sectors: its chain must hold it
-                    const QVector<quint32> sectors = chain(u32(at + 116));
-                    if (static_cast<quint64>(sectors.size()) * m_sectorSize < size)
-                        return QStringLiteral("поток «%1» повреждён").arg(name);
-                }
-                return {};
-            }
-        }
-        return spreadsheet ? QStringLiteral("в файле нет книги Excel")
-                           : QStringLiteral("в файле нет документа Word");
-    }
-
-private:
-    quint16 u16(qint64 at) const { return qFromLittleEndian<quint16>(m_b.constData() + at); }
-    quint32 u32(qint64 at) const { return qFromLittleEndian<quint32>(m_b.constData() + at); }
-    bool inFile(quint32 sector) const { return sector < m_sectors; }
-    qint64 offset(quint32 sector) const { return (static_cast<qint64>(sector) + 1) * m_sectorSize; }
-    // The sectors of a chain; empty when it leaves the file or loops.
-    QVector<quint32> chain(quint32 first) const {
-        QVector<quint32> out;
-        constexpr quint32 kEnd = 0xFFFFFFFE;
-        for (quint32 s = first; s != kEnd; s = m_fat.at(static_cast<int>(s))) {
-            if (!inFile(s) || static_cast<int>(s) >= m_fat.size() || out.size() > m_sectors)
-                return {};
-            out << s;
-        }
-        return out;
-    }
-
-    QByteArray m_b;
-    int m_sectorSize = 512;
-    qint64 m_sectors = 0;
-    QVector<quint32> m_fat;
-};
 
 } // namespace
 
-QString checkZip(const QString &path) {
-    int code = 0;
-    zip_t *z = zip_open(QFile::encodeName(path).constData(), ZIP_RDONLY | ZIP_CHECKCONS, &code);
-    if (!z)
-        return QStringLiteral("архив документа повреждён");
-    QString why;
-    const zip_int64_t entries = zip_get_num_entries(z, 0);
-    if (entries < 0 || entries > kMaxEntries)
-        why =
-            QStringLiteral("в архиве документа %1 частей (допускается до %2)").arg(entries).arg(kMaxEntries);
+QString check(const QString &path) {
+    const QString shown = QDir::toNativeSeparators(path);
+    const auto refuse = [&shown](const QString &why) {
+        return QStringLiteral("Шаблон %1 не открыт: %2").arg(shown, why);
+    };
+    Archive archive = openArchive(path);
+    if (!archive)
+        return refuse(QStringLiteral("файл повреждён (архив документа не читается)."));
+    const zip_int64_t count = zip_get_num_entries(archive.get(), 0);
+    if (count <= 0)
+        return refuse(QStringLiteral("архив документа пуст."));
+    if (count > kMaxEntries)
+        return refuse(QStringLiteral("в архиве документа %1 частей, допустимо не более %2.")
+                          .arg(count)
+                          .arg(kMaxEntries));
+
+    const QString tooLarge = QStringLiteral("архив документа распаковывается в слишком большой объём "
+                                            "(более %1 МБ); возможно, это архивная бомба.")
+                                 .arg(kMaxInflatedBytes / (1024 * 1024));
     qint64 total = 0;
+    // First what the archive says: names, and sizes that are refused without unpacking anything.
+    for (zip_int64_t i = 0; i < count; ++i) {
+        zip_stat_t st;
+        if (zip_stat_index(archive.get(), static_cast<zip_uint64_t>(i), 0, &st) != 0 || !st.name)
+            return refuse(QStringLiteral("файл повреждён (часть %1 архива не читается).").arg(i + 1));
+        const QString name = QString::fromUtf8(st.name);
+        if (escapes(name))
+            return refuse(
+                QStringLiteral("в архиве документа есть часть с недопустимым путём «%1».").arg(name));
+        if ((st.valid & ZIP_STAT_SIZE) && st.size > static_cast<zip_uint64_t>(kMaxInflatedBytes))
+            return refuse(tooLarge);
+        total += (st.valid & ZIP_STAT_SIZE) ? static_cast<qint64>(st.size) : 0;
+        if (total > kMaxInflatedBytes)
+            return refuse(tooLarge);
+    }
+
+    // Then what the entries really hold: an archive may state sizes it does not keep to.
     QByteArray buffer(64 * 1024, Qt::Uninitialized);
-    for (zip_int64_t i = 0; why.isEmpty() && i < entries; ++i) {
-        const QString name = QString::fromUtf8(zip_get_name(z, static_cast<zip_uint64_t>(i), 0));
-        zip_file_t *f = zip_fopen_index(z, static_cast<zip_uint64_t>(i), 0);
-        if (!f) {
-            why = QStringLiteral("часть «%1» архива не распаковывается").arg(name);
-            break;
-        }
+    static const QByteArray entity("<!ENTITY");
+    total = 0;
+    for (zip_int64_t i = 0; i < count; ++i) {
+        zip_stat_t st;
+        zip_stat_index(archive.get(), static_cast<zip_uint64_t>(i), 0, &st);
+        const QString name = QString::fromUtf8(st.name);
+        if (name.endsWith(u'/'))
+            continue; // a folder
+        Entry entry(zip_fopen_index(archive.get(), static_cast<zip_uint64_t>(i), 0));
+        if (!entry)
+            return refuse(QStringLiteral("часть «%1» архива документа не читается (повреждена или "
+                                         "зашифрована).")
+                              .arg(name));
+        const qint64 packed = (st.valid & ZIP_STAT_COMP_SIZE) ? static_cast<qint64>(st.comp_size) : 0;
+        const qint64 entryLimit = qMax<qint64>(1024 * 1024, packed * kMaxRatio);
         const bool xml = isXml(name);
-        QByteArray tail; // the end of the previous piece: a declaration may straddle two pieces
-        zip_int64_t n;
-        while ((n = zip_fread(f, buffer.data(), static_cast<zip_uint64_t>(buffer.size()))) > 0) {
-            total += n;
-            if (total > kMaxUnpackedBytes) {
-                why = QStringLiteral("архив документа распаковывается больше чем в %1 МБ (архив-«бомба»)")
-                          .arg(kMaxUnpackedBytes / (1024 * 1024));
+        QByteArray tail; // the end of the previous piece, so that a declaration split between pieces is seen
+        qint64 unpacked = 0;
+        for (;;) {
+            const zip_int64_t n =
+                zip_fread(entry.get(), buffer.data(), static_cast<zip_uint64_t>(buffer.size()));
+            if (n < 0)
+                return refuse(QStringLiteral("часть «%1» архива документа повреждена.").arg(name));
+            if (n == 0)
                 break;
-            }
+            unpacked += n;
+            total += n;
+            if (total > kMaxInflatedBytes || unpacked > entryLimit ||
+                ((st.valid & ZIP_STAT_SIZE) && unpacked > static_cast<qint64>(st.size)))
+                return refuse(tooLarge);
             if (xml) {
                 const QByteArray piece =
                     tail + QByteArray::fromRawData(buffer.constData(), static_cast<int>(n));
-                if (piece.contains("<!ENTITY")) {
-                    why =
-                        QStringLiteral("в части «%1» объявлены сущности XML, которых в документах не бывает "
-                                       "(их раскрытие может занять всю память)")
-                            .arg(name);
-                    break;
-                }
-                tail = piece.right(8);
+                if (piece.contains(entity))
+                    return refuse(QStringLiteral("часть «%1» объявляет сущности XML, которых в документах не "
+                                                 "бывает.")
+                                      .arg(name));
+                tail = piece.right(entity.size() - 1);
             }
-        }
-        if (n < 0 && why.isEmpty())
-            why = QStringLiteral("часть «%1» архива повреждена").arg(name);
-        zip_fclose(f);
-    }
-    zip_discard(z);
-    return why;
-}
-
-QString checkCompound(const QString &path, bool spreadsheet) {
-    QFile f(path);
-    if (!f.open(QIODevice::ReadOnly))
-        return f.errorString();
-    return Compound(f.readAll()).check(spreadsheet);
-}
-
-QString checkRtf(const QString &path) {
-    QFile f(path);
-    if (!f.open(QIODevice::ReadOnly))
-        return f.errorString();
-    const QByteArray b = f.readAll();
-    int depth = 0;
-    for (qsizetype i = 0; i < b.size(); ++i) {
-        const char c = b.at(i);
-        if (c == '\\') {
-            ++i; // an escaped brace or backslash is text
-        } else if (c == '{') {
-            if (++depth > kMaxRtfDepth)
-                return QStringLiteral("группы текста вложены глубже %1 уровней").arg(kMaxRtfDepth);
-        } else if (c == '}') {
-            --depth;
         }
     }
     return {};
+}
+
+bool readEntry(const QString &path, const QString &name, QByteArray *data, qint64 maxBytes) {
+    data->clear();
+    Archive archive = openArchive(path);
+    if (!archive)
+        return false;
+    const zip_int64_t index = zip_name_locate(archive.get(), name.toUtf8().constData(), 0);
+    if (index < 0)
+        return false;
+    Entry entry(zip_fopen_index(archive.get(), static_cast<zip_uint64_t>(index), 0));
+    if (!entry)
+        return false;
+    QByteArray buffer(64 * 1024, Qt::Uninitialized);
+    for (;;) {
+        const zip_int64_t n = zip_fread(entry.get(), buffer.data(), static_cast<zip_uint64_t>(buffer.size()));
+        if (n < 0)
+            return false;
+        if (n == 0)
+            return true;
+        if (data->size() + n > maxBytes)
+            return false;
+        data->append(buffer.constData(), static_cast<int>(n));
+    }
 }
 
 } // namespace TemplatePackage

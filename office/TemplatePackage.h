@@ -1,30 +1,27 @@
 #pragma once
-// What a template file holds, checked before the office engine sees it: the engine trusts a file's
-// structure, so a zip that unpacks to gigabytes, XML that declares entities to expand, or an old
-// Office file whose sector tables point anywhere would make it take gigabytes or minutes.
-// Each function returns an empty string for a sound file, else the reason in Russian.
+// Zip packages (".docx", ".xlsx", ".odt", ".ods") looked into before the engine opens them: a hostile
+// package (an archive bomb, entries named "../" or with absolute paths, XML that declares entities)
+// is refused within a fraction of a second, before the engine spends minutes and gigabytes on it.
+// Also the reading of one entry of a package (the page setup of a ".docx").
 
 #include <QByteArray>
 #include <QString>
 
 namespace TemplatePackage {
 
-// Zip packages (.docx, .xlsx, .odt, .ods): at most this many entries, unpacking to at most this much
-// in all (counted while unpacking, whatever the archive's own figures say).
-inline constexpr int kMaxEntries = 2000;
-inline constexpr qint64 kMaxUnpackedBytes = 200ll * 1024 * 1024;
+// Limits of a template package. Real templates stay far below them.
+constexpr int kMaxEntries = 2000;
+constexpr qint64 kMaxInflatedBytes = 256ll * 1024 * 1024; // all entries together, unpacked
+constexpr qint64 kMaxRatio = 200; // unpacked ÷ packed of one entry larger than 1 MB unpacked
 
-// Unpacks every entry (without keeping it) and refuses a package past the limits, an entry that does
-// not unpack, and XML that declares entities (<!ENTITY).
-QString checkZip(const QString &path);
+// Empty when the zip package at path can be handed to the engine; else the Russian reason, naming
+// the file. Every entry is unpacked (and thrown away) to check what it really holds, not what the
+// archive says it holds.
+QString check(const QString &path);
 
-// Old Office compound files (.xls, .doc): the header's fields, the sector tables and the directory
-// consistent with the file's size, and the stream the format keeps its content in ("Workbook" or
-// "Book" for a sheet, "WordDocument" for a text).
-QString checkCompound(const QString &path, bool spreadsheet);
-
-// RTF: groups nested no deeper than a document ever needs.
-inline constexpr int kMaxRtfDepth = 500;
-QString checkRtf(const QString &path);
+// The entry `name` of the package, unpacked; false when the package or the entry cannot be read or
+// the entry is larger than maxBytes.
+bool readEntry(const QString &path, const QString &name, QByteArray *data,
+               qint64 maxBytes = 64ll * 1024 * 1024);
 
 } // namespace TemplatePackage

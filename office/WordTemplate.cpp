@@ -31,18 +31,11 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const Replacements 
     if (!engine.saveAs(textCopy, QStringLiteral("txt")))
         return engineFailed();
     QFile f(textCopy);
-    QString text = f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
-    // The template's fields are looked for, not the values written into them: a value that looks like
-    // a field ("ООО [заказчик]") is taken out of the text first.
-    for (const auto &r : given) {
-        const QString value = OfficeEngine::cutText(r.second);
-        if (value.contains(u'['))
-            text.replace(value, QString());
-    }
+    const QString text = f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
     QStringList left;
     for (const auto &r : given) {
-        // A value that is its own placeholder would always look unreplaced.
-        if (text.contains(r.first) && r.second != r.first)
+        // A value that holds its own placeholder would always look unreplaced.
+        if (text.contains(r.first) && !r.second.contains(r.first))
             left << r.first;
     }
     return TemplateFile::finish(engine, templatePath, left, outputs, error);
