@@ -1,8 +1,8 @@
 // Hostile files against their limits: each open of a document file from elsewhere (checked, read into
 // a new working database) beside the cheapest correct reading of a sound document of the same rows
 // (the SQLite C API reading every row as UTF-8), for the worst files the fuzz corpus found; and the
-// check of a template package beside the check of the program's own template. The peak of resident
-// memory during each measurement is reported as the counter peak_MB.
+// check of a template package beside the check of the program's own template. (The memory of one open
+// is measured per process: tests/estimate/docfile_helper open FILE.)
 
 #include "HostileDocuments.h"
 #include "estimate/DocumentFile.h"
@@ -19,23 +19,6 @@
 #include <zip.h>
 
 namespace {
-
-// The peak of resident memory starts again from what is resident now (Linux 4.0 and later).
-void resetPeak() {
-    QFile f(QStringLiteral("/proc/self/clear_refs"));
-    if (f.open(QIODevice::WriteOnly))
-        f.write("5");
-}
-
-long peakKilobytes() {
-    QFile f(QStringLiteral("/proc/self/status"));
-    if (!f.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray &line : f.readAll().split('\n'))
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).trimmed().split(' ').first().toLong();
-    return 0;
-}
 
 void exec(const QString &path, const QString &sql) {
     sqlite3 *db = nullptr;
@@ -126,24 +109,20 @@ void BM_OpenDocument(benchmark::State &state, const QString &which) {
                                                                    : files().hostile.value(which);
     TModuleSQL module(files().dir.filePath(QStringLiteral("data")));
     QString result;
-    resetPeak();
     for (auto _ : state) {
         QString warning;
         result = DocumentFile::open(module, path, &warning);
         benchmark::DoNotOptimize(result);
     }
     state.SetLabel(result.isEmpty() ? "opened" : "refused");
-    state.counters["peak_MB"] = peakKilobytes() / 1024.0;
 }
 
 void BM_CheckTemplate(benchmark::State &state, bool bomb) {
     const QString path = bomb ? files().bomb : files().contract;
     QString result;
-    resetPeak();
     for (auto _ : state)
         benchmark::DoNotOptimize(result = TemplateFile::check(path));
     state.SetLabel(result.isEmpty() ? "passed" : "refused");
-    state.counters["peak_MB"] = peakKilobytes() / 1024.0;
 }
 
 BENCHMARK_CAPTURE(BM_SoundDocumentSqliteBaseline, rows_40, false)->Unit(benchmark::kMillisecond);
