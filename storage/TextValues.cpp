@@ -5,6 +5,12 @@
 
 namespace TextValues {
 
+QString sqlIdentifier(const QString &name) {
+    QString s = name;
+    s.replace(QLatin1Char('"'), QStringLiteral("\"\""));
+    return QLatin1Char('"') + s + QLatin1Char('"');
+}
+
 QString sqlLiteral(const QString &text) {
     if (text.contains(QChar(0)))
         throw SqlTextError("значение содержит символ NUL и не может быть записано");

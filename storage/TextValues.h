@@ -27,6 +27,10 @@ QString nameFromStored(const QString &stored);
 // The stored form quoted as an SQL literal.
 QString sqlName(const QString &shown);
 
+// A table or column name quoted for SQL ("name", inner double quotes doubled): names read from a file
+// of another program may hold anything.
+QString sqlIdentifier(const QString &name);
+
 // Table names that come from settings or accounts: letters, digits and underscores only.
 bool isSafeTableName(const QString &name);
 
