@@ -220,7 +220,9 @@ void TDohodMat::ButtonDeleteClick() {
         warn(QStringLiteral("Выберите запись"));
         return;
     }
-    if (dialogs().ask(Captions::deletion, QStringLiteral("Удалить ") + w->name + QStringLiteral("?")) !=
+    // The row is read again while the question is open: its name is kept here.
+    const QString name = w->name;
+    if (dialogs().ask(Captions::deletion, QStringLiteral("Удалить ") + name + QStringLiteral("?")) !=
         Dialogs::Answer::Yes)
         return;
     QString message;

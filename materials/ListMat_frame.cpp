@@ -5,6 +5,7 @@
 #include "MatSpreadsheet.h"
 #include "MaterialLists.h"
 #include "OfficeJobs.h"
+#include "SkladMat_frame.h"
 #include "Warehouse.h"
 #include "office/OfficeService.h"
 #include "ui/DialogButtons.h"
@@ -261,11 +262,7 @@ void TListMat::setWarehouse(Warehouse *warehouse) {
     StringGridSklad->setSelectionMode(QAbstractItemView::SingleSelection);
     // The stock is edited in the warehouse's own window; here it is taken from.
     StringGridSklad->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    auto fitColumns = [this] {
-        StringGridSklad->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-        for (int c = 1; c < StringGridSklad->model()->columnCount(); ++c)
-            StringGridSklad->setColumnWidth(c, c == 1 ? 58 : 72);
-    };
+    auto fitColumns = [this] { fitStockColumns(StringGridSklad, m_warehouse->model()); };
     fitColumns();
     connect(&warehouse->model(), &QAbstractItemModel::modelReset, this, fitColumns);
     connect(StringGridSklad, &QTableView::doubleClicked, this, [this](const QModelIndex &index) {

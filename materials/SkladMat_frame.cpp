@@ -66,7 +66,7 @@ TSkladMat::TSkladMat(Warehouse &warehouse, QAbstractItemModel *materials, QWidge
     GridSmeta->setColumnHidden(MatCol::Note, true);
     GridSmeta->horizontalHeader()->setSectionResizeMode(MatCol::Name, QHeaderView::Stretch);
     for (int c : {MatCol::Unit, MatCol::Qty, MatCol::Price, MatCol::Sum})
-        GridSmeta->setColumnWidth(c, c == MatCol::Unit ? 58 : 72);
+        GridSmeta->setColumnWidth(c, c == MatCol::Unit ? 52 : c == MatCol::Sum ? 76 : 62);
     connect(GridSmeta, &QTableView::doubleClicked, this, &TSkladMat::GridSmetaDblClick);
 
     StockModel &stock = m_warehouse.model();
@@ -190,16 +190,29 @@ void TSkladMat::buildWidgets() {
     rightLayout->addLayout(bottom);
     split->setStretchFactor(0, 2);
     split->setStretchFactor(1, 3);
+    split->setSizes({440, 640});
+    // Escape closes the window, as in the program's other windows.
+    auto *close = new QAction(this);
+    close->setShortcut(QKeySequence::Cancel);
+    close->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    connect(close, &QAction::triggered, this, &QWidget::close);
+    addAction(close);
 }
 
 void TSkladMat::setOfficeProvider(std::function<OfficeService *()> provider) {
     m_jobs->setProvider(std::move(provider));
 }
 
+void fitStockColumns(QTableView *grid, const StockModel &stock) {
+    grid->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
+    for (int c = 1; c < stock.columnCount(); ++c)
+        grid->setColumnWidth(c, stock.field(c) == StockField::Unit  ? 58
+                                : stock.field(c) == StockField::Qty ? 64
+                                                                    : 96);
+}
+
 void TSkladMat::fitColumns() {
-    GridSklad->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-    for (int c = 1; c < GridSklad->model()->columnCount(); ++c)
-        GridSklad->setColumnWidth(c, c == 1 ? 58 : 80);
+    fitStockColumns(GridSklad, m_warehouse.model());
 }
 
 void TSkladMat::tell(const QString &text) {

@@ -24,7 +24,11 @@ class QMenu;
 class QPushButton;
 class QTableView;
 class QToolBar;
+class StockModel;
 class Warehouse;
+
+// The stock grid's columns sized for the mode in force (the name takes the rest).
+void fitStockColumns(QTableView *grid, const StockModel &stock);
 
 class TSkladMat : public QWidget {
     Q_OBJECT

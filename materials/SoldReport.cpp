@@ -3,7 +3,7 @@
 #include "customers/CustomerRegister.h"
 
 SoldReport::SoldReport(std::function<QSqlDatabase()> mat, CustomerRegister &customers)
-    : m_mat(std::move(mat)), m_customers(customers) {}
+    : m_mat(std::move(mat)), m_customers(customers), m_model(m_mat) {}
 
 QStringList SoldReport::customers() {
     return m_customers.customers();
@@ -18,16 +18,12 @@ QStringList SoldReport::allObjects() {
 }
 
 bool SoldReport::list(const WriteOffFilter &filter, QString *message) {
-    std::vector<WriteOff> rows;
     QString error;
-    if (!WriteOffs::read(m_mat(), filter, rows, &error)) {
-        if (message)
-            *message = QStringLiteral("Не удалось прочитать проданные материалы: %1").arg(error);
-        return false;
-    }
-    m_model.setRows(std::move(rows));
-    m_filter = filter;
-    return true;
+    if (m_model.load(filter, &error))
+        return true;
+    if (message)
+        *message = QStringLiteral("Не удалось прочитать проданные материалы: %1").arg(error);
+    return false;
 }
 
 bool SoldReport::chooseCustomer(const QString &customer, QStringList *objects, QString *notice,

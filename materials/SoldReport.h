@@ -18,7 +18,7 @@ public:
 
     WriteOffModel &model() { return m_model; }
     // What the list shows now.
-    const WriteOffFilter &filter() const { return m_filter; }
+    const WriteOffFilter &filter() const { return m_model.filter(); }
 
     QStringList customers();
     // Every object of every customer, each name once.
@@ -47,5 +47,4 @@ private:
     std::function<QSqlDatabase()> m_mat;
     CustomerRegister &m_customers;
     WriteOffModel m_model;
-    WriteOffFilter m_filter;
 };

@@ -1,27 +1,79 @@
 #include "WriteOffModel.h"
 
-void WriteOffModel::setRows(std::vector<WriteOff> rows) {
+#include <QHash>
+
+WriteOffModel::WriteOffModel(std::function<QSqlDatabase()> database, QObject *parent)
+    : QAbstractTableModel(parent), m_database(std::move(database)) {}
+
+bool WriteOffModel::load(const WriteOffFilter &filter, QString *error) {
+    std::vector<qint64> ids;
+    MoneyResult total = Money();
+    if (!WriteOffs::ids(m_database(), filter, ids, &total, error))
+        return false;
     beginResetModel();
-    m_rows = std::move(rows);
-    m_total = WriteOffs::total(m_rows);
+    m_filter = filter;
+    m_ids = std::move(ids);
+    m_total = total;
+    m_pages.clear();
+    m_used.clear();
     endResetModel();
+    return true;
+}
+
+const std::vector<WriteOff> &WriteOffModel::page(int number) const {
+    auto found = m_pages.find(number);
+    if (found != m_pages.end()) {
+        m_used.remove(number);
+        m_used.push_front(number);
+        return found->second;
+    }
+    const size_t first = static_cast<size_t>(number) * kPageRows;
+    const size_t last = std::min(m_ids.size(), first + kPageRows) - 1;
+    std::vector<WriteOff> read;
+    WriteOffs::readRange(m_database(), m_filter, m_ids[first], m_ids[last], read);
+    QHash<qint64, size_t> byId;
+    for (size_t i = 0; i < read.size(); ++i)
+        byId.insert(read[i].id.toLongLong(), i);
+    std::vector<WriteOff> rows(last - first + 1);
+    for (size_t i = first; i <= last; ++i) {
+        // A record another program deleted meanwhile stays as an empty row with its id.
+        const auto at = byId.constFind(m_ids[i]);
+        if (at != byId.constEnd())
+            rows[i - first] = std::move(read[*at]);
+        else
+            rows[i - first].id = QString::number(m_ids[i]);
+    }
+    if (m_pages.size() >= kKeptPages) {
+        m_pages.erase(m_used.back());
+        m_used.pop_back();
+    }
+    m_used.push_front(number);
+    return m_pages.emplace(number, std::move(rows)).first->second;
 }
 
 const WriteOff *WriteOffModel::rowAt(int row) const {
-    return row >= 0 && row < rowCount() ? &m_rows[static_cast<size_t>(row)] : nullptr;
+    if (row < 0 || row >= rowCount())
+        return nullptr;
+    return &page(row / kPageRows)[static_cast<size_t>(row % kPageRows)];
 }
 
 void WriteOffModel::removeRowAt(int row) {
-    if (!rowAt(row))
+    const WriteOff *w = rowAt(row);
+    if (!w)
         return;
+    const MoneyResult sum = Money::parse(w->sum);
+    if (sum)
+        m_total -= sum;
     beginRemoveRows({}, row, row);
-    m_rows.erase(m_rows.begin() + row);
+    m_ids.erase(m_ids.begin() + row);
+    // The rows after it move up: their pages are read again when shown.
+    m_pages.clear();
+    m_used.clear();
     endRemoveRows();
-    m_total = WriteOffs::total(m_rows);
 }
 
 int WriteOffModel::rowCount(const QModelIndex &parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+    return parent.isValid() ? 0 : static_cast<int>(m_ids.size());
 }
 
 int WriteOffModel::columnCount(const QModelIndex &parent) const {
@@ -29,8 +81,7 @@ int WriteOffModel::columnCount(const QModelIndex &parent) const {
 }
 
 QVariant WriteOffModel::data(const QModelIndex &index, int role) const {
-    const WriteOff *w = rowAt(index.row());
-    if (!w)
+    if (role != Qt::DisplayRole && role != Qt::ToolTipRole && role != Qt::TextAlignmentRole)
         return {};
     if (role == Qt::TextAlignmentRole) {
         const int c = index.column();
@@ -38,10 +89,11 @@ QVariant WriteOffModel::data(const QModelIndex &index, int role) const {
                    ? QVariant(Qt::AlignRight | Qt::AlignVCenter)
                    : QVariant();
     }
-    if (role == Qt::ToolTipRole && !w->object.isEmpty())
-        return QStringLiteral("Объект: %1").arg(w->object);
-    if (role != Qt::DisplayRole)
+    const WriteOff *w = rowAt(index.row());
+    if (!w)
         return {};
+    if (role == Qt::ToolTipRole)
+        return w->object.isEmpty() ? QVariant() : QVariant(QStringLiteral("Объект: %1").arg(w->object));
     switch (index.column()) {
     case WriteOffCol::Name:
         return w->name;

@@ -44,11 +44,19 @@ QString periodRefusal(const QDate &from, const QDate &to);
 // The write-offs the filter lets through, in the order they were made.
 bool read(QSqlDatabase db, const WriteOffFilter &filter, std::vector<WriteOff> &out,
           QString *error = nullptr);
+// Only their ids, in the same order, and the total of their amounts (a long list is read a page at a
+// time: see readRange).
+bool ids(QSqlDatabase db, const WriteOffFilter &filter, std::vector<qint64> &out, MoneyResult *total,
+         QString *error = nullptr);
+// The write-offs the filter lets through whose ids lie in [firstId, lastId].
+bool readRange(QSqlDatabase db, const WriteOffFilter &filter, qint64 firstId, qint64 lastId,
+               std::vector<WriteOff> &out, QString *error = nullptr);
 // The sum of their amounts (`summa`), for the cash book's "income from sold materials". An amount that
 // is not a number is left out; a total past the maximum is refused (MoneyResult says why).
 MoneyResult soldTotal(QSqlDatabase db, const WriteOffFilter &filter, QString *error = nullptr);
-// The sum of rows already read.
+// The sum of rows already read, and one amount added to a total the same way.
 MoneyResult total(const std::vector<WriteOff> &rows);
+MoneyResult addAmount(MoneyResult total, const QString &amount);
 
 // A write-off record; its id, or empty with *error.
 QString add(QSqlDatabase db, const WriteOff &w, QString *error = nullptr);

@@ -11,7 +11,9 @@
 #include "materials/StockSpreadsheet.h"
 #include "materials/StockTaking.h"
 #include "materials/Warehouse.h"
+#include "materials/WriteOffModel.h"
 #include "storage/TextValues.h"
+#include "storage/Transaction.h"
 
 #include <QBrush>
 #include <QSignalSpy>
@@ -33,6 +35,13 @@ TEST(WriteOffs, TheFifthOfMarchFallsInMarchOnlyAndFiltersCombine) {
     addWriteOff(f.mat(), "Грунт", "100", kCustomer, kObject, QDate(2020, 4, 1));
     addWriteOff(f.mat(), "Гипс", "7", "Иванов", kObject, QDate(2020, 3, 10));
     addStock(f.mat(), stockItem("На складе", "шт.", "5", "10")); // a stock row is never a write-off
+    // Amounts as older programs and typing left them are added by the number rule; one past the
+    // maximum makes the total refused.
+    addWriteOff(f.mat(), "Песок", "1 250,5", "Петров", "", QDate(2020, 5, 1));
+    addWriteOff(f.mat(), "Щебень", "договорная", "Петров", "", QDate(2020, 5, 1));
+    addWriteOff(f.mat(), "Щебень", "0,07", "Петров", "", QDate(2020, 5, 1));
+    addWriteOff(f.mat(), "Золото", "999999999999,99", "Сидоров", "", QDate(2020, 5, 1));
+    addWriteOff(f.mat(), "Золото", "0,01", "Сидоров", "", QDate(2020, 5, 1));
     // The customer's name goes in with a backtick for its quotes, and comes back as shown.
     EXPECT_EQ(f.matScalar("SELECT customer FROM storage WHERE namemat='Цемент'"), "ООО `Ремстрой`");
     EXPECT_EQ(
@@ -48,7 +57,12 @@ TEST(WriteOffs, TheFifthOfMarchFallsInMarchOnlyAndFiltersCombine) {
     };
     const QDate march1(2020, 3, 1), march31(2020, 3, 31);
     const std::vector<Case> cases = {
-        {"everything", {}, {"Цемент", "Клей", "Грунт", "Гипс"}, "1707,50"},
+        {"by the number rule", {"Петров", {}, {}, {}, {}, {}}, {"Песок", "Щебень", "Щебень"}, "1250,57"},
+        {"past the maximum", {"Сидоров", {}, {}, {}, {}, {}}, {"Золото", "Золото"}, "refused"},
+        {"till April",
+         {{}, {}, {}, {}, {}, QDate(2020, 4, 30)},
+         {"Цемент", "Клей", "Грунт", "Гипс"},
+         "1707,50"},
         {"the customer in March", {kCustomer, {}, {}, {}, march1, march31}, {"Цемент", "Клей"}, "1600,50"},
         {"the period's last day counts", {kCustomer, {}, {}, {}, march31, march31}, {"Клей"}, "1040,50"},
         {"March 6 on", {kCustomer, {}, {}, {}, QDate(2020, 3, 6), march31}, {"Клей"}, "1040,50"},
@@ -59,7 +73,10 @@ TEST(WriteOffs, TheFifthOfMarchFallsInMarchOnlyAndFiltersCombine) {
          {kCustomer, {}, "3", "2020", {}, {}},
          {"Цемент", "Клей"},
          "1600,50"},
-        {"an open end", {{}, {}, {}, {}, QDate(2020, 3, 10), {}}, {"Клей", "Грунт", "Гипс"}, "1147,50"},
+        {"an open end",
+         {{}, {}, {}, {}, QDate(2020, 3, 10), QDate(2020, 4, 30)},
+         {"Клей", "Грунт", "Гипс"},
+         "1147,50"},
     };
     for (const Case &c : cases) {
         std::vector<WriteOff> rows;
@@ -81,7 +98,58 @@ TEST(WriteOffs, TheFifthOfMarchFallsInMarchOnlyAndFiltersCombine) {
     QString error;
     EXPECT_FALSE(
         WriteOffs::remove(f.mat(), f.matScalar("SELECT id FROM storage WHERE namemat='На складе'"), &error));
-    EXPECT_EQ(f.matScalar("SELECT count(*) FROM storage"), "5");
+    EXPECT_EQ(f.matScalar("SELECT count(*) FROM storage"), "10");
+}
+
+TEST(WriteOffs, AmountsAddUpAsTheNumberRuleReadsThem) {
+    // The quick reading of the program's own form gives what the number rule gives, and any other text
+    // is read by the rule.
+    for (const QString text :
+         {"1234,50", "0,07", "000,10", "999999999999,99", "1234,5", "12,345", "1 234,50", "-5,00", "5.00",
+          "12a,00", ",50", "1,2,50", "", "договорная", "9999999999999,99"}) {
+        const MoneyResult parsed = Money::parse(text);
+        EXPECT_EQ(WriteOffs::addAmount(Money(), text), parsed ? parsed : MoneyResult(Money()))
+            << text.toStdString();
+    }
+}
+
+TEST(WriteOffModel, ALongListIsReadAPageAtATime) {
+    WarehouseFixture f;
+    const int n = WriteOffModel::kPageRows * 3 + 17;
+    {
+        Transaction t(f.mat());
+        for (int i = 0; i < n; ++i)
+            addWriteOff(f.mat(), QString("Материал %1").arg(i), "1,00", i % 2 ? kCustomer : "Иванов", {},
+                        QDate(2020, 1, 1).addDays(i));
+        ASSERT_TRUE(t.commit());
+    }
+    WriteOffModel model([&f] { return f.mat(); });
+    WriteOffFilter filter;
+    filter.customer = kCustomer;
+    ASSERT_TRUE(model.load(filter));
+    ASSERT_EQ(model.rowCount(), n / 2);
+    EXPECT_EQ(rub(model.total()), QString("%1,00").arg(n / 2).toStdString());
+    // Rows far apart, in any order, each from its own page.
+    for (int row : {n / 2 - 1, 0, WriteOffModel::kPageRows, WriteOffModel::kPageRows - 1, 300})
+        EXPECT_EQ(model.index(row, WriteOffCol::Name).data().toString(),
+                  QString("Материал %1").arg(2 * row + 1));
+    // A record another program deleted stays an empty row with its id until the list is read again.
+    WriteOffModel stale([&f] { return f.mat(); });
+    ASSERT_TRUE(stale.load(filter)); // the ids only: no page is read before it is shown
+    const QString gone = model.rowAt(301)->id;
+    const QString next = model.rowAt(302)->name;
+    ASSERT_TRUE(WriteOffs::remove(f.mat(), gone));
+    EXPECT_EQ(stale.rowAt(301)->id, gone);
+    EXPECT_TRUE(stale.rowAt(301)->name.isEmpty());
+    EXPECT_EQ(stale.rowAt(302)->name, next);
+    WriteOffModel fresh([&f] { return f.mat(); });
+    ASSERT_TRUE(fresh.load(filter));
+    EXPECT_EQ(fresh.rowAt(301)->name, next);
+    // Removing a row moves the rest up and takes its amount from the total.
+    model.removeRowAt(0);
+    EXPECT_EQ(model.rowCount(), n / 2 - 1);
+    EXPECT_EQ(model.rowAt(0)->name, "Материал 3");
+    EXPECT_EQ(rub(model.total()), QString("%1,00").arg(n / 2 - 1).toStdString());
 }
 
 TEST(StockTaking, QuantitiesTypedAreNumbersAboveZero) {
@@ -385,8 +453,8 @@ TEST(SoldReport, ChoicesFindTheirPartnersAndARefusedPeriodKeepsTheList) {
     SoldReport report([&f] { return f.mat(); }, customers);
     auto names = [&report] {
         QStringList n;
-        for (const WriteOff &w : report.model().rows())
-            n << w.name;
+        for (int r = 0; r < report.model().rowCount(); ++r)
+            n << report.model().rowAt(r)->name;
         return n;
     };
     QStringList objects;
