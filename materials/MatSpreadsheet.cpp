@@ -16,11 +16,6 @@ bool fail(QString *error, const QString &text) {
     return false;
 }
 
-void report(const Progress &progress, int value) {
-    if (progress)
-        progress(value);
-}
-
 // A first row that names the columns rather than a material.
 bool isHeader(const QStringList &row) {
     const QString name = row.value(0).trimmed().toLower();
@@ -87,7 +82,8 @@ bool readFile(OfficeEngine &engine, const QString &path, const QString &scratchD
             *error = QStringLiteral("Файл %1: %2").arg(QDir::toNativeSeparators(path), *error);
         return false;
     }
-    report(progress, 90);
+    if (progress)
+        progress(90);
     return true;
 }
 
