@@ -99,7 +99,7 @@ StockTaking::Outcome Warehouse::take(QSqlDatabase smeta, int row, const Decimal 
     if (!s) {
         StockTaking::Outcome none;
         none.kind = StockTaking::Outcome::Refused;
-        none.message = QStringLiteral("Выберите материал на складе");
+        none.message = QStringLiteral("Этого материала больше нет на складе");
         return none;
     }
     const QString id = s->id;

@@ -115,6 +115,8 @@ void WarehousePart::takeFromStock(int row) {
     const StockItem *item = m_warehouse->model().rowAt(row);
     if (!module || !item)
         return;
+    // The row is found again by its id once the quantity is typed.
+    const QString id = item->id, name = item->name;
     QString typed;
     if (!dialogs().input(QStringLiteral("Склад материалов"), QStringLiteral("Введите количество"), &typed))
         return;
@@ -125,12 +127,11 @@ void WarehousePart::takeFromStock(int row) {
         return;
     }
     EstimateDocument &doc = m_shell->document();
-    const QString name = item->name;
     StockTaking::Outcome out;
     {
         EstimateEditor::Scope step(doc.editor(), QStringLiteral("Материал со склада"));
-        out = m_warehouse->take(module->database(Db::Smeta), row, *quantity, doc.header().customer,
-                                doc.header().object, QDate::currentDate());
+        out = m_warehouse->take(module->database(Db::Smeta), m_warehouse->model().rowOfId(id), *quantity,
+                                doc.header().customer, doc.header().object, QDate::currentDate());
     }
     if (out.kind == StockTaking::Outcome::Refused) {
         dialogs().tell(Captions::warning, out.message, Dialogs::Icon::Warning);
