@@ -1,7 +1,8 @@
 // The warehouse at scale: 10,000 stock rows and 100,000 write-offs (200 customers with two objects
 // each, over five years) in one storage table. Each measured operation runs beside its raw baseline in
 // the same program, the same rows selected through the SQLite C interface into UTF-8 texts:
-// - opening the warehouse: the stock read into the grid's model, totals and minimum count included;
+// - opening the warehouse: the stock read into the grid's model, totals and minimum count included, and
+//   the warehouse window drawn with it;
 // - opening the report for a customer: the report window filled (customers, objects, write-offs, total);
 // - the report's filters: a customer's period, an object, every write-off at once (the report reads the
 //   ids and amounts of its rows and the cells of the rows it shows: measured beside the same work and
@@ -12,6 +13,7 @@
 
 #include "customers/CustomerRegister.h"
 #include "materials/DohodMat_frame.h"
+#include "materials/SkladMat_frame.h"
 #include "materials/SoldReport.h"
 #include "materials/StockTaking.h"
 #include "materials/Warehouse.h"
@@ -23,6 +25,7 @@
 #include <QApplication>
 #include <QSqlDriver>
 #include <QSqlQuery>
+#include <QStandardItemModel>
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
@@ -175,6 +178,21 @@ void BM_OpenWarehouse(benchmark::State &state) {
     state.counters["below_minimum"] = w.model().belowMinimumCount();
 }
 BENCHMARK(BM_OpenWarehouse)->Unit(benchmark::kMillisecond);
+
+// The warehouse window: the stock read again, the minimum line and the total, the window drawn.
+void BM_OpenWarehouseWindow(benchmark::State &state) {
+    Warehouse w([] { return data().module->database(Db::Mat); });
+    QStandardItemModel estimate(0, 7);
+    TSkladMat window(w, &estimate);
+    window.resize(1100, 600);
+    window.show();
+    for (auto _ : state) {
+        window.refresh();
+        benchmark::DoNotOptimize(window.grab());
+    }
+    state.counters["rows"] = w.model().rowCount();
+}
+BENCHMARK(BM_OpenWarehouseWindow)->Unit(benchmark::kMillisecond);
 
 // ----- The report.
 
