@@ -129,6 +129,11 @@ bool isBlank(const QString &text) {
     return text.trimmed().isEmpty();
 }
 
+QString typedNumber(const QString &text) {
+    QString s = text;
+    return s.replace(QLatin1Char('.'), QLatin1Char(','));
+}
+
 QString formatQuantity(const Decimal &value) {
     return value.text(0, 3);
 }

@@ -51,6 +51,8 @@ std::optional<Decimal> parsePositivePrice(const QString &text);
 std::optional<Decimal> parseAmount(const QString &text);
 // True when the text holds nothing but blanks.
 bool isBlank(const QString &text);
+// A number as the user typed it into a grid cell, kept with a decimal comma: every "." becomes ",".
+QString typedNumber(const QString &text);
 
 // A quantity: up to three decimals (rounded half away from zero), trailing zeros dropped, decimal
 // comma ("1,5", "12"). Amounts are Money's (Money::text, Money::grouped).
