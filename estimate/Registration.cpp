@@ -1,9 +1,11 @@
 #include "Registration.h"
+#include "estimate/DocumentChecksum.h"
 
 #include "storage/Money.h"
 #include "storage/Schema.h"
 #include "storage/TextValues.h"
 #include "storage/Transaction.h"
+#include "storage/UntrustedSqlite.h"
 
 #include <QAtomicInt>
 #include <QDir>
@@ -368,6 +370,15 @@ bool relinkFile(const QString &documentPath, qlonglong id, const QString &note, 
             // The file is a copy of a document from anywhere: nothing in its schema runs with trust.
             QSqlQuery(file).exec(QStringLiteral("PRAGMA trusted_schema=OFF"));
             ok = writeLink(file, id, note, error);
+            // The link is part of the content the file's sums cover: they are written anew, or the
+            // moved document would be reported as changed by another program at its next opening.
+            if (ok) {
+                sqlite3 *handle = UntrustedSqlite::handle(file);
+                const QString why = handle ? DocumentChecksum::write(handle)
+                                           : QStringLiteral("файл открыт не как база SQLite");
+                if (!why.isEmpty())
+                    ok = fail(error, why);
+            }
             file.close();
         }
     }
