@@ -7,16 +7,17 @@
 #include "calculators/CalculatorsPart.h"
 #include "customers/CustomersPart.h"
 #include "documents/ActsPart.h"
-#include "documents/InvoicePart.h"
 #include "documents/ContractPart.h"
+#include "documents/InvoicePart.h"
 #include "estimate/DocumentFilePart.h"
 #include "estimate/EditorPart.h"
 #include "estimate/HeaderPart.h"
 #include "estimate/OutputPart.h"
 #include "materials/MaterialsPart.h"
 #include "pricebase/PricePart.h"
-#include "server/ServerPart.h"
 #include "pricebase/ResourcesPart.h"
+#include "server/ServerFilesPart.h"
+#include "server/ServerPart.h"
 
 std::vector<ShellPart *> makeShellParts(QObject *owner) {
     return {
@@ -33,5 +34,6 @@ std::vector<ShellPart *> makeShellParts(QObject *owner) {
         new InvoicePart(owner),      // the payment invoice
         new MaterialsPart(owner),    // materials lists: picking, attaching to rates, spreadsheets
         new ContractPart(owner),     // the contract made from the estimate
+        new ServerFilesPart(owner),  // the user's files on the server, the upload after save
     };
 }
