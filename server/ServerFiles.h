@@ -34,6 +34,8 @@ public:
     // Connects when needed (the account's table is made), then reads the addresses and the rows of
     // the filter: listed, or listFailed.
     void read(const FileFilter &filter);
+    // Closes the connection (the window was left); the next reading opens it again.
+    void disconnectStore();
 
     // One transfer or deletion at a time; each ends with finished.
     bool busy() const { return m_busy; }

@@ -309,8 +309,12 @@ void TServerSmeta::showEvent(QShowEvent *event) {
 
 void TServerSmeta::hideEvent(QHideEvent *event) {
     QWidget::hideEvent(event);
-    if (!event->spontaneous())
-        Timer1->stop();
+    if (event->spontaneous())
+        return;
+    Timer1->stop();
+    // The connection stays open while the window is shown.
+    if (!busy())
+        m_files->disconnectStore();
 }
 
 void TServerSmeta::closeEvent(QCloseEvent *event) {

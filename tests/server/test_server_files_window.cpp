@@ -6,7 +6,9 @@
 
 #include "FileServerProcess.h"
 #include "MainWindowFixture.h"
+#include "StallingProxy.h"
 #include "StoreFixture.h"
+#include "pricebase/ServerRasSettings_frame.h"
 #include "server/ServerFileModel.h"
 #include "server/ServerFilesPart.h"
 #include "server/ServerPart.h"
@@ -18,11 +20,14 @@
 #include <QComboBox>
 #include <QImage>
 #include <QLabel>
+#include <QLineEdit>
 #include <QProcess>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QStandardItemModel>
 #include <QStatusBar>
 #include <QTableView>
+#include <QTimer>
 #include <QTreeView>
 #include <QtTest/QTest>
 
@@ -342,4 +347,72 @@ TEST_F(ServerFilesWindow, UploadAfterSaveAndItsFailureToldOnceInTheStatusBar) {
     ASSERT_TRUE(uploads.wait(30000));
     EXPECT_TRUE(uploads.last().at(0).toBool());
     EXPECT_EQ(storeRows(access, "SELECT COUNT(*) FROM " + access.table).value(0).toInt(), 3);
+}
+
+TEST_F(ServerFilesWindow, LargeUploadShowsItsProgressAndIsCancelled) {
+    StallingProxy proxy(access.host, access.port);
+    proxy.throttleUpload(1024 * 1024);
+    StoreAccess slow = access;
+    slow.port = proxy.port();
+    configure(slow);
+    TServerSmeta *w = openWindow();
+    QByteArray bytes(10 * 1024 * 1024, 'v');
+    const QString big = folder.file("Обмеры.zip");
+    {
+        QFile f(big);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(bytes);
+    }
+    QSignalSpy done(w, &TServerSmeta::operationFinished);
+    QSignalSpy read(w, &TServerSmeta::listsRead);
+    dialogs->queueFile(big);
+    w->spdSaveFileServer->trigger();
+    EXPECT_TRUE(w->busy());
+    EXPECT_TRUE(w->ButtonCancel->isVisible());
+    EXPECT_FALSE(w->spdDeleteFile->isEnabled());
+    EXPECT_FALSE(w->spdSaveFileServer->isEnabled());
+    // The window goes on working while the bar moves.
+    for (int i = 0; i < 300 && w->ProgressTransfer->value() < 200; ++i)
+        QTest::qWait(50);
+    EXPECT_EQ(w->ProgressTransfer->maximum(), 1000);
+    EXPECT_GE(w->ProgressTransfer->value(), 200);
+    EXPECT_LT(w->ProgressTransfer->value(), 1000);
+    screenshot(w, "server_files_progress.png");
+
+    QTest::mouseClick(w->ButtonCancel, Qt::LeftButton);
+    ASSERT_TRUE(done.wait(10000));
+    EXPECT_FALSE(done.first().at(0).toBool());
+    EXPECT_EQ(w->LabelStatus->text(), "Передача отменена.");
+    EXPECT_FALSE(w->ButtonCancel->isVisible());
+    EXPECT_FALSE(w->busy());
+    QTest::qWait(200);
+    EXPECT_EQ(storeRows(access, "SELECT COUNT(*) FROM " + access.table).value(0).toInt(), 0);
+}
+
+TEST_F(ServerFilesWindow, StoreSettingsAreTheMySqlServersWindowWithTheFilesDatabase) {
+    QTimer::singleShot(0, window.get(), [this] {
+        auto *dialog = window->findChild<TServerRasSettings *>("ServerRasSettings");
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->windowTitle(), "Сервер MySQL");
+        EXPECT_EQ(dialog->EditHost->text(), access.host);
+        dialog->EditFilesDatabase->setText("файлы");
+        dialog->accept(); // refused: not a name a database can have
+        EXPECT_TRUE(dialog->isVisible());
+        dialog->EditFilesDatabase->setText("virn_files");
+        dialog->accept();
+    });
+    window->findChild<QAction *>("MMySqlSettings")->trigger();
+    EXPECT_EQ(window->settingsStore()->text("Server", "FilesDatabase"), "virn_files");
+    EXPECT_EQ(part->access().database, "virn_files");
+    EXPECT_EQ(part->access().table, access.table);
+    window->settingsStore()->setText("Server", "FilesDatabase", "");
+    EXPECT_EQ(part->access().database, access.database);
+    // Without a key the window says where to give it.
+    window->settingsStore()->setText("Server", "Key", "");
+    dialogs->clear();
+    TServerSmeta *w = part->MServerFilesClick();
+    QTest::qWait(500);
+    EXPECT_TRUE(dialogs->lastText().startsWith("Не указан ключ учётной записи"))
+        << dialogs->lastText().toStdString();
+    EXPECT_EQ(w->model()->rowCount(), 0);
 }
