@@ -6,6 +6,7 @@
 
 #include "server/DocumentStore.h"
 #include "server/TransferControl.h"
+#include "tests/server/TestStoreAccess.h"
 
 #include <QCoreApplication>
 #include <benchmark/benchmark.h>
@@ -19,12 +20,7 @@ namespace {
 constexpr qint64 kSize = StoredFiles::kSizeLimit;
 
 StoreAccess access() {
-    StoreAccess a;
-    a.host = qEnvironmentVariable("VIRN_TEST_MYSQL_HOST");
-    a.port = qEnvironmentVariable("VIRN_TEST_MYSQL_PORT").toInt();
-    a.user = qEnvironmentVariable("VIRN_TEST_MYSQL_USER");
-    a.password = qEnvironmentVariable("VIRN_TEST_MYSQL_PASSWORD");
-    a.database = qEnvironmentVariable("VIRN_TEST_MYSQL_DB");
+    StoreAccess a = testStoreAccess();
     a.table = QStringLiteral("bench_files_%1").arg(QCoreApplication::applicationPid());
     return a;
 }

@@ -4,8 +4,6 @@
 #include "StoreThread.h"
 #include "TransferControl.h"
 
-#include <QDir>
-
 namespace {
 struct Uploaded {
     DocumentStore::Result result;
@@ -52,15 +50,7 @@ void SavedDocumentUpload::next() {
         [path, address, access, control](DocumentStore &store) {
             Uploaded u;
             u.row = StoredFiles::describe(path, address);
-            QByteArray bytes;
-            if (!StoredFiles::readForUpload(path, &bytes, &u.result.error)) {
-                u.result.error =
-                    QStringLiteral("«%1»: %2").arg(QDir::toNativeSeparators(path), u.result.error);
-                return u;
-            }
-            u.result = store.use(access);
-            if (u.result)
-                u.result = store.insert(&u.row, bytes, control.get());
+            u.result = StoredFiles::upload(store, access, &u.row, path, control.get());
             return u;
         },
         [this, path](const Uploaded &u) {

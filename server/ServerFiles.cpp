@@ -67,6 +67,17 @@ bool needsSnapshot(const QString &path) {
 
 namespace StoredFiles {
 
+DocumentStore::Result upload(DocumentStore &store, const StoreAccess &access, StoredFile *row,
+                             const QString &path, TransferControl *control) {
+    DocumentStore::Result r;
+    QByteArray bytes;
+    // Read here, off the window's thread.
+    if (!path.isEmpty() && !readForUpload(path, &bytes, &r.error))
+        return r;
+    r = store.use(access);
+    return r ? store.insert(row, bytes, control) : r;
+}
+
 bool readForUpload(const QString &path, QByteArray *bytes, QString *error) {
     bytes->clear();
     const QFileInfo fi(path);
@@ -245,13 +256,7 @@ void ServerFiles::insertRow(const StoredFile &row, const QString &path) {
         [row, path, access, control](DocumentStore &store) {
             Outcome o;
             o.row = row;
-            QByteArray bytes;
-            // A picture's row holds no bytes; another file's are read here, off the window's thread.
-            if (!path.isEmpty() && !StoredFiles::readForUpload(path, &bytes, &o.result.error))
-                return o;
-            o.result = store.use(access);
-            if (o.result)
-                o.result = store.insert(&o.row, bytes, control.get());
+            o.result = StoredFiles::upload(store, access, &o.row, path, control.get());
             return o;
         },
         [this](const Outcome &o) {

@@ -88,6 +88,10 @@ private:
 };
 
 namespace StoredFiles {
+// On the store's thread: the row with the bytes of the file at path (read by readForUpload; none for
+// an empty path, a picture's row), written to the store of access.
+DocumentStore::Result upload(DocumentStore &store, const StoreAccess &access, StoredFile *row,
+                             const QString &path, TransferControl *control);
 // The bytes of a local file to upload, checked by the size rule. A SQLite database in write-ahead-log
 // mode or in the middle of a write (the program's own databases are open and written by it) is read
 // from a consistent snapshot; every other file, a document file among them, byte for byte.

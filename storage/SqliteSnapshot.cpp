@@ -95,6 +95,25 @@ QString makeTemp(const QString &targetPath, QString *error) {
     return QFile::decodeName(pattern);
 }
 
+// Copies every page of `from` into `to` (the backup API retries while another writer holds `to`).
+int backupAll(sqlite3 *to, sqlite3 *from) {
+    sqlite3_backup *b = sqlite3_backup_init(to, "main", from, "main");
+    if (!b)
+        return sqlite3_errcode(to);
+    int rc = SQLITE_OK;
+    int retries = 0;
+    do {
+        rc = sqlite3_backup_step(b, -1);
+        if (rc == SQLITE_BUSY || rc == SQLITE_LOCKED) {
+            if (++retries > kBusyRetries)
+                break;
+            sqlite3_sleep(kBusySleepMs);
+        }
+    } while (rc == SQLITE_OK || rc == SQLITE_BUSY || rc == SQLITE_LOCKED);
+    sqlite3_backup_finish(b);
+    return rc == SQLITE_DONE ? SQLITE_OK : rc;
+}
+
 // Backs up `from` into the empty file at `tempPath`.
 QString backup(sqlite3 *from, const QString &tempPath) {
     sqlite3 *to = nullptr;
@@ -107,23 +126,9 @@ QString backup(sqlite3 *from, const QString &tempPath) {
     // The whole file is flushed once at the end; a failure before that throws the file away.
     sqlite3_exec(to, "PRAGMA synchronous=OFF;", nullptr, nullptr, nullptr);
     QString why;
-    sqlite3_backup *b = sqlite3_backup_init(to, "main", from, "main");
-    if (!b) {
-        why = sqliteText(to, sqlite3_errcode(to));
-    } else {
-        int retries = 0;
-        do {
-            rc = sqlite3_backup_step(b, -1);
-            if (rc == SQLITE_BUSY || rc == SQLITE_LOCKED) {
-                if (++retries > kBusyRetries)
-                    break;
-                sqlite3_sleep(kBusySleepMs);
-            }
-        } while (rc == SQLITE_OK || rc == SQLITE_BUSY || rc == SQLITE_LOCKED);
-        sqlite3_backup_finish(b);
-        if (rc != SQLITE_DONE)
-            why = sqliteText(to, rc);
-    }
+    rc = backupAll(to, from);
+    if (rc != SQLITE_OK)
+        why = sqliteText(to, rc);
     if (why.isEmpty()) {
         // A document file is a plain rollback-journal database, whatever the source used.
         rc = sqlite3_exec(to, "PRAGMA journal_mode=DELETE;", nullptr, nullptr, nullptr);
@@ -314,25 +319,6 @@ bool inWalMode(sqlite3 *db) {
     }
     sqlite3_finalize(st);
     return wal;
-}
-
-// Copies every page of `from` into `to` (the backup API retries while another writer holds `to`).
-int backupAll(sqlite3 *to, sqlite3 *from) {
-    sqlite3_backup *b = sqlite3_backup_init(to, "main", from, "main");
-    if (!b)
-        return sqlite3_errcode(to);
-    int rc = SQLITE_OK;
-    int retries = 0;
-    do {
-        rc = sqlite3_backup_step(b, -1);
-        if (rc == SQLITE_BUSY || rc == SQLITE_LOCKED) {
-            if (++retries > kBusyRetries)
-                break;
-            sqlite3_sleep(kBusySleepMs);
-        }
-    } while (rc == SQLITE_OK || rc == SQLITE_BUSY || rc == SQLITE_LOCKED);
-    sqlite3_backup_finish(b);
-    return rc == SQLITE_DONE ? SQLITE_OK : rc;
 }
 
 // A private copy of `source` with the given page size, in a temporary file beside `near`.

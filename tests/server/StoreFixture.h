@@ -5,6 +5,7 @@
 
 #include "FileServerProcess.h"
 #include "TestFolder.h"
+#include "TestStoreAccess.h"
 #include "fileserver/Protocol.h"
 #include "server/DocumentStore.h"
 #include "server/RemoteClient.h"
@@ -19,16 +20,6 @@
 #include <QtTest/QTest>
 #include <gtest/gtest.h>
 #include <memory>
-
-inline StoreAccess testStoreAccess() {
-    StoreAccess a;
-    a.host = qEnvironmentVariable("VIRN_TEST_MYSQL_HOST");
-    a.port = qEnvironmentVariable("VIRN_TEST_MYSQL_PORT").toInt();
-    a.user = qEnvironmentVariable("VIRN_TEST_MYSQL_USER");
-    a.password = qEnvironmentVariable("VIRN_TEST_MYSQL_PASSWORD");
-    a.database = qEnvironmentVariable("VIRN_TEST_MYSQL_DB");
-    return a;
-}
 
 // A table name no other test uses at the same time.
 inline QString uniqueKey(const char *prefix) {
