@@ -28,6 +28,8 @@ const QString kCancelled = QStringLiteral("Передача отменена.");
 // a statement, or it was lost while the statement was read.
 const QSet<QString> kLostConnection = {QStringLiteral("2006"), QStringLiteral("2013"),
                                        QStringLiteral("2055")};
+// The largest value of a mediumblob column.
+constexpr qint64 kMediumBlob = 16777215;
 // Room for the statement and the other values beside the file in one packet.
 constexpr qint64 kPacketRoom = 64 * 1024;
 
@@ -483,6 +485,12 @@ DocumentStore::Result DocumentStore::fetch(const QString &name, const QString &d
                            .arg(TextValues::nameFromStored(name), data));
     const qint64 expected = size.value(0).toLongLong();
     size.finish();
+    // The column holds at most 16 MiB; a server that says more is not believed.
+    if (expected < 0 || expected > kMediumBlob)
+        return failure(
+            QStringLiteral("Сервер файлов %1 назвал размер файла «%2» %3 байт; такой файл не загружается.")
+                .arg(m_access.serverName(), TextValues::nameFromStored(name))
+                .arg(expected));
     if (control)
         control->setTotal(expected);
     if (!fetchRow(name, data, expected, row, bytes, control, &r))

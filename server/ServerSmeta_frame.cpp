@@ -20,6 +20,7 @@
 #include <QMenu>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QShortcut>
 #include <QSplitter>
 #include <QStandardItemModel>
 #include <QStyle>
@@ -275,6 +276,8 @@ void TServerSmeta::build() {
     layout->addLayout(bottom);
     connect(ButtonCancel, &QPushButton::clicked, m_files, &ServerFiles::cancel);
     connect(ButtonClose, &QPushButton::clicked, this, &QWidget::close);
+    auto *escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    connect(escape, &QShortcut::activated, this, &QWidget::close);
 
     Timer1 = new QTimer(this);
     Timer1->setObjectName(QStringLiteral("Timer1"));
