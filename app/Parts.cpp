@@ -9,11 +9,13 @@
 #include "documents/ActsPart.h"
 #include "documents/ContractPart.h"
 #include "documents/InvoicePart.h"
+#include "documents/RegisterPart.h"
 #include "estimate/DocumentFilePart.h"
 #include "estimate/EditorPart.h"
 #include "estimate/HeaderPart.h"
 #include "estimate/OutputPart.h"
 #include "materials/MaterialsPart.h"
+#include "materials/WarehousePart.h"
 #include "pricebase/PricePart.h"
 #include "pricebase/ResourcesPart.h"
 #include "server/ServerFilesPart.h"
@@ -33,7 +35,9 @@ std::vector<ShellPart *> makeShellParts(QObject *owner) {
         new ActsPart(owner),         // the act data, acts КС-2, КС-3 and the plain act
         new InvoicePart(owner),      // the payment invoice
         new MaterialsPart(owner),    // materials lists: picking, attaching to rates, spreadsheets
+        new WarehousePart(owner),    // the warehouse, taking from it, the report of sold materials
         new ContractPart(owner),     // the contract made from the estimate
         new ServerFilesPart(owner),  // the user's files on the server, the upload after save
+        new RegisterPart(owner),     // the register of documents "Мои документы"
     };
 }
