@@ -165,9 +165,21 @@ void TServerSmeta::build() {
     TreeView2->setHeaderHidden(true);
     TreeView2->setRootIsDecorated(false);
     TreeView2->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    // One picture per kind, the same in the kinds tree and beside each file of the grid.
+    QList<QIcon> kindIcons;
+    const QStyle::StandardPixmap pixmaps[] = {QStyle::SP_FileDialogDetailedView,
+                                              QStyle::SP_FileDialogListView,
+                                              QStyle::SP_FileDialogContentsView,
+                                              QStyle::SP_FileIcon,
+                                              QStyle::SP_DirClosedIcon,
+                                              QStyle::SP_DriveHDIcon,
+                                              QStyle::SP_DesktopIcon,
+                                              QStyle::SP_ComputerIcon};
+    for (QStyle::StandardPixmap p : pixmaps)
+        kindIcons << style()->standardIcon(p);
     const QList<FileKind> &kinds = ServerFileKinds::all();
     for (int i = 0; i < kinds.size(); ++i) {
-        auto *item = new QStandardItem(kinds[i].caption);
+        auto *item = new QStandardItem(kindIcons.value(i), kinds[i].caption);
         item->setData(i, kKindRole);
         item->setToolTip(kinds[i].extensions.join(QStringLiteral(", ")));
         m_kinds->appendRow(item);
@@ -218,18 +230,7 @@ void TServerSmeta::build() {
     connect(AdvStringGrid1->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             &TServerSmeta::AdvStringGrid1SelectCell);
     connect(m_model, &QAbstractItemModel::modelReset, this, &TServerSmeta::AdvStringGrid1SelectCell);
-    QList<QIcon> icons;
-    const QStyle::StandardPixmap pixmaps[] = {QStyle::SP_FileDialogDetailedView,
-                                              QStyle::SP_FileDialogListView,
-                                              QStyle::SP_FileDialogContentsView,
-                                              QStyle::SP_FileIcon,
-                                              QStyle::SP_DirClosedIcon,
-                                              QStyle::SP_DriveHDIcon,
-                                              QStyle::SP_DesktopIcon,
-                                              QStyle::SP_ComputerIcon};
-    for (QStyle::StandardPixmap p : pixmaps)
-        icons << style()->standardIcon(p);
-    m_model->setIcons(icons, style()->standardIcon(QStyle::SP_FileIcon));
+    m_model->setIcons(kindIcons, style()->standardIcon(QStyle::SP_FileIcon));
     centreLayout->addWidget(LabelAddress);
     centreLayout->addWidget(LabelKind);
     centreLayout->addWidget(AdvStringGrid1, 1);
