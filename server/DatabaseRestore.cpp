@@ -26,26 +26,39 @@ QString shown(const QString &path) {
     return QDir::toNativeSeparators(path);
 }
 
-// Whether the file (already checked sound) holds the table; read-only and without trusting its schema.
-bool holdsTable(const QString &path, const QString &table) {
+// What in the file's schema keeps it from being the program's database (already checked sound): its
+// main table missing, or triggers and views, which the program never makes and which would run
+// inside the program's own statements. Read-only and without trusting the schema; empty when fine.
+QString schemaProblem(const QString &path, const QString &table) {
     sqlite3 *db = nullptr;
-    bool found = false;
+    QString why = QStringLiteral("файл не открывается");
     if (sqlite3_open_v2(QFile::encodeName(path).constData(), &db, SQLITE_OPEN_READONLY, nullptr) ==
         SQLITE_OK) {
         sqlite3_db_config(db, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
         sqlite3_exec(db, "PRAGMA trusted_schema=OFF;", nullptr, nullptr, nullptr);
         sqlite3_stmt *st = nullptr;
         if (sqlite3_prepare_v2(db,
-                               "SELECT 1 FROM sqlite_master WHERE type='table' AND name=?1 COLLATE NOCASE",
+                               "SELECT (SELECT COUNT(*) FROM sqlite_master WHERE type='table' AND name=?1 "
+                               "COLLATE NOCASE), (SELECT name FROM sqlite_master WHERE type IN "
+                               "('trigger','view') LIMIT 1)",
                                -1, &st, nullptr) == SQLITE_OK) {
             const QByteArray name = table.toUtf8();
             sqlite3_bind_text(st, 1, name.constData(), name.size(), SQLITE_TRANSIENT);
-            found = sqlite3_step(st) == SQLITE_ROW;
+            if (sqlite3_step(st) == SQLITE_ROW) {
+                const auto *extra = reinterpret_cast<const char *>(sqlite3_column_text(st, 1));
+                if (sqlite3_column_int(st, 0) == 0)
+                    why = QStringLiteral("в нём нет таблицы «%1»").arg(table);
+                else if (extra)
+                    why = QStringLiteral("в нём есть чужой триггер или представление «%1»")
+                              .arg(QString::fromUtf8(extra).left(64));
+                else
+                    why.clear();
+            }
         }
         sqlite3_finalize(st);
     }
     sqlite3_close(db);
-    return found;
+    return why;
 }
 
 // The module's file opens and, for the people database, its customers read as the program reads them.
@@ -108,11 +121,10 @@ QString restore(TModuleSQL &module, Db db, const QString &downloaded) {
                    "Файл «%1» с сервера не является исправной базой данных: %2. База на компьютере "
                    "оставлена как была.")
             .arg(name, why);
-    if (!holdsTable(downloaded, mainTable(db)))
-        return QStringLiteral(
-                   "Файл «%1» с сервера не похож на базу программы: в нём нет таблицы «%2». База на "
-                   "компьютере оставлена как была.")
-            .arg(name, mainTable(db));
+    if (const QString why = schemaProblem(downloaded, mainTable(db)); !why.isEmpty())
+        return QStringLiteral("Файл «%1» с сервера не похож на базу программы: %2. База на компьютере "
+                              "оставлена как была.")
+            .arg(name, why);
 
     // The local database as it is now, to be put back if the new one does not open.
     QTemporaryDir keep(QFileInfo(target).absolutePath() + QStringLiteral("/.restore-XXXXXX"));

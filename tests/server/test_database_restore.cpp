@@ -141,6 +141,13 @@ TEST_F(DatabaseRestoreTest, BrokenForeignAndUnopenableFilesAreRefusedAndTheLocal
              return f;
          },
          "нет таблицы"},
+        {"a trigger that would run inside the program's own writes", Db::Cash,
+         [&] {
+             const QString f = fromElsewhere(Db::Cash, "с триггером");
+             sqlite(f, "CREATE TRIGGER wipe AFTER INSERT ON cash BEGIN DELETE FROM cash; END;");
+             return f;
+         },
+         "чужой триггер или представление «wipe»"},
         {"a table that cannot take its columns", Db::People,
          [&] {
              // Customer is there, but as a table whose columns the upgrade cannot add (a virtual table).
