@@ -12,9 +12,11 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QFutureWatcher>
 #include <QImageReader>
 #include <QSaveFile>
 #include <QTemporaryDir>
+#include <QtConcurrent/QtConcurrentRun>
 
 namespace {
 
@@ -61,6 +63,30 @@ bool needsSnapshot(const QString &path) {
     const bool wal = header.at(18) == 2 || header.at(19) == 2;
     return wal || QFileInfo::exists(path + QStringLiteral("-wal")) ||
            QFileInfo::exists(path + QStringLiteral("-journal"));
+}
+
+struct PreviewImage {
+    QImage image;
+    QString problem;
+};
+
+// The picture at the width it is shown, never larger than its own.
+PreviewImage decodePreview(const QByteArray &bytes, int width) {
+    QBuffer buffer;
+    buffer.setData(bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
+    reader.setAutoTransform(true);
+    const QSize size = reader.size();
+    if (size.isValid() && size.width() > width)
+        reader.setScaledSize(QSize(width, qMax(1, size.height() * width / size.width())));
+    PreviewImage p;
+    p.image = reader.read();
+    if (!p.image.isNull() && p.image.width() > width)
+        p.image = p.image.scaledToWidth(width, Qt::SmoothTransformation);
+    if (p.image.isNull())
+        p.problem = QStringLiteral("Картинка не читается: %1").arg(reader.errorString());
+    return p;
 }
 
 } // namespace
@@ -396,21 +422,13 @@ void ServerFiles::preview(const StoredFile &row, int width) {
             emit previewReady(row, QImage(), r.error.isEmpty() ? r.statusText : r.error);
             return;
         }
-        QBuffer buffer;
-        buffer.setData(r.body);
-        buffer.open(QIODevice::ReadOnly);
-        QImageReader reader(&buffer);
-        reader.setAutoTransform(true);
-        // A picture is read at the size it is shown, never larger than its own.
-        const QSize size = reader.size();
-        if (size.isValid() && size.width() > width)
-            reader.setScaledSize(QSize(width, qMax(1, size.height() * width / size.width())));
-        QImage image = reader.read();
-        if (!image.isNull() && image.width() > width)
-            image = image.scaledToWidth(width, Qt::SmoothTransformation);
-        emit previewReady(row, image,
-                          image.isNull()
-                              ? QStringLiteral("Картинка не читается: %1").arg(reader.errorString())
-                              : QString());
+        // Decoded off the window's thread: a large photograph takes a while.
+        auto *decoding = new QFutureWatcher<PreviewImage>(this);
+        connect(decoding, &QFutureWatcherBase::finished, this, [this, decoding, row] {
+            const PreviewImage p = decoding->result();
+            decoding->deleteLater();
+            emit previewReady(row, p.image, p.problem);
+        });
+        decoding->setFuture(QtConcurrent::run(decodePreview, r.body, width));
     });
 }
