@@ -18,6 +18,7 @@
 #include "materials/WarehousePart.h"
 #include "pricebase/PricePart.h"
 #include "pricebase/ResourcesPart.h"
+#include "server/ServerFilesPart.h"
 #include "server/ServerPart.h"
 
 std::vector<ShellPart *> makeShellParts(QObject *owner) {
@@ -36,6 +37,7 @@ std::vector<ShellPart *> makeShellParts(QObject *owner) {
         new MaterialsPart(owner),    // materials lists: picking, attaching to rates, spreadsheets
         new WarehousePart(owner),    // the warehouse, taking from it, the report of sold materials
         new ContractPart(owner),     // the contract made from the estimate
+        new ServerFilesPart(owner),  // the user's files on the server, the upload after save
         new RegisterPart(owner),     // the register of documents "Мои документы"
     };
 }

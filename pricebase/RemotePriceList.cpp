@@ -43,6 +43,7 @@ ServerSettings ServerSettings::load(const SettingsStore &store) {
     s.user = store.text(kSection, QStringLiteral("User"));
     s.password = store.text(kSection, QStringLiteral("Password"));
     s.table = store.text(kSection, QStringLiteral("Table"), QStringLiteral("price_virn"));
+    s.filesDatabase = store.text(kSection, QStringLiteral("FilesDatabase"));
     return s;
 }
 
@@ -53,6 +54,7 @@ void ServerSettings::save(SettingsStore &store) const {
     store.setText(kSection, QStringLiteral("User"), user);
     store.setText(kSection, QStringLiteral("Password"), password);
     store.setText(kSection, QStringLiteral("Table"), table);
+    store.setText(kSection, QStringLiteral("FilesDatabase"), filesDatabase.trimmed());
 }
 
 QString ServerSettings::problem() const {
@@ -65,6 +67,9 @@ QString ServerSettings::problem() const {
             "Имя базы данных может содержать только латинские буквы, цифры и знак подчёркивания.");
     if (!TextValues::isSafeTableName(table))
         return QStringLiteral("Имя таблицы расценок может содержать только латинские буквы, цифры и знак "
+                              "подчёркивания.");
+    if (!filesDatabase.trimmed().isEmpty() && !TextValues::isSafeTableName(filesDatabase.trimmed()))
+        return QStringLiteral("Имя базы файлов может содержать только латинские буквы, цифры и знак "
                               "подчёркивания.");
     return {};
 }

@@ -8,14 +8,19 @@
 
 class SettingsStore;
 
-// Where the remote list lives; kept in IniFile.db, section "Server".
+// The program's MySQL server: the remote price list and the store of the user's files (server
+// files) live on it; kept in IniFile.db, section "Server", edited in one window (TServerRasSettings).
 struct ServerSettings {
     QString host;
     int port = 3306;
-    QString database;
+    QString database; // the price lists'
     QString user;
     QString password;
     QString table;
+    QString filesDatabase; // the user's files; empty: the price lists' database
+
+    // The database of the user's files.
+    QString filesDatabaseName() const { return filesDatabase.trimmed().isEmpty() ? database : filesDatabase; }
 
     static ServerSettings load(const SettingsStore &store);
     void save(SettingsStore &store) const;

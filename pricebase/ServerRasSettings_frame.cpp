@@ -11,7 +11,7 @@
 
 TServerRasSettings::TServerRasSettings(const ServerSettings &s, QWidget *parent) : QDialog(parent) {
     setObjectName(QStringLiteral("ServerRasSettings"));
-    setWindowTitle(QStringLiteral("Сервер расценок"));
+    setWindowTitle(QStringLiteral("Сервер MySQL"));
     auto *layout = new QVBoxLayout(this);
     auto *form = new QFormLayout;
     auto line = [this](const QString &name, const QString &text) {
@@ -30,12 +30,17 @@ TServerRasSettings::TServerRasSettings(const ServerSettings &s, QWidget *parent)
     EditPassword->setEchoMode(QLineEdit::Password);
     EditTable = line(QStringLiteral("EditTable"), s.table);
     EditTable->setToolTip(QStringLiteral("Латинские буквы, цифры и знак подчёркивания"));
+    EditFilesDatabase = line(QStringLiteral("EditFilesDatabase"), s.filesDatabase);
+    EditFilesDatabase->setPlaceholderText(QStringLiteral("та же, что для расценок"));
+    EditFilesDatabase->setToolTip(QStringLiteral("База, где хранятся файлы пользователя (таблица с именем "
+                                                 "ключа учётной записи)"));
     form->addRow(QStringLiteral("Адрес сервера:"), EditHost);
     form->addRow(QStringLiteral("Порт:"), EditPort);
     form->addRow(QStringLiteral("База данных:"), EditDatabase);
     form->addRow(QStringLiteral("Пользователь:"), EditUser);
     form->addRow(QStringLiteral("Пароль:"), EditPassword);
     form->addRow(QStringLiteral("Таблица расценок:"), EditTable);
+    form->addRow(QStringLiteral("База файлов:"), EditFilesDatabase);
     layout->addLayout(form);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     buttons->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("Отмена"));
@@ -52,6 +57,7 @@ ServerSettings TServerRasSettings::settings() const {
     s.user = EditUser->text();
     s.password = EditPassword->text();
     s.table = EditTable->text().trimmed();
+    s.filesDatabase = EditFilesDatabase->text().trimmed();
     return s;
 }
 

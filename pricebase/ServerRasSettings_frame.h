@@ -1,6 +1,7 @@
 #pragma once
-// TServerRasSettings: where the remote price list lives (address, port, database, user, password,
-// table). The values are kept in IniFile.db, section "Server".
+// TServerRasSettings: the program's MySQL server (address, port, user, password), the database and
+// table of the remote price list and the database of the user's files on the server. The values are
+// kept in IniFile.db, section "Server".
 
 #include "RemotePriceList.h"
 
@@ -21,6 +22,7 @@ public:
     QLineEdit *EditUser = nullptr;
     QLineEdit *EditPassword = nullptr;
     QLineEdit *EditTable = nullptr;
+    QLineEdit *EditFilesDatabase = nullptr;
 
     // Refuses settings that cannot work (no address, a table name with other characters).
     void accept() override;

@@ -188,12 +188,17 @@ QString RemoteClient::serverName() const {
 }
 
 bool RemoteClient::connectionPresent() const {
-    const QHostAddress host(m_base.host());
-    if (m_base.host() == QLatin1String("localhost") || (!host.isNull() && host.isLoopback()))
+    return connectionPresentFor(m_base.host());
+}
+
+bool RemoteClient::connectionPresentFor(const QString &name) {
+    const QHostAddress host(name);
+    if (name == QLatin1String("localhost") || (!host.isNull() && host.isLoopback()))
         return true;
     // Where the system reports its network state, "disconnected" means no request can succeed; where
     // it does not, the request itself reports the failure.
-    static const bool loaded = QNetworkInformation::loadBackendByFeatures(QNetworkInformation::Feature::Reachability);
+    static const bool loaded =
+        QNetworkInformation::loadBackendByFeatures(QNetworkInformation::Feature::Reachability);
     if (!loaded || !QNetworkInformation::instance())
         return true;
     return QNetworkInformation::instance()->reachability() != QNetworkInformation::Reachability::Disconnected;

@@ -93,6 +93,8 @@ public:
     // The connection test before every remote action: false when the system reports no network at
     // all (a server on this computer is always reachable).
     bool connectionPresent() const;
+    // The same test for another server of the program (the MySQL server).
+    static bool connectionPresentFor(const QString &host);
 
     RemoteCall *get(const QString &path, const RemoteLimits &limits = {});
     // A form "a=1&b=2" (application/x-www-form-urlencoded).

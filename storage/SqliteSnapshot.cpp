@@ -95,6 +95,25 @@ QString makeTemp(const QString &targetPath, QString *error) {
     return QFile::decodeName(pattern);
 }
 
+// Copies every page of `from` into `to` (the backup API retries while another writer holds `to`).
+int backupAll(sqlite3 *to, sqlite3 *from) {
+    sqlite3_backup *b = sqlite3_backup_init(to, "main", from, "main");
+    if (!b)
+        return sqlite3_errcode(to);
+    int rc = SQLITE_OK;
+    int retries = 0;
+    do {
+        rc = sqlite3_backup_step(b, -1);
+        if (rc == SQLITE_BUSY || rc == SQLITE_LOCKED) {
+            if (++retries > kBusyRetries)
+                break;
+            sqlite3_sleep(kBusySleepMs);
+        }
+    } while (rc == SQLITE_OK || rc == SQLITE_BUSY || rc == SQLITE_LOCKED);
+    sqlite3_backup_finish(b);
+    return rc == SQLITE_DONE ? SQLITE_OK : rc;
+}
+
 // Backs up `from` into the empty file at `tempPath`.
 QString backup(sqlite3 *from, const QString &tempPath, const Seal &seal) {
     sqlite3 *to = nullptr;
@@ -107,23 +126,9 @@ QString backup(sqlite3 *from, const QString &tempPath, const Seal &seal) {
     // The whole file is flushed once at the end; a failure before that throws the file away.
     sqlite3_exec(to, "PRAGMA synchronous=OFF;", nullptr, nullptr, nullptr);
     QString why;
-    sqlite3_backup *b = sqlite3_backup_init(to, "main", from, "main");
-    if (!b) {
-        why = sqliteText(to, sqlite3_errcode(to));
-    } else {
-        int retries = 0;
-        do {
-            rc = sqlite3_backup_step(b, -1);
-            if (rc == SQLITE_BUSY || rc == SQLITE_LOCKED) {
-                if (++retries > kBusyRetries)
-                    break;
-                sqlite3_sleep(kBusySleepMs);
-            }
-        } while (rc == SQLITE_OK || rc == SQLITE_BUSY || rc == SQLITE_LOCKED);
-        sqlite3_backup_finish(b);
-        if (rc != SQLITE_DONE)
-            why = sqliteText(to, rc);
-    }
+    rc = backupAll(to, from);
+    if (rc != SQLITE_OK)
+        why = sqliteText(to, rc);
     if (why.isEmpty()) {
         // A document file is a plain rollback-journal database, whatever the source used.
         rc = sqlite3_exec(to, "PRAGMA journal_mode=DELETE;", nullptr, nullptr, nullptr);
@@ -292,6 +297,109 @@ QString copyFile(const QString &sourcePath, const QString &targetPath, const Sea
     sqlite3_busy_timeout(from, kBusyRetries * kBusySleepMs);
     const QString why = copyFrom(from, targetPath, seal);
     sqlite3_close(from);
+    return why;
+}
+
+} // namespace SqliteSnapshot
+
+namespace SqliteSnapshot {
+
+namespace {
+
+int pageSize(sqlite3 *db) {
+    sqlite3_stmt *st = nullptr;
+    int size = 0;
+    if (sqlite3_prepare_v2(db, "PRAGMA page_size", -1, &st, nullptr) == SQLITE_OK &&
+        sqlite3_step(st) == SQLITE_ROW)
+        size = sqlite3_column_int(st, 0);
+    sqlite3_finalize(st);
+    return size;
+}
+
+bool inWalMode(sqlite3 *db) {
+    sqlite3_stmt *st = nullptr;
+    bool wal = false;
+    if (sqlite3_prepare_v2(db, "PRAGMA journal_mode", -1, &st, nullptr) == SQLITE_OK &&
+        sqlite3_step(st) == SQLITE_ROW) {
+        const auto *mode = reinterpret_cast<const char *>(sqlite3_column_text(st, 0));
+        wal = mode && qstricmp(mode, "wal") == 0;
+    }
+    sqlite3_finalize(st);
+    return wal;
+}
+
+// A private copy of `source` with the given page size, in a temporary file beside `near`.
+QString resized(sqlite3 *source, int size, const QString &near, QString *error) {
+    const QString temp = makeTemp(near, error);
+    if (temp.isEmpty())
+        return {};
+    sqlite3 *copy = nullptr;
+    int rc = sqlite3_open_v2(QFile::encodeName(temp).constData(), &copy, SQLITE_OPEN_READWRITE, nullptr);
+    if (rc == SQLITE_OK)
+        rc = backupAll(copy, source);
+    if (rc == SQLITE_OK) {
+        const QByteArray sql =
+            "PRAGMA journal_mode=DELETE; PRAGMA page_size=" + QByteArray::number(size) + "; VACUUM;";
+        rc = sqlite3_exec(copy, sql.constData(), nullptr, nullptr, nullptr);
+    }
+    if (rc != SQLITE_OK) {
+        *error = named(near, sqliteText(copy, rc));
+        sqlite3_close(copy);
+        QFile::remove(temp);
+        return {};
+    }
+    sqlite3_close(copy);
+    return temp;
+}
+
+} // namespace
+
+QString restoreInto(const QString &sourcePath, const QString &targetPath) {
+    const QString target = canonicalTarget(targetPath);
+    sqlite3 *from = nullptr;
+    int rc = sqlite3_open_v2(QFile::encodeName(sourcePath).constData(), &from, SQLITE_OPEN_READONLY, nullptr);
+    if (rc != SQLITE_OK) {
+        const QString why = sqliteText(from, rc);
+        sqlite3_close(from);
+        return QStringLiteral("Не удалось прочитать файл «%1»: %2.")
+            .arg(QDir::toNativeSeparators(sourcePath), why);
+    }
+    sqlite3_db_config(from, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite3_exec(from, "PRAGMA trusted_schema=OFF; PRAGMA cell_size_check=ON;", nullptr, nullptr, nullptr);
+    sqlite3 *to = nullptr;
+    rc = sqlite3_open_v2(QFile::encodeName(target).constData(), &to,
+                         SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    QString why;
+    QString resizedCopy;
+    if (rc != SQLITE_OK) {
+        why = named(target, sqliteText(to, rc));
+    } else {
+        sqlite3_busy_timeout(to, kBusyRetries * kBusySleepMs);
+        // A target in write-ahead-log mode takes only pages of its own size.
+        const int targetSize = pageSize(to);
+        if (inWalMode(to) && targetSize > 0 && pageSize(from) != targetSize) {
+            resizedCopy = resized(from, targetSize, target, &why);
+            if (!resizedCopy.isEmpty()) {
+                sqlite3_close(from);
+                from = nullptr;
+                rc = sqlite3_open_v2(QFile::encodeName(resizedCopy).constData(), &from, SQLITE_OPEN_READONLY,
+                                     nullptr);
+                if (rc != SQLITE_OK)
+                    why = named(target, sqliteText(from, rc));
+            }
+        }
+        if (why.isEmpty()) {
+            rc = backupAll(to, from);
+            if (rc != SQLITE_OK)
+                why = named(target, sqliteText(to, rc));
+        }
+    }
+    sqlite3_close(from);
+    sqlite3_close(to);
+    if (!resizedCopy.isEmpty()) {
+        QFile::remove(resizedCopy);
+        QFile::remove(resizedCopy + QStringLiteral("-journal"));
+    }
     return why;
 }
 

@@ -25,6 +25,15 @@ QString saveTo(QSqlDatabase source, const QString &targetPath, const Seal &seal 
 // connection may go on writing to it) to `targetPath`.
 QString copyFile(const QString &sourcePath, const QString &targetPath, const Seal &seal = {});
 
+// Replaces the content of the database `targetPath` (made when missing) by the database file
+// `sourcePath` through SQLite's backup API, in one write transaction of the target: a failure leaves
+// the target as it was, and another program with the target open sees either the old or the new
+// content, never a file renamed under its write-ahead log. The caller closes its own connections to
+// the target first. A source whose page size differs from a target in write-ahead-log mode is first
+// copied with the target's page size. Empty string on success, else a Russian message naming the
+// target.
+QString restoreInto(const QString &sourcePath, const QString &targetPath);
+
 // Opens `path` read-only with defensive settings (trusted_schema=OFF, cell_size_check=ON, the
 // defensive flag) and runs quick_check. Empty string when the file is a sound SQLite database, else
 // the reason in Russian.

@@ -43,7 +43,8 @@ QString sqlName(const QString &shown) {
 }
 
 bool isSafeTableName(const QString &name) {
-    static const QRegularExpression re(QStringLiteral("^[A-Za-z0-9_]+$"));
+    // Anchored at the very end: "$" alone would let a name ending in a line break through.
+    static const QRegularExpression re(QRegularExpression::anchoredPattern(QStringLiteral("[A-Za-z0-9_]+")));
     return re.match(name).hasMatch();
 }
 

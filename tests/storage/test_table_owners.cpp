@@ -37,9 +37,10 @@ TEST(TableOwners, OnlyTheOwnersWriteWhatTheyOwn) {
         {"tables are made by the catalogue's steps",
          R"("\s*CREATE\s+(TEMP\s+)?TABLE)",
          // the settings store's own file; the insertion's scratch table; the remote MySQL list; the sums
-         // a document file carries (written into the file, never into the working database).
+         // a document file carries (written into the file, never into the working database); the user's
+         // table of the remote document store.
          {"storage/Catalogue.cpp", "storage/SettingsStore.cpp", "pricebase/RateInsertion.cpp",
-          "pricebase/RemotePriceList.cpp", "estimate/DocumentChecksum.cpp"}},
+          "pricebase/RemotePriceList.cpp", "estimate/DocumentChecksum.cpp", "server/DocumentStore.cpp"}},
         {"tables of the catalogue are emptied, not dropped",
          R"("\s*DROP\s+TABLE)",
          // the scratch table, the remote list, a leftover table of old documents.

@@ -121,7 +121,7 @@ TEST(TextValues, DateForms) {
 
 TEST(TextValues, TableNamesFromSettings) {
     EXPECT_TRUE(isSafeTableName("price_user_7"));
-    for (const char *bad : {"", "price1; DROP TABLE x", "цены", "a-b", "a b", "`x`"})
+    for (const char *bad : {"", "price1; DROP TABLE x", "цены", "a-b", "a b", "`x`", "files\n"})
         EXPECT_FALSE(isSafeTableName(QString::fromUtf8(bad))) << bad;
 }
 
