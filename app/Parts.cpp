@@ -7,8 +7,9 @@
 #include "calculators/CalculatorsPart.h"
 #include "customers/CustomersPart.h"
 #include "documents/ActsPart.h"
-#include "documents/InvoicePart.h"
 #include "documents/ContractPart.h"
+#include "documents/InvoicePart.h"
+#include "documents/PackagePart.h"
 #include "documents/RegisterPart.h"
 #include "estimate/DocumentFilePart.h"
 #include "estimate/EditorPart.h"
@@ -16,8 +17,8 @@
 #include "estimate/OutputPart.h"
 #include "materials/MaterialsPart.h"
 #include "pricebase/PricePart.h"
-#include "server/ServerPart.h"
 #include "pricebase/ResourcesPart.h"
+#include "server/ServerPart.h"
 
 std::vector<ShellPart *> makeShellParts(QObject *owner) {
     return {
@@ -34,6 +35,7 @@ std::vector<ShellPart *> makeShellParts(QObject *owner) {
         new InvoicePart(owner),      // the payment invoice
         new MaterialsPart(owner),    // materials lists: picking, attaching to rates, spreadsheets
         new ContractPart(owner),     // the contract made from the estimate
+        new PackagePart(owner),      // contract, invoice and acts in one go
         new RegisterPart(owner),     // the register of documents "Мои документы"
     };
 }
