@@ -7,8 +7,8 @@
 #include "calculators/CalculatorsPart.h"
 #include "customers/CustomersPart.h"
 #include "documents/ActsPart.h"
-#include "documents/ContractPart.h"
 #include "documents/InvoicePart.h"
+#include "documents/ContractPart.h"
 #include "documents/PackagePart.h"
 #include "documents/RegisterPart.h"
 #include "estimate/DocumentFilePart.h"
@@ -17,8 +17,8 @@
 #include "estimate/OutputPart.h"
 #include "materials/MaterialsPart.h"
 #include "pricebase/PricePart.h"
-#include "pricebase/ResourcesPart.h"
 #include "server/ServerPart.h"
+#include "pricebase/ResourcesPart.h"
 
 std::vector<ShellPart *> makeShellParts(QObject *owner) {
     return {
