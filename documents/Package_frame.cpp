@@ -3,6 +3,7 @@
 #include "PackageRun.h"
 #include "office/OfficeEngine.h"
 #include "ui/Dialogs.h"
+#include "ui/FormFields.h"
 
 #include <QCheckBox>
 #include <QDateEdit>
@@ -20,18 +21,6 @@
 namespace {
 
 const QString kCaption = QStringLiteral("Пакет документов");
-
-template <typename W> W *named(W *w, const char *name) {
-    w->setObjectName(QString::fromLatin1(name));
-    return w;
-}
-
-QDateEdit *dateEdit(const QDate &date, const char *name, QWidget *parent) {
-    auto *d = named(new QDateEdit(date.isValid() ? date : QDate::currentDate(), parent), name);
-    d->setCalendarPopup(true);
-    d->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
-    return d;
-}
 
 // A row of a group's form: its labels are as wide in every group, so that the fields line up.
 void addRow(QFormLayout *form, const QString &label, QWidget *field) {
@@ -66,7 +55,7 @@ TPackage::TPackage(const Context &context, const PackageRequest &initial, QWidge
     auto *root = new QVBoxLayout(this);
 
     auto *top = new QFormLayout;
-    DateEdit = dateEdit(initial.date, "DateEdit", this);
+    DateEdit = shortDateEdit(initial.date, "DateEdit", this);
     DateEdit->setMaximumWidth(160);
     addRow(top, QStringLiteral("Дата пакета"), DateEdit);
     EditDir = named(new QLineEdit(initial.folder, this), "EditDir");
@@ -129,7 +118,7 @@ QGroupBox *TPackage::buildContract() {
     form->addRow(CheckBoxContract);
     EditNumContract = named(new QLineEdit(GroupContract), "EditNumContract");
     addRow(form, QStringLiteral("Номер"), EditNumContract);
-    DateContractEnd = dateEdit(QDate(), "DateContractEnd", GroupContract);
+    DateContractEnd = shortDateEdit(QDate(), "DateContractEnd", GroupContract);
     DateContractEnd->setMaximumWidth(160);
     addRow(form, QStringLiteral("Предположительная дата окончания"), DateContractEnd);
     RadioContractDoc = named(new QRadioButton(QStringLiteral("DOC"), GroupContract), "RadioContractDoc");
@@ -163,7 +152,7 @@ QGroupBox *TPackage::buildActs() {
     kinds->addWidget(CheckBoxAct);
     kinds->addStretch(1);
     form->addRow(kinds);
-    DateKS2End = dateEdit(QDate(), "DateKS2End", GroupAct);
+    DateKS2End = shortDateEdit(QDate(), "DateKS2End", GroupAct);
     DateKS2End->setMaximumWidth(160);
     addRow(form, QStringLiteral("Предположительная дата окончания"), DateKS2End);
     // The act's number: its text number, "-" and the number (the customer/object counter).
