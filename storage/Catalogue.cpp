@@ -260,6 +260,12 @@ QList<SchemaStep> matSteps() {
               "date_compare TEXT, dataoffs DATE, note TEXT)")}},
         // The write-off report looks the warehouse up by customer and by object.
         {2, "materials", {}, {index("storage", {"customer"}), index("storage", {"object"})}},
+        // The warehouse: stock rows are the rows without a write-off date; the report filters a
+        // customer's write-offs by period.
+        {3,
+         "materials",
+         {},
+         {index("storage", {"dataoffs"}), index("storage", {"customer", "date_compare"})}},
     };
 }
 
