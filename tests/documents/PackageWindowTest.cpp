@@ -13,6 +13,7 @@
 #include "documents/MyDocuments_frame.h"
 #include "documents/PackagePart.h"
 #include "documents/Package_frame.h"
+#include "documents/RegisterModel.h"
 #include "documents/RegisterPart.h"
 #include "storage/SettingsStore.h"
 
@@ -49,13 +50,13 @@ protected:
         ASSERT_EQ(contractors.add("Соболев", &id), RegisterStatus::Ok);
     }
     // A saved estimate with one work, entered in the register.
-    QString saveEstimate() {
+    QString saveEstimate(const QString &file = "Sm/Ванная.sim", int number = 9) {
         EstimateDocument &doc = window->document();
         EstimateHeader::Values h = doc.header();
         h.customer = "Кудрявцев О. Н.";
         h.object = "Ванная";
         h.contractor = "Соболев";
-        h.number = 9;
+        h.number = number;
         h.date = QDate(2026, 3, 2);
         doc.setHeader(h);
         EstimateGrid &g = doc.grid();
@@ -63,7 +64,8 @@ protected:
         g.setData(g.index(row, EstimateCol::Name), "Укладка плитки", Qt::EditRole);
         g.setData(g.index(row, EstimateCol::Qty), "10", Qt::EditRole);
         g.setData(g.index(row, EstimateCol::Price), "1500", Qt::EditRole);
-        const QString path = folder.file("Sm/Ванная.sim");
+        const QString path = folder.file(file);
+        QDir().mkpath(QFileInfo(path).absolutePath());
         dialogs->queueFile(path);
         EXPECT_TRUE(window->spdSaveClick());
         return path;
@@ -76,6 +78,16 @@ protected:
         if (frame)
             frame->GridDoc->selectRow(0);
         return frame;
+    }
+    // Chooses the register's row of the estimate file.
+    void chooseRow(TMyDocuments *frame, const QString &path) {
+        QAbstractItemModel *m = frame->GridDoc->model();
+        for (int row = 0; row < m->rowCount(); ++row)
+            if (QFileInfo(m->index(row, RegisterCol::FileName).data().toString()) == QFileInfo(path)) {
+                frame->GridDoc->selectRow(row);
+                return;
+            }
+        ADD_FAILURE() << "no register row for " << path.toStdString();
     }
     TPackage *package() { return window->part<PackagePart>()->packageWindow(); }
     QStringList rowsOf(const char *sql) { return queryRows(module->database(Db::MyDoc), sql); }
@@ -231,3 +243,49 @@ TEST_F(PackageWindow, TheRegisterWritesInvoiceAndContract) {
 }
 
 } // namespace
+
+// The register's invoice, contract and package act on the row chosen there: its estimate is opened in
+// the main window first (another estimate open there is asked about when it has changes).
+TEST_F(PackageWindow, TheRegisterActsOnTheChosenRow) {
+    const QString bath = saveEstimate("Sm/Ванная.sim", 9);
+    window->part<DocumentFilePart>()->CreateNewDoc();
+    const QString kitchen = saveEstimate("Sm/Кухня/Кухня.sim", 12);
+    TMyDocuments *frame = registerWithRow();
+    ASSERT_NE(frame, nullptr);
+    ASSERT_EQ(frame->GridDoc->model()->rowCount(), 2);
+
+    struct Case {
+        const char *action;
+        QString estimate;
+    };
+    for (const Case &c : {Case{"ToolPackage", bath}, Case{"ToolAccount", kitchen}, Case{"ToolContract", bath},
+                          Case{"ToolPackage", kitchen}}) {
+        SCOPED_TRACE(c.action);
+        chooseRow(frame, c.estimate);
+        child<QAction>(frame, c.action)->trigger();
+        EXPECT_EQ(QFileInfo(window->document().fileName()), QFileInfo(c.estimate));
+        if (QLatin1String(c.action) == QLatin1String("ToolPackage")) {
+            TPackage *w = package();
+            ASSERT_NE(w, nullptr);
+            EXPECT_EQ(w->EditDir->text(), QFileInfo(c.estimate).absolutePath());
+            EXPECT_EQ(w->EditNumContract->text(), c.estimate == bath ? "9" : "12");
+            QTest::mouseClick(w->btnCancel, Qt::LeftButton);
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        } else if (QLatin1String(c.action) == QLatin1String("ToolAccount")) {
+            TFAccount *invoice = window->part<InvoicePart>()->invoiceWindow();
+            ASSERT_NE(invoice, nullptr);
+            EXPECT_TRUE(invoice->isVisible());
+            invoice->close();
+        } else {
+            EXPECT_EQ(window->pages()->currentWidget(), window->part<ContractPart>()->contract());
+        }
+    }
+
+    // A changed estimate is asked about before the chosen one replaces it; "Отмена" keeps it open.
+    edit("Затирка швов");
+    chooseRow(frame, bath);
+    dialogs->queueAnswer(Dialogs::Answer::Cancel);
+    child<QAction>(frame, "ToolAccount")->trigger();
+    EXPECT_EQ(dialogs->lastText(), "Сохранить файл?");
+    EXPECT_EQ(QFileInfo(window->document().fileName()), QFileInfo(kitchen));
+}
