@@ -9,6 +9,7 @@
 #include "documents/ActsPart.h"
 #include "documents/ContractPart.h"
 #include "documents/InvoicePart.h"
+#include "documents/PackagePart.h"
 #include "documents/RegisterPart.h"
 #include "estimate/DocumentFilePart.h"
 #include "estimate/EditorPart.h"
@@ -38,6 +39,7 @@ std::vector<ShellPart *> makeShellParts(QObject *owner) {
         new WarehousePart(owner),    // the warehouse, taking from it, the report of sold materials
         new ContractPart(owner),     // the contract made from the estimate
         new ServerFilesPart(owner),  // the user's files on the server, the upload after save
+        new PackagePart(owner),      // contract, invoice and acts in one go
         new RegisterPart(owner),     // the register of documents "Мои документы"
     };
 }

@@ -1,6 +1,7 @@
 #include "Startup.h"
 
 #include "TForm1.h"
+#include "documents/PackageCommand.h"
 #include "estimate/EstimateDocument.h"
 #include "estimate/EstimateExport.h"
 #include "storage/DataFolder.h"
@@ -58,10 +59,21 @@ int exportDocument(const QString &document, const QString &out) {
     return 0;
 }
 
+// --package FILE.sim OUTDIR [--pdf] [--date DD.MM.YYYY]: the estimate's contract, invoice and acts without
+// a window, registered in the data folder's register.
+int makePackage(const QStringList &arguments) {
+    const QString folder =
+        DataFolder::decide(arguments.mid(0, 1), DataFolder::storedFolder(), QDir::currentPath()).folder;
+    QTextStream out(stdout);
+    return PackageCommand::run(arguments, folder, out, err());
+}
+
 void usage() {
     QTextStream(stdout) << "virn-smeta [FILE.sim]                  открыть программу (и документ)\n"
                            "virn-smeta --export FILE.sim OUT.pdf   вывести смету документа в PDF без окна\n"
                            "virn-smeta --export FILE.sim OUT.xls   то же в таблицу Excel\n"
+                           "virn-smeta --package FILE.sim OUTDIR [--pdf] [--date ДД.ММ.ГГГГ]\n"
+                           "                                       договор, счёт и акты сметы без окна\n"
                            "virn-smeta --prepare-data DIR          создать папку данных с базами\n";
 }
 
@@ -78,6 +90,12 @@ int virnMain(int argc, char **argv) {
         QCoreApplication core(argc, argv);
         QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
         return exportDocument(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3]));
+    }
+    if (argc >= 2 && qstrcmp(argv[1], "--package") == 0) {
+        // No window: works on machines without a display.
+        QCoreApplication core(argc, argv);
+        QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
+        return makePackage(core.arguments().mid(2));
     }
     if (argc >= 3 && qstrcmp(argv[1], "--prepare-data") == 0) {
         // No window: works on machines without a display.

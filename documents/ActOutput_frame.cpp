@@ -2,6 +2,7 @@
 
 #include "estimate/EstimateHeader.h"
 #include "ui/Dialogs.h"
+#include "ui/FormFields.h"
 
 #include <QDateEdit>
 #include <QDialogButtonBox>
@@ -12,19 +13,6 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-namespace {
-template <typename W> W *named(W *w, const char *name) {
-    w->setObjectName(QString::fromLatin1(name));
-    return w;
-}
-QDateEdit *dateEdit(const QDate &date, const char *name, QWidget *parent) {
-    auto *d = named(new QDateEdit(date.isValid() ? date : QDate::currentDate(), parent), name);
-    d->setCalendarPopup(true);
-    d->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
-    return d;
-}
-} // namespace
-
 TActOutput::TActOutput(const ActRequest &defaults, bool dateNumbering, bool yearFirst, QWidget *parent)
     : QDialog(parent), m_kind(defaults.kind), m_dateNumbering(dateNumbering), m_yearFirst(yearFirst) {
     setObjectName(QStringLiteral("ActOutput"));
@@ -33,8 +21,8 @@ TActOutput::TActOutput(const ActRequest &defaults, bool dateNumbering, bool year
     auto *root = new QVBoxLayout(this);
     auto *form = new QFormLayout;
     EditNumAkt = named(new QLineEdit(defaults.number, this), "EditNumAkt");
-    DateEdit = dateEdit(defaults.date, "DateEdit", this);
-    DateKS2End = dateEdit(defaults.endDate, "DateKS2End", this);
+    DateEdit = shortDateEdit(defaults.date, "DateEdit", this);
+    DateKS2End = shortDateEdit(defaults.endDate, "DateKS2End", this);
     form->addRow(QStringLiteral("Номер"), EditNumAkt);
     form->addRow(QStringLiteral("Дата"), DateEdit);
     if (ActKinds::hasEndDate(m_kind))

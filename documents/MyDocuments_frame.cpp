@@ -316,6 +316,10 @@ QToolBar *TMyDocuments::buildOutputActions() {
     output("ToolPrint", QStringLiteral("Печать"), RegisterCommands::Output::Print);
     output("ToolPDF", QStringLiteral("Экспорт в формат PDF"), RegisterCommands::Output::Pdf);
     output("ToolExcel", QStringLiteral("Экспорт в формат Excel"), RegisterCommands::Output::Excel);
+    bar->addSeparator();
+    output("ToolAccount", QStringLiteral("Выписать счёт"), RegisterCommands::Output::Invoice);
+    output("ToolContract", QStringLiteral("Составить договор"), RegisterCommands::Output::Contract);
+    output("ToolPackage", QStringLiteral("Создать пакет документов"), RegisterCommands::Output::Package);
     return bar;
 }
 

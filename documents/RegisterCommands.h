@@ -1,13 +1,14 @@
 #pragma once
 // What the register window asks of the main window: the estimate open there, the question about its
-// unsaved changes, opening another file in its place and the estimate's printed forms. The register's
-// part gives it; the window never sees the main window itself.
+// unsaved changes, opening another file in its place, the estimate's printed forms and the documents
+// made from it. The register's part gives it; the window never sees the main window itself.
 
 #include <QString>
 
 class RegisterCommands {
 public:
-    enum class Output { Preview, Print, Pdf, Excel };
+    // The estimate's printed forms; the invoice and contract windows; the document package.
+    enum class Output { Preview, Print, Pdf, Excel, Invoice, Contract, Package };
 
     virtual ~RegisterCommands() = default;
     // The file of the estimate open in the main window (empty for a new, unsaved one).
@@ -18,6 +19,7 @@ public:
     // Opens the file in the main window without a question; false when it could not be opened (the
     // user has been told why).
     virtual bool openEstimate(const QString &path) = 0;
-    // The main window's own preview, print, PDF or spreadsheet command for the open estimate.
+    // The main window's own preview, print, PDF or spreadsheet command for the open estimate, or its
+    // invoice, contract or package window.
     virtual void output(Output kind) = 0;
 };

@@ -1,6 +1,9 @@
 #include "RegisterPart.h"
 
+#include "ContractPart.h"
+#include "InvoicePart.h"
 #include "MyDocuments_frame.h"
+#include "PackagePart.h"
 #include "customers/CustomersPart.h"
 #include "estimate/DocumentFilePart.h"
 #include "estimate/EstimateDocument.h"
@@ -29,8 +32,10 @@ void RegisterPart::attach(MainShell &shell) {
     connect(open, &QAction::triggered, this, &RegisterPart::MMyDocumentsClick);
     connect(item, &QAction::triggered, this, &RegisterPart::MMyDocumentsClick);
 
-    // A save writes the estimate's row: the register shows it at once.
+    // A save writes the estimate's row, a package its files: the register shows them at once.
     connect(&shell.document(), &EstimateDocument::saved, this, &RegisterPart::refreshShown);
+    if (auto *package = shell.part<PackagePart>())
+        connect(package, &PackagePart::packageMade, this, &RegisterPart::refreshShown);
 }
 
 void RegisterPart::documentLoaded() {
@@ -90,20 +95,38 @@ bool RegisterPart::openEstimate(const QString &path) {
 
 void RegisterPart::output(Output kind) {
     OutputPart *out = m_shell->part<OutputPart>();
-    if (!out)
-        return;
     switch (kind) {
     case Output::Preview:
-        out->MPreviewClick();
+        if (out)
+            out->MPreviewClick();
         break;
     case Output::Print:
-        out->MPrintClick();
+        if (out)
+            out->MPrintClick();
         break;
     case Output::Pdf:
-        out->MExportPDFClick();
+        if (out)
+            out->MExportPDFClick();
         break;
     case Output::Excel:
-        out->MExportExcelClick();
+        if (out)
+            out->MExportExcelClick();
+        break;
+    case Output::Invoice:
+        if (auto *invoice = m_shell->part<InvoicePart>())
+            invoice->showInvoice();
+        break;
+    case Output::Contract:
+        if (auto *contract = m_shell->part<ContractPart>()) {
+            contract->showContract();
+            // The contract is a page of the main window.
+            m_shell->window()->raise();
+            m_shell->window()->activateWindow();
+        }
+        break;
+    case Output::Package:
+        if (auto *package = m_shell->part<PackagePart>())
+            package->showPackage(m_window);
         break;
     }
 }

@@ -50,5 +50,9 @@ if "$bin" --help 2>/dev/null | grep -q -- '--export'; then
   QT_QPA_PLATFORM=offscreen "$bin" --export "$estimate" "$out/Образец сметы.pdf"
   QT_QPA_PLATFORM=offscreen "$bin" --export "$estimate" "$out/Образец сметы.xls"
 fi
+if "$bin" --help 2>/dev/null | grep -q -- '--package'; then
+  # The sample's contract, invoice and acts, entered in the sample's register.
+  QT_QPA_PLATFORM=offscreen "$bin" --package "$estimate" "$out/Пакет документов"
+fi
 echo "Документы примера: $out"
 ls -1 "$out"
