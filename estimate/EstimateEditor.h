@@ -12,6 +12,7 @@
 // A change made outside any scope is recorded as a step of its own when control returns to the event
 // loop.
 
+#include "RowDiff.h"
 #include "storage/Catalogue.h"
 #include "storage/Money.h"
 
@@ -56,6 +57,19 @@ public:
 
     private:
         QPointer<EstimateEditor> m_editor;
+    };
+
+    // While a document is read into the grids (and reset() follows) the totals and the crew sheet
+    // only take note; they are brought current once, when the last guard goes.
+    class Loading {
+    public:
+        explicit Loading(EstimateEditor &editor);
+        ~Loading();
+        Loading(const Loading &) = delete;
+        Loading &operator=(const Loading &) = delete;
+
+    private:
+        EstimateEditor &m_editor;
     };
 
     EstimateGrid *grid() const { return m_grid; }
@@ -153,9 +167,10 @@ signals:
     void undoStateChanged();
     // problemCells() changed.
     void problemsChanged();
-    // A committed, undone or redone step inserted, removed or re-quantified rows of these rates
-    // (idRas, NamePrice): the estimate's materials from norms may need recomputing.
-    void ratesAffected(const QList<QPair<QString, QString>> &rates);
+    // A committed, undone or redone step inserted, removed or re-quantified rows of rates (their
+    // quantity, idRas or NamePrice differs): each such row before and after the step. The estimate's
+    // materials from norms follow them.
+    void rateRowsChanged(const QList<RowDiff::Change> &changes);
 
 private:
     friend class Scope;
