@@ -50,7 +50,8 @@ QString open(TModuleSQL &module, const QString &path) {
     const QString staging = QFileInfo(working).absolutePath() +
                             QStringLiteral("/.smeta-open-%1.db").arg(QCoreApplication::applicationPid());
     removeWithCompanions(staging);
-    why = SqliteSnapshot::copyFile(path, staging);
+    // The working database is scratch: it is checked below and replaced by the next open anyway.
+    why = SqliteSnapshot::copyFile(path, staging, SqliteSnapshot::Keep::Scratch);
     if (!why.isEmpty()) {
         removeWithCompanions(staging);
         return QStringLiteral("Не удалось открыть документ «%1». %2").arg(shown(path), why);
@@ -58,8 +59,6 @@ QString open(TModuleSQL &module, const QString &path) {
     why = OldFormat::upgrade(staging);
     if (why.isEmpty())
         why = SqliteSnapshot::check(staging);
-    if (why.isEmpty() && !SqliteSnapshot::syncPath(staging))
-        why = QStringLiteral("не удалось записать копию на диск");
     if (!why.isEmpty()) {
         removeWithCompanions(staging);
         return notADocument(path, why);
@@ -70,7 +69,7 @@ QString open(TModuleSQL &module, const QString &path) {
     module.close(Db::Smeta);
     for (const char *suffix : {"-journal", "-wal", "-shm"})
         QFile::remove(working + QLatin1String(suffix));
-    why = SqliteSnapshot::replaceFile(staging, working);
+    why = SqliteSnapshot::replaceFile(staging, working, SqliteSnapshot::Keep::Scratch);
     module.database(Db::Smeta);
     if (!why.isEmpty()) {
         removeWithCompanions(staging);

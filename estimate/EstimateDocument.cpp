@@ -286,6 +286,7 @@ EstimateDocument::Result EstimateDocument::newDocument(bool draft) {
     }
     {
         QScopedValueRollback<int> loading(m_loading, m_loading + 1);
+        EstimateEditor::Loading reading(*m_editor);
         m_draft = draft;
         m_lock.reset();
         QString error;
@@ -347,6 +348,7 @@ EstimateDocument::Result EstimateDocument::open(const QString &fileName, const L
     }
 
     QScopedValueRollback<int> loading(m_loading, m_loading + 1);
+    EstimateEditor::Loading reading(*m_editor); // one pass of totals and crew sheet after the reading
     QSqlDatabase db = m_module->database(Db::Smeta);
     m_draft = Registration::draftAfterOpen(
         Registration::note(db), DocumentFile::isInside(path, DocumentFile::draftsFolder(dataFolder())));

@@ -6,13 +6,13 @@
 #include "storage/ModuleSQL.h"
 #include "storage/Money.h"
 #include "storage/Schema.h"
+#include "storage/SqliteRows.h"
 #include "storage/TextValues.h"
 #include "storage/Transaction.h"
 
 #include <QDate>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QSqlRecord>
 #include <QVariant>
 
 namespace EstimateStore {
@@ -25,41 +25,49 @@ bool fail(const QSqlQuery &q, QString *error) {
     return false;
 }
 
-QString field(const QSqlQuery &q, const QSqlRecord &rec, const char *name) {
-    const int i = rec.indexOf(QLatin1String(name));
-    return i < 0 ? QString() : q.value(i).toString();
-}
-
 } // namespace
 
 bool readSmeta(QSqlDatabase db, EstimateGrid &grid, CrewGrid &crew, QString *error) {
-    QSqlQuery q(db);
-    q.setForwardOnly(true);
-    if (!q.exec(QStringLiteral("SELECT * FROM smeta WHERE 1")))
-        return fail(q, error);
-    const QSqlRecord rec = q.record();
+    // Thousands of rows: read through the C interface, each text decoded once.
+    SqliteRows q(db, QStringLiteral("SELECT * FROM smeta WHERE 1"));
+    if (!q.ok()) {
+        if (error)
+            *error = q.error();
+        return false;
+    }
+    // Documents of other versions may lack columns or hold them in another order.
+    const int iNum = q.column("numpos"), iRas = q.column("edras"), iName = q.column("nameras"),
+              iUnit = q.column("edizm"), iQty = q.column("kolvo"), iPrice = q.column("price"),
+              iSum = q.column("summa"), iIdRas = q.column("idRas"), iIdWork = q.column("idwork"),
+              iId = q.column("_id"), iNamePrice = q.column("NamePrice"), iKind = q.column("section"),
+              iMachine = q.column("machine"), iMat = q.column("mat"), iTotal = q.column("total"),
+              iKoef = q.column("KoefBrig");
     std::vector<QStringList> rows;
     std::vector<QStringList> crewRows;
+    QStringList emptyCrew;
+    for (int c = 0; c < CrewCol::Count; ++c)
+        emptyCrew << QString();
     while (q.next()) {
         QStringList cells;
+        cells.reserve(EstimateCol::Count);
         for (int c = 0; c < EstimateCol::Count; ++c)
             cells << QString();
-        cells[EstimateCol::Num] = field(q, rec, "numpos");
-        cells[EstimateCol::Ras] = field(q, rec, "edras");
-        cells[EstimateCol::Name] = field(q, rec, "nameras");
-        cells[EstimateCol::Unit] = field(q, rec, "edizm");
-        cells[EstimateCol::Qty] = field(q, rec, "kolvo");
-        cells[EstimateCol::Price] = field(q, rec, "price");
-        cells[EstimateCol::Sum] = field(q, rec, "summa");
-        cells[EstimateCol::IdRas] = field(q, rec, "idRas");
-        const QString idwork = field(q, rec, "idwork");
+        cells[EstimateCol::Num] = q.text(iNum);
+        cells[EstimateCol::Ras] = q.text(iRas);
+        cells[EstimateCol::Name] = q.text(iName);
+        cells[EstimateCol::Unit] = q.text(iUnit);
+        cells[EstimateCol::Qty] = q.text(iQty);
+        cells[EstimateCol::Price] = q.text(iPrice);
+        cells[EstimateCol::Sum] = q.text(iSum);
+        cells[EstimateCol::IdRas] = q.text(iIdRas);
+        const QString idwork = q.text(iIdWork);
         // Older documents have no work ids: the record key stands in.
-        cells[EstimateCol::IdDoc] = idwork.isEmpty() ? field(q, rec, "_id") : idwork;
-        cells[EstimateCol::NamePrice] = field(q, rec, "NamePrice");
-        cells[EstimateCol::Kind] = field(q, rec, "section");
-        const QString machine = field(q, rec, "machine");
-        const QString mat = field(q, rec, "mat");
-        const QString total = field(q, rec, "total");
+        cells[EstimateCol::IdDoc] = idwork.isEmpty() ? q.text(iId) : idwork;
+        cells[EstimateCol::NamePrice] = q.text(iNamePrice);
+        cells[EstimateCol::Kind] = q.text(iKind);
+        const QString machine = q.text(iMachine);
+        const QString mat = q.text(iMat);
+        const QString total = q.text(iTotal);
         cells[EstimateCol::Machine] = machine;
         cells[EstimateCol::Material] = mat;
         cells[EstimateCol::Total] = total;
@@ -71,13 +79,21 @@ bool readSmeta(QSqlDatabase db, EstimateGrid &grid, CrewGrid &crew, QString *err
                 (totalValue - Money::parse(mat).valueOr(Money()) - Money::parse(machine).valueOr(Money()))
                     .text();
         cells[EstimateCol::Itogo] = cells[EstimateCol::Sum];
-        rows.push_back(cells);
+        rows.push_back(std::move(cells));
 
-        QStringList crewCells;
-        for (int c = 0; c < CrewCol::Count; ++c)
-            crewCells << QString();
-        crewCells[CrewCol::Koef] = field(q, rec, "KoefBrig");
-        crewRows.push_back(crewCells);
+        const QString koef = q.text(iKoef);
+        if (koef.isEmpty()) {
+            crewRows.push_back(emptyCrew); // shared until someone writes into it
+        } else {
+            QStringList crewCells = emptyCrew;
+            crewCells[CrewCol::Koef] = koef;
+            crewRows.push_back(std::move(crewCells));
+        }
+    }
+    if (!q.error().isEmpty()) {
+        if (error)
+            *error = q.error();
+        return false;
     }
     grid.setAllRows(std::move(rows));
     crew.setAllRows(std::move(crewRows));
@@ -189,6 +205,10 @@ Parameters defaultActSettings() {
 }
 
 bool writeDefaultActSettings(QSqlDatabase db) {
+    // One transaction (a savepoint inside a caller's): one write of the file, not one per setting.
+    Transaction t(db);
+    if (!t.active())
+        return false;
     QSqlQuery q(db);
     q.prepare(QStringLiteral("INSERT INTO ks2 (name, value) VALUES (?, ?)"));
     for (const auto &p : defaultActSettings()) {
@@ -197,7 +217,7 @@ bool writeDefaultActSettings(QSqlDatabase db) {
         if (!q.exec())
             return false;
     }
-    return true;
+    return t.commit();
 }
 
 bool writeDefaultKoefLines(QSqlDatabase db) {

@@ -234,4 +234,8 @@ QString shareConnection(QSqlDatabase db) {
     return {};
 }
 
+void scratchConnection(QSqlDatabase db) {
+    QSqlQuery(db).exec(QStringLiteral("PRAGMA synchronous = OFF"));
+}
+
 } // namespace Schema

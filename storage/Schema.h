@@ -48,4 +48,9 @@ bool clearTables(QSqlDatabase db, const QStringList &tables, QString *error = nu
 inline constexpr int kBusyTimeoutMs = 5000;
 QString shareConnection(QSqlDatabase db);
 
+// Settings of a connection to the working estimate: a scratch copy that every start and every open
+// replaces and that a save copies durably into the document file (flushed there). Its own commits
+// do not wait for the disk; its rollback journal still keeps each of them whole if the program stops.
+void scratchConnection(QSqlDatabase db);
+
 } // namespace Schema

@@ -135,8 +135,8 @@ QString backup(sqlite3 *from, const QString &tempPath) {
     return why;
 }
 
-QString finish(const QString &tempPath, const QString &targetPath) {
-    QString why = check(tempPath);
+QString finish(const QString &tempPath, const QString &targetPath, Keep keep) {
+    QString why = keep == Keep::Durable ? check(tempPath) : QString();
     if (why.isEmpty()) {
         // The new file keeps the rights of the one it replaces; a new one gets the usual rights.
         const QFileDevice::Permissions perms =
@@ -145,11 +145,11 @@ QString finish(const QString &tempPath, const QString &targetPath) {
                 : (QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadUser |
                    QFileDevice::WriteUser | QFileDevice::ReadGroup | QFileDevice::ReadOther);
         QFile::setPermissions(tempPath, perms);
-        if (!syncPath(tempPath))
+        if (keep == Keep::Durable && !syncPath(tempPath))
             why = QStringLiteral("не удалось записать данные на диск");
     }
     if (why.isEmpty())
-        why = replaceFile(tempPath, targetPath);
+        why = replaceFile(tempPath, targetPath, keep);
     if (!why.isEmpty()) {
         QFile::remove(tempPath);
         QFile::remove(tempPath + QStringLiteral("-journal"));
@@ -158,7 +158,7 @@ QString finish(const QString &tempPath, const QString &targetPath) {
     return {};
 }
 
-QString copyFrom(sqlite3 *from, const QString &targetPath) {
+QString copyFrom(sqlite3 *from, const QString &targetPath, Keep keep) {
     const QString target = canonicalTarget(targetPath);
     if (!QFileInfo(QFileInfo(target).absolutePath()).isDir())
         return named(target, QStringLiteral("папка «%1» не существует")
@@ -173,7 +173,7 @@ QString copyFrom(sqlite3 *from, const QString &targetPath) {
         QFile::remove(temp + QStringLiteral("-journal"));
         return named(target, why);
     }
-    return finish(temp, target);
+    return finish(temp, target, keep);
 }
 
 } // namespace
@@ -221,11 +221,12 @@ bool syncPath(const QString &path) {
     return ok;
 }
 
-QString replaceFile(const QString &from, const QString &to) {
+QString replaceFile(const QString &from, const QString &to, Keep keep) {
     if (::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) != 0)
         return errnoText(errno);
     // The rename itself is durable only once the folder is flushed.
-    syncPath(QFileInfo(to).absolutePath());
+    if (keep == Keep::Durable)
+        syncPath(QFileInfo(to).absolutePath());
     return {};
 }
 
@@ -269,10 +270,10 @@ QString saveTo(QSqlDatabase source, const QString &targetPath) {
         from = *static_cast<sqlite3 *const *>(h.data());
     if (!from)
         return named(targetPath, QStringLiteral("рабочая база не открыта"));
-    return copyFrom(from, targetPath);
+    return copyFrom(from, targetPath, Keep::Durable);
 }
 
-QString copyFile(const QString &sourcePath, const QString &targetPath) {
+QString copyFile(const QString &sourcePath, const QString &targetPath, Keep keep) {
     sqlite3 *from = nullptr;
     const int rc =
         sqlite3_open_v2(QFile::encodeName(sourcePath).constData(), &from, SQLITE_OPEN_READONLY, nullptr);
@@ -283,7 +284,7 @@ QString copyFile(const QString &sourcePath, const QString &targetPath) {
             .arg(QDir::toNativeSeparators(sourcePath), why);
     }
     sqlite3_busy_timeout(from, kBusyRetries * kBusySleepMs);
-    const QString why = copyFrom(from, targetPath);
+    const QString why = copyFrom(from, targetPath, keep);
     sqlite3_close(from);
     return why;
 }
