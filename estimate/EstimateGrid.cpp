@@ -39,6 +39,7 @@ EstimateGrid::EstimateGrid(QObject *parent) : EstimateGridRows(parent) {
 
 EstimateGrid::Row EstimateGrid::emptyRow() const {
     Row r;
+    r.cells.reserve(EstimateCol::Count);
     for (int c = 0; c < EstimateCol::Count; ++c)
         r.cells << QString();
     return r;
@@ -101,9 +102,13 @@ void EstimateGrid::setAllRows(std::vector<QStringList> rows) {
     m_rows.clear();
     m_rows.reserve(rows.size());
     for (QStringList &cells : rows) {
-        Row r = emptyRow();
-        for (int c = 0; c < EstimateCol::Count && c < cells.size(); ++c)
-            r.cells[c] = std::move(cells[c]);
+        // The given lists are kept (5,000 rows of 17 cells): only made to the grid's width.
+        Row r;
+        if (cells.size() > EstimateCol::Count)
+            cells.resize(EstimateCol::Count);
+        while (cells.size() < EstimateCol::Count)
+            cells << QString();
+        r.cells = std::move(cells);
         m_rows.push_back(std::move(r));
     }
     if (m_rows.empty())

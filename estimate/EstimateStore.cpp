@@ -288,15 +288,16 @@ bool createNewDoc(TModuleSQL &module, EstimateGrid &grid, CrewGrid &crew, QStrin
             *error = why;
         return false;
     }
-    // The emptied pages are given back, so that a document file holds no remains of the last one.
-    QSqlQuery(smeta).exec(QStringLiteral("VACUUM"));
+    // What was deleted is overwritten already (secure_delete of the working database): a document
+    // file holds no remains of the last one. The file is compacted only when much of it is free.
+    Schema::compactIfWorthIt(smeta);
 
     QSqlDatabase actions = module.database(Db::ReturnAction);
     if (actions.isOpen()) {
         if (!Schema::clearTables(actions, {QStringLiteral("ReturnAction"), QStringLiteral("PopupMenuEdit")},
                                  error))
             return false;
-        QSqlQuery(actions).exec(QStringLiteral("VACUUM"));
+        Schema::compactIfWorthIt(actions);
     }
     return true;
 }

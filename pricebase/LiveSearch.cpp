@@ -10,32 +10,58 @@ void LiveSearch::load(const std::vector<RateRow> &rows) {
     loadNames(names);
 }
 
+namespace {
+
+// The byte that stands for a lower-cased UTF-16 unit: ASCII as itself, the Cyrillic letters
+// (а…я 0x80…0x9F, ѐ…џ 0xA0…0xAF), anything else kOther. NUL is kept for the ends of names.
+constexpr uchar kOther = 0xFF;
+
+uchar foldedByte(char16_t c) {
+    if (c < 0x80)
+        return c >= 'A' && c <= 'Z' ? uchar(c + ('a' - 'A')) : (c == 0 ? kOther : uchar(c));
+    if (c >= 0x400 && c <= 0x45F) {
+        if (c >= 0x410 && c <= 0x42F) // А…Я
+            c += 0x20;
+        else if (c < 0x410) // Ѐ…Џ
+            c += 0x50;
+        return c < 0x450 ? uchar(0x80 + (c - 0x430)) : uchar(0xA0 + (c - 0x450));
+    }
+    const char16_t lower = QChar::toLower(c);
+    return lower != c ? foldedByte(lower) : kOther;
+}
+
+} // namespace
+
 void LiveSearch::loadNames(const std::vector<QString> &names) {
     m_names = names;
     qsizetype total = 0;
     for (const QString &n : m_names)
         total += n.size() + 1;
-    m_lowered.clear();
-    m_lowered.reserve(total);
+    m_folded = QByteArray(total, Qt::Uninitialized);
     m_starts.clear();
     m_starts.reserve(m_names.size());
+    m_frequency.assign(256, 0);
+    char *out = m_folded.data();
     for (const QString &n : m_names) {
-        m_starts.push_back(static_cast<int>(m_lowered.size()));
-        // Lower-casing may change the length of a few letters, so each name is lowered on its own.
-        m_lowered += n.toLower();
-        m_lowered += QChar(0);
+        m_starts.push_back(static_cast<int>(out - m_folded.constData()));
+        for (QChar c : n) {
+            const uchar b = foldedByte(c.unicode());
+            ++m_frequency[b];
+            *out++ = char(b);
+        }
+        *out++ = 0;
     }
-    m_lowered.squeeze();
-    m_frequency.assign(0x10000, 0);
-    for (QChar c : std::as_const(m_lowered))
-        ++m_frequency[c.unicode()];
 }
 
 void LiveSearch::clear() {
     m_names.clear();
-    m_lowered.clear();
+    m_folded.clear();
     m_starts.clear();
     m_frequency.clear();
+}
+
+bool LiveSearch::matches(int i, const QString &needle) const {
+    return m_names[static_cast<size_t>(i)].toLower().contains(needle);
 }
 
 void LiveSearch::find(const QString &typed, std::vector<int> &out) const {
@@ -46,30 +72,42 @@ void LiveSearch::find(const QString &typed, std::vector<int> &out) const {
     // A NUL in the typed text could match across two names.
     if (needle.contains(QChar(0)))
         return;
-    // Scan (vectorised) for the needle's rarest letter in the lowered names, then compare the rest
-    // in place: few false starts, and no table to build per keystroke.
+    QByteArray folded(needle.size(), Qt::Uninitialized);
+    bool other = false; // a letter without a byte of its own: each match is checked on the name
+    for (qsizetype i = 0; i < needle.size(); ++i) {
+        folded[i] = char(foldedByte(needle.at(i).unicode()));
+        other = other || uchar(folded.at(i)) == kOther;
+    }
+    // Scan (vectorised) for the needle's rarest byte, then compare the rest in place: few false
+    // starts, and no table to build per keystroke.
     qsizetype anchor = 0;
-    for (qsizetype i = 1; i < needle.size(); ++i)
-        if (m_frequency[needle.at(i).unicode()] < m_frequency[needle.at(anchor).unicode()])
+    for (qsizetype i = 1; i < folded.size(); ++i)
+        if (m_frequency[uchar(folded.at(i))] < m_frequency[uchar(folded.at(anchor))])
             anchor = i;
-    const QChar anchorChar = needle.at(anchor);
-    const QStringView hay(m_lowered);
-    const QStringView whole(needle);
+    const char anchorByte = folded.at(anchor);
+    const QByteArrayView hay(m_folded);
+    const QByteArrayView whole(folded);
     const qsizetype size = hay.size();
     const size_t count = m_starts.size();
     size_t k = 0; // the name that holds the last match; matches only move forward
     qsizetype from = anchor;
     while (from < size) {
-        const qsizetype pos = hay.indexOf(anchorChar, from);
+        const qsizetype pos = hay.indexOf(anchorByte, from);
         if (pos < 0)
             break;
         const qsizetype begin = pos - anchor;
-        if (begin + whole.size() > size || hay.mid(begin, whole.size()) != whole) {
+        if (begin < 0 || begin + whole.size() > size || hay.sliced(begin, whole.size()) != whole) {
             from = pos + 1;
             continue;
         }
         while (k + 1 < count && m_starts[k + 1] <= begin)
             ++k;
+        if (other && !matches(static_cast<int>(k), needle)) {
+            if (k + 1 >= count)
+                break;
+            from = m_starts[k + 1] + anchor;
+            continue;
+        }
         out.push_back(static_cast<int>(k));
         // One entry per name: go on with the next one.
         if (k + 1 >= count)

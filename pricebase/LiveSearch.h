@@ -1,11 +1,15 @@
 #pragma once
 // Live search over the whole current price list (what FDQueryFindPrice holds): a plain,
 // case-insensitive substring match on the rate names, in list order. The names are lower-cased once
-// when the list is read and kept joined in one text, so a keystroke is one scan of memory.
+// when the list is read and kept joined in one byte string, one byte per letter (Latin and Cyrillic
+// letters, digits and signs have a byte of their own; any other letter shares one byte and a match
+// through it is checked against the name itself), so a keystroke is one scan of half the memory the
+// names take.
 
 #include "PriceRows.h"
 
 #include <QAbstractListModel>
+#include <QByteArray>
 #include <QString>
 #include <vector>
 
@@ -24,10 +28,12 @@ public:
     std::vector<int> find(const QString &typed) const;
 
 private:
+    bool matches(int i, const QString &needle) const;
+
     std::vector<QString> m_names;     // shares the text of the grid rows
-    QString m_lowered;                // lower-cased names, each followed by a NUL
-    std::vector<int> m_starts;        // start of each name in m_lowered
-    std::vector<quint32> m_frequency; // how often each UTF-16 unit occurs in m_lowered
+    QByteArray m_folded;              // the names lower-cased, a byte per UTF-16 unit, each ended by NUL
+    std::vector<int> m_starts;        // start of each name in m_folded
+    std::vector<quint32> m_frequency; // how often each byte occurs in m_folded
 };
 
 // MemoPrice's list: the names found by the last keystroke.

@@ -1,37 +1,65 @@
 #include "PriceRows.h"
 
+#include <cstring>
+
 RateRow::RateRow(const Cells &cells) {
     pack(cells);
 }
 
 void RateRow::pack(const Cells &cells) {
     m_name = cells[PriceCol::Name];
-    qsizetype total = 0;
-    for (int c = 0; c < PriceCol::TextCount; ++c)
-        if (c != PriceCol::Name)
-            total += cells[static_cast<size_t>(c)].size();
-    QString packed;
-    packed.reserve(total);
+    QByteArray packed;
     for (int c = 0; c < PriceCol::TextCount; ++c) {
         if (c == PriceCol::Name)
             continue;
-        packed += cells[static_cast<size_t>(c)];
-        m_ends[static_cast<size_t>(slot(c))] = static_cast<quint32>(packed.size());
+        packed += cells[static_cast<size_t>(c)].toUtf8();
+        if (slot(c) < kPacked - 1)
+            m_ends[static_cast<size_t>(slot(c))] = static_cast<quint32>(packed.size());
     }
+    packed.squeeze();
     m_packed = std::move(packed);
+}
+
+RateRow RateRow::fromUtf8(const std::array<QByteArrayView, PriceCol::TextCount> &cells) {
+    RateRow row;
+    row.m_name = QString::fromUtf8(cells[PriceCol::Name]);
+    // fromUtf8 keeps room for as many units as the text has bytes: twice what a Cyrillic name needs.
+    row.m_name.squeeze();
+    qsizetype bytes = 0;
+    for (int c = 0; c < PriceCol::TextCount; ++c)
+        if (c != PriceCol::Name)
+            bytes += cells[static_cast<size_t>(c)].size();
+    if (bytes == 0)
+        return row;
+    QByteArray packed(bytes, Qt::Uninitialized);
+    char *out = packed.data();
+    for (int c = 0; c < PriceCol::TextCount; ++c) {
+        if (c == PriceCol::Name)
+            continue;
+        const QByteArrayView cell = cells[static_cast<size_t>(c)];
+        if (!cell.isEmpty())
+            memcpy(out, cell.data(), static_cast<size_t>(cell.size()));
+        out += cell.size();
+        if (slot(c) < kPacked - 1)
+            row.m_ends[static_cast<size_t>(slot(c))] = static_cast<quint32>(out - packed.constData());
+    }
+    row.m_packed = std::move(packed);
+    return row;
+}
+
+QByteArrayView RateRow::utf8(int col) const {
+    if (col == PriceCol::Name || col < 0 || col >= PriceCol::TextCount)
+        return {};
+    const int i = slot(col);
+    const quint32 begin = i == 0 ? 0 : end(i - 1);
+    return QByteArrayView(m_packed).sliced(begin, end(i) - begin);
 }
 
 QString RateRow::operator[](int col) const {
     if (col == PriceCol::Name)
         return m_name;
-    if (col < 0 || col >= PriceCol::TextCount)
-        return {};
-    const int i = slot(col);
-    const quint32 begin = i == 0 ? 0 : m_ends[static_cast<size_t>(i - 1)];
-    const quint32 end = m_ends[static_cast<size_t>(i)];
-    if (end == begin)
-        return {};
-    return m_packed.mid(begin, end - begin);
+    const QByteArrayView cell = utf8(col);
+    return cell.isEmpty() ? QString() : QString::fromUtf8(cell);
 }
 
 RateRow::Cells RateRow::cells() const {
@@ -54,7 +82,7 @@ void RateRow::set(int col, const QString &text) {
 }
 
 bool RateRow::isBlank() const {
-    return m_name.trimmed().isEmpty() && m_packed.trimmed().isEmpty();
+    return m_name.trimmed().isEmpty() && QString::fromUtf8(m_packed).trimmed().isEmpty();
 }
 
 QString RateRow::bound(int col) const {
@@ -66,10 +94,11 @@ bool isSubsectionUnit(const QString &edizm) {
     return edizm.trimmed().toLower() == QStringLiteral("пв");
 }
 
-PriceRowKind priceRowKind(const QString &edras, const QString &edizm) {
+PriceRowKind priceRowKind(QStringView edras, QStringView edizm) {
     if (!edras.contains(QLatin1Char('-')))
         return PriceRowKind::Section;
-    return edizm.toLower() == QStringLiteral("пв") ? PriceRowKind::Subsection : PriceRowKind::Rate;
+    return edizm.size() == 2 && edizm.compare(u"пв", Qt::CaseInsensitive) == 0 ? PriceRowKind::Subsection
+                                                                               : PriceRowKind::Rate;
 }
 
 void renumberRates(std::vector<RateRow> &rows) {
@@ -107,9 +136,12 @@ QStringList currencyCaptions() {
 }
 
 void addToSectionIndex(SectionIndex &index, const RateRow &row) {
-    const QString &number = row[PriceCol::Ras];
+    const QString number = row[PriceCol::Ras];
+    const PriceRowKind kind = priceRowKind(number, row[PriceCol::Unit]);
+    if (kind == PriceRowKind::Rate)
+        return;
     const QString text = number + QLatin1Char(' ') + row[PriceCol::Name];
-    switch (priceRowKind(row)) {
+    switch (kind) {
     case PriceRowKind::Section:
         // Blank rows (a row added in edit mode and left empty) open no section.
         if (number.trimmed().isEmpty() && row[PriceCol::Name].trimmed().isEmpty())

@@ -2,8 +2,11 @@
 // Rows of a price list as the rate grid shows them, the row kinds that the rate numbers encode, the
 // renumbering rule and the section index (tree and combo) built from a list.
 
+#include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 #include <QStringList>
+#include <QStringView>
 #include <array>
 #include <vector>
 
@@ -26,16 +29,20 @@ enum : int {
 }
 
 // One row of the rate grid: nine text cells and the tick. A list holds 100,000 rows, so the cells
-// are kept compactly: the name on its own (live search shares it), the other eight packed into one
-// text with their end offsets.
+// are kept compactly: the name on its own (live search shares it), the other eight (numbers, codes,
+// units: mostly digits) packed into one UTF-8 text with their end offsets.
 class RateRow {
 public:
     using Cells = std::array<QString, PriceCol::TextCount>;
 
     RateRow() = default;
     explicit RateRow(const Cells &cells);
+    // The cells as UTF-8, as SQLite gives them: the name decoded, the others kept as they come.
+    static RateRow fromUtf8(const std::array<QByteArrayView, PriceCol::TextCount> &cells);
 
     QString operator[](int col) const;
+    // A cell other than the name as UTF-8, without a copy, valid while the row is not changed.
+    QByteArrayView utf8(int col) const;
     const QString &name() const { return m_name; }
     void set(int col, const QString &text);
     Cells cells() const;
@@ -53,15 +60,22 @@ private:
     void pack(const Cells &cells);
 
     QString m_name;
-    QString m_packed;
-    std::array<quint32, kPacked> m_ends{};
+    QByteArray m_packed; // UTF-8
+    // Ends of the packed cells but the last (which ends with the text): 8 bytes less a row.
+    std::array<quint32, kPacked - 1> m_ends{};
+    quint32 end(int slot) const {
+        return slot < kPacked - 1 ? m_ends[static_cast<size_t>(slot)] : static_cast<quint32>(m_packed.size());
+    }
 };
 
 enum class PriceRowKind { Section, Subsection, Rate };
 
 // Section title: no "-" in the number; subsection title: a "-" and the unit "пв" in any letter case;
 // everything else is a rate.
-PriceRowKind priceRowKind(const QString &edras, const QString &edizm);
+PriceRowKind priceRowKind(QStringView edras, QStringView edizm);
+inline PriceRowKind priceRowKind(const QString &edras, const QString &edizm) {
+    return priceRowKind(QStringView(edras), QStringView(edizm));
+}
 inline PriceRowKind priceRowKind(const RateRow &row) {
     return priceRowKind(row[PriceCol::Ras], row[PriceCol::Unit]);
 }

@@ -41,7 +41,7 @@ bool TModuleSQL::isOpen(Db db) const {
 QSqlDatabase TModuleSQL::database(Db db) {
     // The working estimate is scratch (replaced by every open, written without waiting for the disk):
     // one that a power cut left damaged is made again rather than leave the estimate unusable.
-    const bool scratch = !isShared(db) && QFileInfo::exists(filePath(db));
+    const bool scratch = isScratch(db) && !isShared(db) && QFileInfo::exists(filePath(db));
     {
         QSqlDatabase con = open(db, !scratch);
         if (con.isOpen() || !scratch)
@@ -83,7 +83,7 @@ QSqlDatabase TModuleSQL::open(Db db, bool report) {
             // one writer at a time.
             if (isShared(db))
                 Schema::shareConnection(con);
-            else
+            if (isScratch(db))
                 Schema::scratchConnection(con);
             reason = Schema::upgrade(con, db);
         }

@@ -74,6 +74,14 @@ void SqliteRows::bind(int column, QStringView text) {
     sqlite3_bind_text(m_stmt, column + 1, buffer.constData(), static_cast<int>(buffer.size()), SQLITE_STATIC);
 }
 
+void SqliteRows::bindUtf8(int column, QByteArrayView text) {
+    if (!m_stmt || column < 0 || column >= static_cast<int>(m_bound.size()))
+        return;
+    // Never NULL: an empty value is the empty text.
+    sqlite3_bind_text(m_stmt, column + 1, text.isEmpty() ? "" : text.data(), static_cast<int>(text.size()),
+                      SQLITE_STATIC);
+}
+
 bool SqliteRows::run() {
     if (!ok())
         return false;

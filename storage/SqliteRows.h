@@ -41,6 +41,8 @@ public:
     // Writing: binds the values of one row (columns from 0), runs the statement and makes it ready for
     // the next row. False with error() when SQLite refused the row.
     void bind(int column, QStringView text);
+    // A value that is UTF-8 already; the bytes must stay as they are until run().
+    void bindUtf8(int column, QByteArrayView text);
     bool run();
 
 private:

@@ -27,8 +27,12 @@ int saveLoop(const QString &data, const QString &document, int rows) {
             return 2;
         }
     }
+    // Without a document the versions start again from 0, whatever a killed run left in the working
+    // database.
     long long version =
-        EstimateStore::readParameters(module.database(Db::Smeta)).value("Version").toLongLong();
+        QFileInfo::exists(document)
+            ? EstimateStore::readParameters(module.database(Db::Smeta)).value("Version").toLongLong()
+            : 0;
     EstimateGrid grid;
     CrewGrid crew;
     std::printf("ready\n");
