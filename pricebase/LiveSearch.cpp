@@ -3,11 +3,17 @@
 #include <algorithm>
 
 void LiveSearch::load(const std::vector<RateRow> &rows) {
-    std::vector<QString> names;
-    names.reserve(rows.size());
-    for (const RateRow &r : rows)
-        names.push_back(r.name());
-    loadNames(names);
+    m_names.clear();
+    m_names.reserve(rows.size());
+    for (const RateRow &r : rows) {
+        const auto span = r.nameSpan();
+        m_names.push_back({r.text(), span.first, span.second});
+    }
+    m_prepared = false;
+}
+
+QString LiveSearch::name(int i) const {
+    return QString::fromUtf8(m_names[static_cast<size_t>(i)].utf8());
 }
 
 namespace {
@@ -16,7 +22,7 @@ namespace {
 // (а…я 0x80…0x9F, ѐ…џ 0xA0…0xAF), anything else kOther. NUL is kept for the ends of names.
 constexpr uchar kOther = 0xFF;
 
-uchar foldedByte(char16_t c) {
+uchar foldedByte(char32_t c) {
     if (c < 0x80)
         return c >= 'A' && c <= 'Z' ? uchar(c + ('a' - 'A')) : (c == 0 ? kOther : uchar(c));
     if (c >= 0x400 && c <= 0x45F) {
@@ -26,34 +32,72 @@ uchar foldedByte(char16_t c) {
             c += 0x50;
         return c < 0x450 ? uchar(0x80 + (c - 0x430)) : uchar(0xA0 + (c - 0x450));
     }
-    const char16_t lower = QChar::toLower(c);
+    const char32_t lower = QChar::toLower(c);
     return lower != c ? foldedByte(lower) : kOther;
+}
+
+// Calls f with the byte of each letter of a UTF-8 text; a byte that starts no letter counts as one.
+template <typename F> void foldUtf8(QByteArrayView text, F &&f) {
+    const auto *p = reinterpret_cast<const uchar *>(text.data());
+    const uchar *end = p + text.size();
+    while (p < end) {
+        const uchar b = *p;
+        if (b < 0x80) {
+            f(foldedByte(b));
+            ++p;
+            continue;
+        }
+        const int length = b >= 0xF0 ? 4 : b >= 0xE0 ? 3 : b >= 0xC0 ? 2 : 1;
+        char32_t c = length == 4 ? b & 0x07 : length == 3 ? b & 0x0F : b & 0x1F;
+        bool whole = length > 1 && end - p >= length;
+        for (int i = 1; whole && i < length; ++i) {
+            whole = (p[i] & 0xC0) == 0x80;
+            c = (c << 6) | (p[i] & 0x3F);
+        }
+        f(whole ? foldedByte(c) : kOther);
+        p += whole ? length : 1;
+    }
 }
 
 } // namespace
 
 void LiveSearch::loadNames(const std::vector<QString> &names) {
-    m_names = names;
+    m_names.clear();
+    for (const QString &n : names) {
+        const QByteArray text = n.toUtf8();
+        m_names.push_back({text, 0, static_cast<quint32>(text.size())});
+    }
+    m_prepared = false;
+}
+
+void LiveSearch::prepare() const {
+    if (m_prepared)
+        return;
+    m_prepared = true;
+    // A letter takes at least one byte of UTF-8: the folded names fit in as many bytes.
     qsizetype total = 0;
-    for (const QString &n : m_names)
-        total += n.size() + 1;
-    m_folded = QByteArray(total, Qt::Uninitialized);
+    for (const Name &n : m_names)
+        total += n.end - n.begin + 1;
+    QByteArray folded(total, Qt::Uninitialized);
     m_starts.clear();
     m_starts.reserve(m_names.size());
     m_frequency.assign(256, 0);
-    char *out = m_folded.data();
-    for (const QString &n : m_names) {
-        m_starts.push_back(static_cast<int>(out - m_folded.constData()));
-        for (QChar c : n) {
-            const uchar b = foldedByte(c.unicode());
+    char *out = folded.data();
+    for (const Name &n : m_names) {
+        m_starts.push_back(static_cast<int>(out - folded.constData()));
+        foldUtf8(n.utf8(), [&](uchar b) {
             ++m_frequency[b];
             *out++ = char(b);
-        }
+        });
         *out++ = 0;
     }
+    folded.truncate(out - folded.constData());
+    folded.squeeze();
+    m_folded = std::move(folded);
 }
 
 void LiveSearch::clear() {
+    m_prepared = false;
     m_names.clear();
     m_folded.clear();
     m_starts.clear();
@@ -61,7 +105,7 @@ void LiveSearch::clear() {
 }
 
 bool LiveSearch::matches(int i, const QString &needle) const {
-    return m_names[static_cast<size_t>(i)].toLower().contains(needle);
+    return name(i).toLower().contains(needle);
 }
 
 void LiveSearch::find(const QString &typed, std::vector<int> &out) const {
@@ -72,12 +116,13 @@ void LiveSearch::find(const QString &typed, std::vector<int> &out) const {
     // A NUL in the typed text could match across two names.
     if (needle.contains(QChar(0)))
         return;
-    QByteArray folded(needle.size(), Qt::Uninitialized);
+    prepare();
+    QByteArray folded;
     bool other = false; // a letter without a byte of its own: each match is checked on the name
-    for (qsizetype i = 0; i < needle.size(); ++i) {
-        folded[i] = char(foldedByte(needle.at(i).unicode()));
-        other = other || uchar(folded.at(i)) == kOther;
-    }
+    foldUtf8(needle.toUtf8(), [&](uchar b) {
+        folded += char(b);
+        other = other || b == kOther;
+    });
     // Scan (vectorised) for the needle's rarest byte, then compare the rest in place: few false
     // starts, and no table to build per keystroke.
     qsizetype anchor = 0;

@@ -214,6 +214,7 @@ std::shared_ptr<PriceBase::Loaded> PriceBase::loadList(const QString &path, cons
             out->ok = PriceStore::readList(db, table, currency, out->data, &out->error);
             if (out->ok && withSearch) {
                 out->search.load(out->data.rows);
+                out->search.prepare(); // here rather than at the first keystroke
                 out->withSearch = true;
             }
         }

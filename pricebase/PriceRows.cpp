@@ -7,57 +7,44 @@ RateRow::RateRow(const Cells &cells) {
 }
 
 void RateRow::pack(const Cells &cells) {
-    m_name = cells[PriceCol::Name];
-    QByteArray packed;
+    QByteArray text;
     for (int c = 0; c < PriceCol::TextCount; ++c) {
-        if (c == PriceCol::Name)
-            continue;
-        packed += cells[static_cast<size_t>(c)].toUtf8();
-        if (slot(c) < kPacked - 1)
-            m_ends[static_cast<size_t>(slot(c))] = static_cast<quint32>(packed.size());
+        text += cells[static_cast<size_t>(c)].toUtf8();
+        if (c < PriceCol::TextCount - 1)
+            m_ends[static_cast<size_t>(c)] = static_cast<quint32>(text.size());
     }
-    packed.squeeze();
-    m_packed = std::move(packed);
+    text.squeeze();
+    m_text = std::move(text);
 }
 
 RateRow RateRow::fromUtf8(const std::array<QByteArrayView, PriceCol::TextCount> &cells) {
     RateRow row;
-    row.m_name = QString::fromUtf8(cells[PriceCol::Name]);
-    // fromUtf8 keeps room for as many units as the text has bytes: twice what a Cyrillic name needs.
-    row.m_name.squeeze();
     qsizetype bytes = 0;
-    for (int c = 0; c < PriceCol::TextCount; ++c)
-        if (c != PriceCol::Name)
-            bytes += cells[static_cast<size_t>(c)].size();
+    for (const QByteArrayView &cell : cells)
+        bytes += cell.size();
     if (bytes == 0)
         return row;
-    QByteArray packed(bytes, Qt::Uninitialized);
-    char *out = packed.data();
+    QByteArray text(bytes, Qt::Uninitialized);
+    char *out = text.data();
     for (int c = 0; c < PriceCol::TextCount; ++c) {
-        if (c == PriceCol::Name)
-            continue;
         const QByteArrayView cell = cells[static_cast<size_t>(c)];
         if (!cell.isEmpty())
             memcpy(out, cell.data(), static_cast<size_t>(cell.size()));
         out += cell.size();
-        if (slot(c) < kPacked - 1)
-            row.m_ends[static_cast<size_t>(slot(c))] = static_cast<quint32>(out - packed.constData());
+        if (c < PriceCol::TextCount - 1)
+            row.m_ends[static_cast<size_t>(c)] = static_cast<quint32>(out - text.constData());
     }
-    row.m_packed = std::move(packed);
+    row.m_text = std::move(text);
     return row;
 }
 
 QByteArrayView RateRow::utf8(int col) const {
-    if (col == PriceCol::Name || col < 0 || col >= PriceCol::TextCount)
+    if (col < 0 || col >= PriceCol::TextCount)
         return {};
-    const int i = slot(col);
-    const quint32 begin = i == 0 ? 0 : end(i - 1);
-    return QByteArrayView(m_packed).sliced(begin, end(i) - begin);
+    return QByteArrayView(m_text).sliced(begin(col), end(col) - begin(col));
 }
 
 QString RateRow::operator[](int col) const {
-    if (col == PriceCol::Name)
-        return m_name;
     const QByteArrayView cell = utf8(col);
     return cell.isEmpty() ? QString() : QString::fromUtf8(cell);
 }
@@ -70,10 +57,6 @@ RateRow::Cells RateRow::cells() const {
 }
 
 void RateRow::set(int col, const QString &text) {
-    if (col == PriceCol::Name) {
-        m_name = text;
-        return;
-    }
     if (col < 0 || col >= PriceCol::TextCount)
         return;
     Cells c = cells();
@@ -82,12 +65,21 @@ void RateRow::set(int col, const QString &text) {
 }
 
 bool RateRow::isBlank() const {
-    return m_name.trimmed().isEmpty() && QString::fromUtf8(m_packed).trimmed().isEmpty();
+    return QString::fromUtf8(m_text).trimmed().isEmpty();
 }
 
 QString RateRow::bound(int col) const {
     const QString c = (*this)[col];
     return c.isNull() ? QStringLiteral("") : c;
+}
+
+PriceRowKind priceRowKind(QByteArrayView edras, QByteArrayView edizm) {
+    if (!edras.contains('-'))
+        return PriceRowKind::Section;
+    // "пв" in any letter case takes four bytes of UTF-8; only such a unit needs a closer look.
+    if (edizm.size() != 4)
+        return PriceRowKind::Rate;
+    return priceRowKind(QStringLiteral("-"), QString::fromUtf8(edizm));
 }
 
 bool isSubsectionUnit(const QString &edizm) {

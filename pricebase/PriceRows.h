@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QByteArrayView>
+#include <QPair>
 #include <QString>
 #include <QStringList>
 #include <QStringView>
@@ -28,22 +29,27 @@ enum : int {
 };
 }
 
-// One row of the rate grid: nine text cells and the tick. A list holds 100,000 rows, so the cells
-// are kept compactly: the name on its own (live search shares it), the other eight (numbers, codes,
-// units: mostly digits) packed into one UTF-8 text with their end offsets.
+// One row of the rate grid: nine text cells and the tick. A list holds 100,000 rows, so a row keeps
+// its cells in one UTF-8 text (as SQLite gives them: read without decoding, one allocation a row) with
+// the ends of the cells; a cell becomes a QString when it is asked for (the rows on screen, the row
+// inserted into the estimate).
 class RateRow {
 public:
     using Cells = std::array<QString, PriceCol::TextCount>;
 
     RateRow() = default;
     explicit RateRow(const Cells &cells);
-    // The cells as UTF-8, as SQLite gives them: the name decoded, the others kept as they come.
+    // The cells as UTF-8, as SQLite gives them, kept as they come.
     static RateRow fromUtf8(const std::array<QByteArrayView, PriceCol::TextCount> &cells);
 
     QString operator[](int col) const;
-    // A cell other than the name as UTF-8, without a copy, valid while the row is not changed.
+    // A cell as UTF-8, without a copy, valid while the row is not changed.
     QByteArrayView utf8(int col) const;
-    const QString &name() const { return m_name; }
+    QString name() const { return (*this)[PriceCol::Name]; }
+    // The row's text (shared, not copied) and where its name lies in it: live search keeps the names of
+    // a list this way.
+    const QByteArray &text() const { return m_text; }
+    QPair<quint32, quint32> nameSpan() const { return {begin(PriceCol::Name), end(PriceCol::Name)}; }
     void set(int col, const QString &text);
     Cells cells() const;
     bool isBlank() const;
@@ -54,18 +60,16 @@ public:
     bool checked = false;
 
 private:
-    static constexpr int kPacked = PriceCol::TextCount - 1;
-    // Index of a column other than the name among the packed ones.
-    static int slot(int col) { return col < PriceCol::Name ? col : col - 1; }
     void pack(const Cells &cells);
-
-    QString m_name;
-    QByteArray m_packed; // UTF-8
-    // Ends of the packed cells but the last (which ends with the text): 8 bytes less a row.
-    std::array<quint32, kPacked - 1> m_ends{};
-    quint32 end(int slot) const {
-        return slot < kPacked - 1 ? m_ends[static_cast<size_t>(slot)] : static_cast<quint32>(m_packed.size());
+    quint32 begin(int col) const { return col == 0 ? 0 : m_ends[static_cast<size_t>(col - 1)]; }
+    // The last cell ends with the text: one end fewer to keep.
+    quint32 end(int col) const {
+        return col < PriceCol::TextCount - 1 ? m_ends[static_cast<size_t>(col)]
+                                             : static_cast<quint32>(m_text.size());
     }
+
+    QByteArray m_text; // UTF-8, the cells in column order
+    std::array<quint32, PriceCol::TextCount - 1> m_ends{};
 };
 
 enum class PriceRowKind { Section, Subsection, Rate };
@@ -76,6 +80,8 @@ PriceRowKind priceRowKind(QStringView edras, QStringView edizm);
 inline PriceRowKind priceRowKind(const QString &edras, const QString &edizm) {
     return priceRowKind(QStringView(edras), QStringView(edizm));
 }
+// The same for the texts as UTF-8 (a list being read).
+PriceRowKind priceRowKind(QByteArrayView edras, QByteArrayView edizm);
 inline PriceRowKind priceRowKind(const RateRow &row) {
     return priceRowKind(row[PriceCol::Ras], row[PriceCol::Unit]);
 }

@@ -10,7 +10,6 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
-#include <QStringDecoder>
 #include <QVariant>
 
 namespace PriceStore {
@@ -75,18 +74,17 @@ bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData
         return fail(error, QStringLiteral("Неизвестная таблица расценок «%1»").arg(table));
     const bool list1 = table == QLatin1String("price1");
     {
-        // The count first: the rows are laid out once, without the spare room of a growing vector.
-        SqliteRows count(db, QStringLiteral("SELECT count(*) FROM ") + table);
-        if (count.next())
-            out.rows.reserve(static_cast<size_t>(count.utf8(0).toLongLong()));
+        // Room for the rows first (the largest id, found in the key without a scan, is the count of a
+        // list written whole): laid out once, without the spare room of a growing vector.
+        SqliteRows last(db, QStringLiteral("SELECT max(id) FROM ") + table);
+        if (last.next())
+            out.rows.reserve(static_cast<size_t>(qBound(0LL, last.utf8(0).toLongLong(), 10'000'000LL)));
     }
     // A list holds 100,000 rows: read through the C interface, each text decoded once into its row.
     SqliteRows q(db, QStringLiteral("SELECT id, edras, nameras, edizm,") + currencyColumn(currency) +
                          QStringLiteral(", rec, link, mat") + (list1 ? QStringLiteral(",koef") : QString()) +
                          QStringLiteral(" FROM ") + table + QStringLiteral(" WHERE 1"));
     std::array<QByteArrayView, PriceCol::TextCount> cells;
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    QChar ras[64], unit[64];
     while (q.next()) {
         cells[PriceCol::Id] = q.utf8(0);
         cells[PriceCol::Ras] = q.utf8(1);
@@ -96,16 +94,7 @@ bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData
         cells[PriceCol::Rec] = q.utf8(5);
         cells[PriceCol::Link] = q.utf8(6);
         cells[PriceCol::Koef] = list1 ? q.utf8(8) : QByteArrayView();
-        // The kind from the number and the unit, decoded on the stack (they are short).
-        PriceRowKind kind = PriceRowKind::Rate;
-        if (cells[PriceCol::Ras].size() <= 64 && cells[PriceCol::Unit].size() <= 64) {
-            const QStringView r(ras, decoder.appendToBuffer(ras, cells[PriceCol::Ras]) - ras);
-            const QStringView u(unit, decoder.appendToBuffer(unit, cells[PriceCol::Unit]) - unit);
-            kind = priceRowKind(r, u);
-        } else {
-            kind = priceRowKind(QString::fromUtf8(cells[PriceCol::Ras]),
-                                QString::fromUtf8(cells[PriceCol::Unit]));
-        }
+        const PriceRowKind kind = priceRowKind(cells[PriceCol::Ras], cells[PriceCol::Unit]);
         // Titles carry no price and no crew price; a section title shows no unit either.
         if (kind != PriceRowKind::Rate)
             cells[PriceCol::Price] = cells[PriceCol::Link] = QByteArrayView();
@@ -145,7 +134,7 @@ bool writeList(QSqlDatabase db, const QString &table, int currency, const std::v
             if (row.isBlank())
                 continue;
             insert.bindUtf8(0, row.utf8(PriceCol::Ras));
-            insert.bind(1, row.name());
+            insert.bindUtf8(1, row.utf8(PriceCol::Name));
             insert.bindUtf8(2, row.utf8(PriceCol::Unit));
             insert.bindUtf8(3, row.utf8(PriceCol::Price));
             insert.bindUtf8(4, row.utf8(PriceCol::Rec));
