@@ -14,6 +14,7 @@
 #include <QGuiApplication>
 #include <QMenu>
 #include <QMenuBar>
+#include <QProgressBar>
 #include <QScreen>
 #include <QSplitter>
 #include <QStatusBar>
@@ -142,6 +143,26 @@ void TForm1::showStatus(const QString &text, int milliseconds) {
     statusBar()->showMessage(text, milliseconds);
 }
 
+QProgressBar *TForm1::showProgress() {
+    if (!m_progress) {
+        m_progress = new QProgressBar(this);
+        m_progress->setObjectName(QStringLiteral("ProgressBar1"));
+        m_progress->setFixedSize(320, 24);
+    }
+    m_progress->setRange(0, 100);
+    m_progress->reset();
+    m_progress->setValue(0);
+    m_progress->move((width() - m_progress->width()) / 2, (height() - m_progress->height()) / 2);
+    m_progress->raise();
+    m_progress->show();
+    return m_progress;
+}
+
+void TForm1::hideProgress() {
+    if (m_progress)
+        m_progress->hide();
+}
+
 QAction *TForm1::addOption(QMenu *menu, const QString &key, const QString &caption) {
     auto *a = new QAction(caption, this);
     a->setObjectName(key);
@@ -200,9 +221,12 @@ void TForm1::FormShow() {
         DataFolder::storeFolder(m_dataFolder);
     applySettings();
 
+    // The document takes this program's own working copy; what crashed programs left is offered below.
+    m_document->attach(m_module, m_settings.get(), m_settingsStore.get());
+    if (!m_document->workingCopyError().isEmpty())
+        dialogs().tell(Captions::error, m_document->workingCopyError(), Dialogs::Icon::Error);
     // The working database is created and completed with its tables on first use.
     m_module->database(Db::Smeta);
-    m_document->attach(m_module, m_settings.get(), m_settingsStore.get());
     connect(m_document, &EstimateDocument::loaded, this, [this] {
         for (ShellPart *part : m_parts)
             part->documentLoaded();
@@ -211,6 +235,8 @@ void TForm1::FormShow() {
         part->start();
 
     DocumentFilePart *file = filePart();
+    if (m_document->workingCopy() && file->offerRecovery(*m_document->workingCopy()))
+        return; // the recovered changes are the document now
     if (!m_startupDocument.isEmpty())
         file->OpenMyFile(m_startupDocument);
     else if (m_settings->flag(QStringLiteral("CheckBoxLoadLastDoc")))

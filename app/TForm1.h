@@ -50,6 +50,8 @@ public:
     SettingsStore *settingsStore() override { return m_settingsStore.get(); }
     QAction *addOption(QMenu *menu, const QString &key, const QString &caption) override;
     void showStatus(const QString &text, int milliseconds = 10000) override;
+    QProgressBar *showProgress() override;
+    void hideProgress() override;
     QList<ShellPart *> parts() const override;
 
 protected:
@@ -79,6 +81,7 @@ private:
     QSplitter *m_splitter = nullptr;
     QWidget *m_left = nullptr;
     QWidget *m_header = nullptr;
+    QProgressBar *m_progress = nullptr;
 };
 
 // The parts of the program, in the order they attach (Parts.cpp).

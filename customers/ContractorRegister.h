@@ -33,6 +33,9 @@ public:
     // btnOk: writes the names, the phone and every legal detail (a missing Requisite row is created).
     RegisterStatus save(const Fields &contractor, const Fields &requisites);
     RegisterStatus remove(const QString &id);
+    // Creates an empty legal-details row for the contractor when it has none (documents that read the
+    // details of a contractor expect its row).
+    bool ensureRequisiteRow(const QString &id);
     // Empties Requisite (cashbase.db, then compacted) and Contractor (peoplebase.db).
     RegisterStatus drop();
 
@@ -44,7 +47,6 @@ public:
 
 private:
     ContractorData load(const QString &column, const QString &value);
-    bool ensureRequisiteRow(const QString &id);
 
     TModuleSQL &m_module;
     QString m_error;

@@ -145,6 +145,7 @@ void EditorPart::buildPages() {
     connect(brig, &TBrigPanel::changedByUser, m_doc, [this] { m_doc->setChanged(true); });
     pages->addTab(m_crewPage, QStringLiteral("Для бригады"));
     m_crewView->setModel(&m_doc->crew());
+    m_crewView->setItemDelegate(new ShortTextDelegate(m_crewView));
     m_crewView->verticalHeader()->setVisible(false);
     m_crewView->verticalHeader()->setDefaultSectionSize(21);
     m_crewView->setColumnHidden(CrewCol::IdRas, true);
@@ -158,9 +159,9 @@ void EditorPart::buildPages() {
         m_crewView->setColumnWidth(c, 95);
 
     // The estimate's materials on a page of their own.
-    auto *materials = new TSmetaMaterials(m_doc->editor().materials());
-    materials->setObjectName(QStringLiteral("TabSheetMat"));
-    pages->addTab(materials, QStringLiteral("Материалы"));
+    m_materialsPage = new TSmetaMaterials(m_doc->editor().materials());
+    m_materialsPage->setObjectName(QStringLiteral("TabSheetMat"));
+    pages->addTab(m_materialsPage, QStringLiteral("Материалы"));
 }
 
 QAction *EditorPart::command(const char *name, const QString &text, const QKeySequence &key, int icon,
@@ -277,6 +278,10 @@ void EditorPart::documentLoaded() {
 
 void EditorPart::showEstimatePage() {
     m_shell->pages()->setCurrentWidget(m_estimatePage);
+}
+
+void EditorPart::showMaterialsPage() {
+    m_shell->pages()->setCurrentWidget(m_materialsPage);
 }
 
 void EditorPart::showTotals() {

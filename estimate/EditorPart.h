@@ -15,6 +15,7 @@ class QComboBox;
 class QLineEdit;
 class QMenu;
 class QTableView;
+class TSmetaMaterials;
 
 class EditorPart : public ShellPart {
     Q_OBJECT
@@ -31,6 +32,9 @@ public:
     QMenu *popupMenu() const { return m_popup; }
     // Brings the estimate page to the front.
     void showEstimatePage();
+    // The page of the estimate's materials, and bringing it to the front.
+    TSmetaMaterials *materialsPage() const { return m_materialsPage; }
+    void showMaterialsPage();
 
     // The row the insertions of other parts go to (grid rows, data from 2).
     int currentRow() const { return m_currentRow; }
@@ -74,5 +78,6 @@ private:
     QComboBox *m_currency = nullptr;
     QWidget *m_estimatePage = nullptr;
     QWidget *m_crewPage = nullptr;
+    TSmetaMaterials *m_materialsPage = nullptr;
     int m_currentRow = 2;
 };

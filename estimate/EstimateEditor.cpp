@@ -9,6 +9,7 @@
 #include "EstimateStructure.h"
 #include "EstimateTotals.h"
 #include "KoefModel.h"
+#include "MaterialsUndo.h"
 #include "RowClipboard.h"
 #include "RowDiff.h"
 #include "UndoJournal.h"
@@ -20,6 +21,9 @@ using namespace EstimateStructure;
 
 struct EstimateEditor::Snapshot {
     std::vector<RowDiff::Row> rows;
+    // The estimate's materials as a scope found them: a step of a scope takes their changes too.
+    std::vector<MaterialsStore::Material> materials;
+    bool materialsTaken = false;
 };
 
 namespace {
@@ -151,6 +155,7 @@ void EstimateEditor::storeCrewSettings() {
 
 void EstimateEditor::materialsChanged() {
     m_materials->reload();
+    emit materialsEdited();
 }
 
 void EstimateEditor::koefChanged() {
@@ -174,6 +179,10 @@ void EstimateEditor::beginStep(const QString &title) {
     // Whatever changed before belongs to a step of its own.
     commitPending(kPendingTitle);
     m_stepTitle = title;
+    const QSqlDatabase smeta = m_databases ? m_databases(Db::Smeta) : QSqlDatabase();
+    m_snapshot->materialsTaken = smeta.isOpen();
+    m_snapshot->materials =
+        m_snapshot->materialsTaken ? MaterialsStore::readAll(smeta) : std::vector<MaterialsStore::Material>();
     m_totals->hold();
     m_crew->hold();
 }
@@ -208,12 +217,19 @@ void EstimateEditor::commitPending(const QString &title) {
         now.rows.push_back({m_grid->rowCells(r), m_crew->rowKoef(r)});
     const std::vector<RowDiff::Op> ops = RowDiff::diff(m_snapshot->rows, now.rows, EstimateGrid::kFixedRows);
     m_snapshot->rows = std::move(now.rows);
-    if (ops.empty())
+    std::vector<MaterialsUndo::Op> materialOps;
+    if (m_snapshot->materialsTaken) {
+        m_snapshot->materialsTaken = false;
+        const QSqlDatabase smeta = m_databases ? m_databases(Db::Smeta) : QSqlDatabase();
+        materialOps = MaterialsUndo::diff(m_snapshot->materials, MaterialsStore::readAll(smeta));
+        m_snapshot->materials.clear();
+    }
+    if (ops.empty() && materialOps.empty())
         return;
     if (!m_journal)
         m_journal =
             std::make_unique<UndoJournal>(m_databases ? m_databases(Db::ReturnAction) : QSqlDatabase());
-    m_journal->record(title, ops);
+    m_journal->record(title, ops, materialOps);
     emit undoStateChanged();
 
     // Rows of rates that came, went or changed quantity or rate.
@@ -252,7 +268,9 @@ bool EstimateEditor::applyStep(bool undoing) {
         return false;
     commitPending(kPendingTitle);
     std::vector<RowDiff::Op> ops;
-    if (!m_journal || !(undoing ? m_journal->takeUndo(ops) : m_journal->takeRedo(ops))) {
+    std::vector<MaterialsUndo::Op> materialOps;
+    if (!m_journal ||
+        !(undoing ? m_journal->takeUndo(ops, &materialOps) : m_journal->takeRedo(ops, &materialOps))) {
         if (m_journal)
             m_error = m_journal->error();
         return false;
@@ -309,6 +327,15 @@ bool EstimateEditor::applyStep(bool undoing) {
     m_crew->release();
     m_applying = false;
     takeSnapshot();
+    if (!materialOps.empty()) {
+        // The materials of the step back as they were (or as the step left them).
+        const QSqlDatabase smeta = m_databases ? m_databases(Db::Smeta) : QSqlDatabase();
+        if (!MaterialsUndo::apply(smeta, materialOps, undoing, &m_error)) {
+            emit undoStateChanged();
+            return false;
+        }
+        materialsChanged();
+    }
     emit undoStateChanged();
     if (!changes.isEmpty())
         emit rateRowsChanged(changes);

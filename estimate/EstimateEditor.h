@@ -10,7 +10,7 @@
 //     grid->setCell(row, EstimateCol::Name, name); ...
 //
 // A change made outside any scope is recorded as a step of its own when control returns to the event
-// loop.
+// loop. A scope's step also holds what it changed in the estimate's materials.
 
 #include "RowDiff.h"
 #include "storage/Catalogue.h"
@@ -155,7 +155,8 @@ public:
     ProblemCells problemCells() const;
 
 public slots:
-    // Someone wrote the materials table of the working database: reload it and total again.
+    // Someone wrote the materials table of the working database (an edit of the document): reload it
+    // and total again.
     void materialsChanged();
     // Someone wrote the koef table of the working database: reload the lines and total again.
     void koefChanged();
@@ -171,6 +172,8 @@ signals:
     // quantity, idRas or NamePrice differs): each such row before and after the step. The estimate's
     // materials from norms follow them.
     void rateRowsChanged(const QList<RowDiff::Change> &changes);
+    // The materials table was written from outside the materials tab (an insertion, an undone step).
+    void materialsEdited();
 
 private:
     friend class Scope;

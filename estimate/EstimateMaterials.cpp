@@ -130,8 +130,23 @@ bool EstimateMaterials::removeRows(int first, int last) {
     return true;
 }
 
+int EstimateMaterials::rowOfId(const QString &id) const {
+    for (size_t i = 0; i < m_rows.size(); ++i)
+        if (m_rows[i].id == id)
+            return static_cast<int>(i);
+    return -1;
+}
+
+QString EstimateMaterials::idAt(int row) const {
+    return row >= 0 && row < rowCount() ? m_rows[static_cast<size_t>(row)].id : QString();
+}
+
 QString EstimateMaterials::cellProblem(int row, int col) const {
     return row >= 0 && row < rowCount() ? m_rows[static_cast<size_t>(row)].problems.value(col) : QString();
+}
+
+QString EstimateMaterials::rowId(int row) const {
+    return row >= 0 && row < rowCount() ? m_rows[static_cast<size_t>(row)].id : QString();
 }
 
 int EstimateMaterials::rowCount(const QModelIndex &parent) const {

@@ -31,7 +31,12 @@ public:
     int addRow();
     bool removeRows(int first, int last);
     QString lastError() const { return m_error; }
+    // The row of the material with that _id, or -1.
+    int rowOfId(const QString &id) const;
+    QString idAt(int row) const;
     QString cellProblem(int row, int col) const;
+    // The material's _id in the table (the acts keep their volumes by it).
+    QString rowId(int row) const;
     // How many cells are marked.
     int problemCellCount() const;
 

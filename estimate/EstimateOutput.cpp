@@ -98,47 +98,17 @@ SheetList estimateRows(const EstimatePrint &p, bool runningNumbers) {
         list.rows << namedRow(rowSection, QStringLiteral("МАТЕРИАЛЫ"));
         for (const EstimatePrint::Row &m : p.materialRows)
             list.rows << workRow(m);
-        if (runningNumbers) {
-            int n = 0;
-            for (SheetRow &r : list.rows)
-                if (r.kind == rowWork) {
-                    ++n;
-                    r.cells.insert(colNumber, SheetValue::ofNumber(n, QString::number(n)));
-                }
-        }
         list.rows << namedRow(rowSectionTotal, QStringLiteral("Итого по материалам"), money(p.materialsRaw));
     }
-    return list;
-}
-
-// КС-3: one line per section of the estimate with the section's total (or one line for all the works),
-// the materials and what the coefficient lines added.
-SheetList statementRows(const EstimatePrint &p) {
-    SheetList list;
-    list.kinds = {rowWork};
-    QString section;
-    auto add = [&list](const QString &name, const SheetValue &sum) {
-        SheetRow row = namedRow(rowWork, name, sum);
-        const int n = list.rows.size() + 1;
-        row.cells.insert(colNumber, SheetValue::ofNumber(n, QString::number(n)));
-        row.cells.insert(colCode, SheetValue::ofText(QString()));
-        list.rows << row;
-    };
-    for (const EstimatePrint::Row &r : p.rows) {
-        if (r.kind == EstimatePrint::Kind::Section)
-            section = r.name;
-        else if (r.kind == EstimatePrint::Kind::SectionTotal)
-            add(section.isEmpty() ? r.name : section, amountOrText(r.sum, Cell::Amount));
+    // An act that closes only some rows of the estimate numbers its own lines all the same.
+    if (runningNumbers) {
+        int n = 0;
+        for (SheetRow &r : list.rows)
+            if (r.kind == rowWork) {
+                ++n;
+                r.cells.insert(colNumber, SheetValue::ofNumber(n, QString::number(n)));
+            }
     }
-    if (list.rows.isEmpty())
-        add(p.nameOfWorks.isEmpty() ? QStringLiteral("Выполненные работы") : p.nameOfWorks,
-            money(p.worksRaw));
-    if (!p.materialsRaw.isZero())
-        add(QStringLiteral("Материалы"), money(p.materialsRaw));
-    // Within the range: each total is, and the printed document was refused otherwise.
-    const Money added = (p.worksTotal + p.materialsTotal - p.worksRaw - p.materialsRaw).value();
-    if (!added.isZero())
-        add(QStringLiteral("Начисления по коэффициентам"), money(added));
     return list;
 }
 
@@ -148,12 +118,6 @@ SheetList closingLines(const EstimatePrint &p, Form form) {
     auto add = [&list](const QString &name, Money amount) {
         list.rows << namedRow(rowTotals, name, money(amount));
     };
-    if (form == Form::Ks3) {
-        add(QStringLiteral("Итого"), (p.worksTotal + p.materialsTotal).value());
-        add(QStringLiteral("Сумма НДС"), p.vat);
-        add(QStringLiteral("Всего с учетом НДС"), p.grand);
-        return list;
-    }
     const bool detailed = !p.materialRows.isEmpty() || !p.koefLines.isEmpty() || !p.vat.isZero();
     if (detailed)
         add(QStringLiteral("Итого по работам"), p.worksRaw);
@@ -274,9 +238,83 @@ SheetData sheetData(const EstimatePrint &p, const Sheet &sheet, const ViewTitles
         if (p.act.value(f.first).trimmed().isEmpty() && !f.second.isEmpty())
             text(f.first, f.second);
     }
-    d.lists << (sheet.form == Form::Ks3 ? statementRows(p) : estimateRows(p, sheet.form == Form::Ks2));
-    d.lists << closingLines(p, sheet.form);
+    if (sheet.form == Form::Ks3) {
+        d.lists << SheetList() << SheetList();
+        putStatement(d, statement(p));
+    } else {
+        d.lists << estimateRows(p, sheet.form == Form::Ks2);
+        d.lists << closingLines(p, sheet.form);
+    }
     return d;
+}
+
+QVector<EstimatePrint::Line> statementLines(const EstimatePrint &p) {
+    QVector<EstimatePrint::Line> lines;
+    QString section;
+    for (const EstimatePrint::Row &r : p.rows) {
+        if (r.kind == EstimatePrint::Kind::Section)
+            section = r.name;
+        else if (r.kind == EstimatePrint::Kind::SectionTotal)
+            lines.push_back({section.isEmpty() ? r.name : section, Money::parse(r.sum).valueOr(Money())});
+    }
+    if (lines.isEmpty())
+        lines.push_back(
+            {p.nameOfWorks.isEmpty() ? QStringLiteral("Выполненные работы") : p.nameOfWorks, p.worksRaw});
+    if (!p.materialsRaw.isZero())
+        lines.push_back({QStringLiteral("Материалы"), p.materialsRaw});
+    // Within the range: each total is, and the printed document was refused otherwise.
+    const Money added = (p.worksTotal + p.materialsTotal - p.worksRaw - p.materialsRaw).value();
+    if (!added.isZero())
+        lines.push_back({QStringLiteral("Начисления по коэффициентам"), added});
+    return lines;
+}
+
+Statement statement(const EstimatePrint &p) {
+    auto same = [](const QString &name, Money amount) { return StatementLine{name, amount, amount, amount}; };
+    Statement s;
+    for (const EstimatePrint::Line &line : statementLines(p))
+        s.lines.push_back(same(line.name, line.amount));
+    const Money total = (p.worksTotal + p.materialsTotal).value();
+    s.closing = {same(QStringLiteral("Итого"), total), same(QStringLiteral("Сумма НДС"), p.vat),
+                 same(QStringLiteral("Всего с учетом НДС"), p.grand)};
+    return s;
+}
+
+void putStatement(SheetData &d, const Statement &s) {
+    auto cells = [](SheetRow &row, const StatementLine &line) {
+        row.cells.insert(colName, SheetValue::ofText(line.name));
+        row.cells.insert(colSinceStart, money(line.sinceStart));
+        row.cells.insert(colSinceYear, money(line.sinceYear));
+        row.cells.insert(colSum, money(line.period));
+    };
+    SheetList lines;
+    lines.kinds = {rowWork};
+    for (const StatementLine &line : s.lines) {
+        SheetRow row;
+        row.kind = rowWork;
+        const int n = lines.rows.size() + 1;
+        row.cells.insert(colNumber, SheetValue::ofNumber(n, QString::number(n)));
+        row.cells.insert(colCode, SheetValue::ofText(QString()));
+        cells(row, line);
+        lines.rows << row;
+    }
+    SheetList closing;
+    closing.kinds = {rowTotals};
+    for (const StatementLine &line : s.closing) {
+        SheetRow row;
+        row.kind = rowTotals;
+        cells(row, line);
+        closing.rows << row;
+    }
+    while (d.lists.size() < 2)
+        d.lists << SheetList();
+    d.lists[0] = lines;
+    d.lists[1] = closing;
+    // "Всего работ и затрат": the first closing line.
+    const StatementLine total = s.closing.value(0);
+    d.values.insert(subtotalSinceStart, money(total.sinceStart));
+    d.values.insert(subtotalSinceYear, money(total.sinceYear));
+    d.values.insert(subtotal, money(total.period));
 }
 
 QString leftOutWarning(const EstimatePrint &print) {
@@ -287,17 +325,29 @@ QString leftOutWarning(const EstimatePrint &print) {
            print.leftOut.join(u'\n');
 }
 
+int timeBudgetMs(const EstimatePrint &print) {
+    // Two minutes for the engine's start and the template, and a little per row (an estimate of
+    // 100 000 rows gets about 9 minutes).
+    constexpr int kBaseMs = 120000;
+    constexpr int kPerRowMs = 4;
+    const qint64 rows = print.rows.size() + print.materialRows.size() + print.koefLines.size();
+    return static_cast<int>(qMin<qint64>(kBaseMs + kPerRowMs * rows, 60ll * 60 * 1000));
+}
+
 bool produce(OfficeEngine &engine, const QString &dataFolder, const EstimatePrint &print,
              const ViewTitles &titles, const QVector<TemplateFile::Output> &outputs, QString *error,
-             const SheetTemplate::Progress &progress) {
+             const SheetTemplate::Progress &progress, std::shared_ptr<const std::atomic<bool>> cancel) {
     if (!print.refusal.isEmpty()) {
         if (error)
             *error = print.refusal;
         return false;
     }
     const Sheet sheet = sheetFor(print.title, titles);
-    return SheetTemplate::fill(engine, OfficeTemplates::path(dataFolder, sheet.templateFile),
-                               sheetData(print, sheet, titles), outputs, error, progress);
+    engine.setBudget(timeBudgetMs(print), std::move(cancel));
+    const bool ok = SheetTemplate::fill(engine, OfficeTemplates::path(dataFolder, sheet.templateFile),
+                                        sheetData(print, sheet, titles), outputs, error, progress);
+    engine.clearBudget();
+    return ok;
 }
 
 QString outputBaseName(const QString &documentPath, const QString &documentTitle) {

@@ -1,5 +1,6 @@
 #include "EstimatePrint.h"
 
+#include "estimate/ActFields.h"
 #include "estimate/Coefficients.h"
 #include "estimate/EstimateEditor.h"
 #include "estimate/EstimateGrid.h"
@@ -49,6 +50,7 @@ QString lineName(const KoefLine &line) {
 void fillBody(EstimatePrint &print, const EstimateEditor &editor, QSqlDatabase db) {
     const EstimateGrid &grid = *editor.grid();
     print.rows.clear();
+    print.rows.reserve(grid.gridRowCount()); // a hundred thousand rows, not twice the room for them
     print.leftOut.clear();
     for (int r = EstimateGrid::kFixedRows; r < grid.gridRowCount(); ++r) {
         if (editor.isGrandTotalRow(r))
@@ -62,6 +64,7 @@ void fillBody(EstimatePrint &print, const EstimateEditor &editor, QSqlDatabase d
         row.quantity = grid.cell(r, EstimateCol::Qty).trimmed();
         row.price = grid.cell(r, EstimateCol::Price).trimmed();
         row.sum = grid.cell(r, EstimateCol::Sum).trimmed();
+        row.id = grid.cell(r, EstimateCol::IdDoc).trimmed();
         QStringList problems;
         for (int col : {EstimateCol::Qty, EstimateCol::Price, EstimateCol::Sum})
             if (const QString p = grid.cellProblem(r, col); !p.isEmpty())
@@ -89,6 +92,7 @@ void fillBody(EstimatePrint &print, const EstimateEditor &editor, QSqlDatabase d
             row.quantity = text(MatCol::Qty);
             row.price = text(MatCol::Price);
             row.sum = text(MatCol::Sum);
+            row.id = m->rowId(i);
             QStringList problems;
             for (int col : {MatCol::Qty, MatCol::Price, MatCol::Sum})
                 if (const QString p = m->cellProblem(i, col); !p.isEmpty())
@@ -101,7 +105,11 @@ void fillBody(EstimatePrint &print, const EstimateEditor &editor, QSqlDatabase d
         }
     }
 
-    const KoefResult &k = editor.koefResult();
+    fillTotals(print, editor.koefResult(),
+               db.isOpen() ? Coefficients::readApplied(db) : std::vector<KoefLine>());
+}
+
+void fillTotals(EstimatePrint &print, const KoefResult &k, const std::vector<KoefLine> &applied) {
     print.refusal.clear();
     for (const MoneyResult &total : {k.worksRaw, k.materialsRaw, k.works, k.materials, k.vat, k.grand})
         if (!total && print.refusal.isEmpty())
@@ -118,28 +126,20 @@ void fillBody(EstimatePrint &print, const EstimateEditor &editor, QSqlDatabase d
     print.koefLines.clear();
     print.vatName.clear();
     print.vatIncluded = false;
-    if (db.isOpen()) {
-        for (const KoefLine &line : Coefficients::readApplied(db)) {
-            if (line.isVat()) {
-                print.vatName = lineName(line);
-                print.vatIncluded = !line.raises();
-                continue;
-            }
-            const Money amount = k.effect.value(line.id);
-            if (!amount.isZero())
-                print.koefLines << EstimatePrint::Line{lineName(line), amount};
+    for (const KoefLine &line : applied) {
+        if (line.isVat()) {
+            print.vatName = lineName(line);
+            print.vatIncluded = !line.raises();
+            continue;
         }
+        const Money amount = k.effect.value(line.id);
+        if (!amount.isZero())
+            print.koefLines << EstimatePrint::Line{lineName(line), amount};
     }
 }
 
 QMap<QString, QString> readAct(QSqlDatabase db) {
-    QMap<QString, QString> act;
-    QSqlQuery q(db);
-    if (!db.isOpen() || !q.exec(QStringLiteral("SELECT name, value FROM ks2 WHERE 1")))
-        return act;
-    while (q.next())
-        act.insert(q.value(0).toString(), q.value(1).toString());
-    return act;
+    return ActFields::read(db);
 }
 
 QString basis(const EstimatePrint &print) {

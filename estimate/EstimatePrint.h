@@ -10,14 +10,18 @@
 #include <QSqlDatabase>
 #include <QString>
 #include <QVector>
+#include <vector>
 
 class EstimateEditor;
+struct KoefLine;
+struct KoefResult;
 
 struct EstimatePrint {
     enum class Kind { Work, Section, Subsection, SectionTotal, SubsectionTotal };
     struct Row {
         Kind kind = Kind::Work;
         QString number, code, name, unit, quantity, price, sum; // as the grid shows them
+        QString id; // the work's id in the document (idwork), or the material's _id
     };
     struct Line {
         QString name;
@@ -58,6 +62,10 @@ namespace EstimatePrintBuilder {
 // The body from the editor: rows of the grid (empty rows and a closing "Итого" row left out), the
 // materials, the coefficient lines of the document db and the totals.
 void fillBody(EstimatePrint &print, const EstimateEditor &editor, QSqlDatabase db);
+// The totals and the coefficient lines from a totalling of the rows (works and materials before the
+// coefficient lines) and the lines switched on (Coefficients::readApplied); a total past the maximum
+// sets the refusal.
+void fillTotals(EstimatePrint &print, const KoefResult &result, const std::vector<KoefLine> &applied);
 
 // The act data of the document (table ks2).
 QMap<QString, QString> readAct(QSqlDatabase db);

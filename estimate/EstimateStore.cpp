@@ -1,5 +1,6 @@
 #include "EstimateStore.h"
 
+#include "ActFields.h"
 #include "CrewGrid.h"
 #include "EstimateGrid.h"
 #include "MaterialsStore.h"
@@ -29,6 +30,16 @@ bool fail(const QSqlQuery &q, QString *error) {
 
 bool readSmeta(QSqlDatabase db, EstimateGrid &grid, CrewGrid &crew, QString *error) {
     // Thousands of rows: read through the C interface, each text decoded once.
+    std::vector<QStringList> rows;
+    std::vector<QStringList> crewRows;
+    // As many rows as there are, not twice that: an estimate may have a hundred thousand.
+    {
+        SqliteRows count(db, QStringLiteral("SELECT count(*) FROM smeta"));
+        if (count.ok() && count.next()) {
+            rows.reserve(count.text(0).toULongLong());
+            crewRows.reserve(rows.capacity());
+        }
+    }
     SqliteRows q(db, QStringLiteral("SELECT * FROM smeta WHERE 1"));
     if (!q.ok()) {
         if (error)
@@ -42,16 +53,9 @@ bool readSmeta(QSqlDatabase db, EstimateGrid &grid, CrewGrid &crew, QString *err
               iId = q.column("_id"), iNamePrice = q.column("NamePrice"), iKind = q.column("section"),
               iMachine = q.column("machine"), iMat = q.column("mat"), iTotal = q.column("total"),
               iKoef = q.column("KoefBrig");
-    std::vector<QStringList> rows;
-    std::vector<QStringList> crewRows;
-    QStringList emptyCrew;
-    for (int c = 0; c < CrewCol::Count; ++c)
-        emptyCrew << QString();
+    const QStringList emptyCrew(CrewCol::Count);
     while (q.next()) {
-        QStringList cells;
-        cells.reserve(EstimateCol::Count);
-        for (int c = 0; c < EstimateCol::Count; ++c)
-            cells << QString();
+        QStringList cells(EstimateCol::Count);
         cells[EstimateCol::Num] = q.text(iNum);
         cells[EstimateCol::Ras] = q.text(iRas);
         cells[EstimateCol::Name] = q.text(iName);
@@ -95,14 +99,14 @@ bool readSmeta(QSqlDatabase db, EstimateGrid &grid, CrewGrid &crew, QString *err
             *error = q.error();
         return false;
     }
-    grid.setAllRows(std::move(rows));
+    // The crew rows first: the estimate's reset rebuilds the crew sheet on them, instead of on the
+    // previous document's rows that are then thrown away (a second copy of every row at the peak).
     crew.setAllRows(std::move(crewRows));
+    grid.setAllRows(std::move(rows));
 
-    QSqlQuery ks2(db);
-    if (!ks2.exec(QStringLiteral("SELECT * FROM ks2 WHERE 1")))
-        return fail(ks2, error);
-    if (!ks2.next())
-        writeDefaultActSettings(db);
+    // The act data: a document without it, or an older one with fewer fields, gets the defaults (the
+    // estimate loads without them when they cannot be written; the act data window writes them again).
+    ActFields::ensureRows(db);
     return true;
 }
 
@@ -176,50 +180,6 @@ bool writeParameters(QSqlDatabase db, const Parameters &params, QString *error) 
     return true;
 }
 
-Parameters defaultActSettings() {
-    const QString today = TextValues::shortDate(QDate::currentDate());
-    return {{"ComboBoxZakaz", ""},
-            {"ZEditAddress", ""},
-            {"ZEditPhone", ""},
-            {"ZEditFax", ""},
-            {"ComboBoxPodryad", ""},
-            {"PEditAddress", ""},
-            {"PEditPhone", ""},
-            {"PEditFax", ""},
-            {"ComboBoxTypeWork", "Наименование стройки"},
-            {"EditNameWork", ""},
-            {"AddressWork", ""},
-            {"ComboBoxObject", ""},
-            {"EditNumDoc", ""},
-            {"DateEditContract", today},
-            {"EditSumSmet", ""},
-            {"SummaWord", ""},
-            {"EditSdal", ""},
-            {"EditDolSdal", "Прораб"},
-            {"EditPrinal", ""},
-            {"EditDolPrinal", "Представитель"},
-            {"EditNumKv", ""},
-            {"DateEditPeriodS", today},
-            {"DateEditPeriodPo", today},
-            {"RadioButton1", "0"}};
-}
-
-bool writeDefaultActSettings(QSqlDatabase db) {
-    // One transaction (a savepoint inside a caller's): one write of the file, not one per setting.
-    Transaction t(db);
-    if (!t.active())
-        return false;
-    QSqlQuery q(db);
-    q.prepare(QStringLiteral("INSERT INTO ks2 (name, value) VALUES (?, ?)"));
-    for (const auto &p : defaultActSettings()) {
-        q.addBindValue(p.first);
-        q.addBindValue(p.second);
-        if (!q.exec())
-            return false;
-    }
-    return t.commit();
-}
-
 bool writeDefaultKoefLines(QSqlDatabase db) {
     // type: "work" applies to works, "mat" to materials, "all" to both; checked "-1" on, "0" off.
     struct Line {
@@ -272,15 +232,18 @@ bool createNewDoc(TModuleSQL &module, EstimateGrid &grid, CrewGrid &crew, QStrin
         if (!MaterialsStore::clear(smeta, &why) ||
             !Schema::clearTables(smeta,
                                  {QStringLiteral("koef"), QStringLiteral("ks2"), QStringLiteral("mydoc"),
-                                  QStringLiteral("Account")},
+                                  QStringLiteral("Account"), QStringLiteral("actlist"),
+                                  QStringLiteral("actvolume")},
                                  &why))
             return why;
         // No table of today's layout: a leftover of older documents goes.
         QSqlQuery q(smeta);
         if (!q.exec(QStringLiteral("DROP TABLE IF EXISTS cashstorage")))
             return q.lastError().text();
-        if (!writeDefaultActSettings(smeta) || !writeDefaultKoefLines(smeta))
-            return QStringLiteral("не удалось записать настройки акта и строки коэффициентов");
+        if (!ActFields::ensureRows(smeta, &why))
+            return why;
+        if (!writeDefaultKoefLines(smeta))
+            return QStringLiteral("не удалось записать строки коэффициентов");
         return t.commit() ? QString() : t.error();
     };
     if (const QString why = reset(); !why.isEmpty()) {

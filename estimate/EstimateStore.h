@@ -16,7 +16,8 @@ namespace EstimateStore {
 using Parameters = QList<QPair<QString, QString>>;
 
 // ReadSQLsmeta: fills both grids from table smeta (an empty table gives one empty data row), fills
-// ks2 with the act defaults when it is empty. Returns false with the database's reason on failure.
+// ks2 with the act defaults (ActFields) where fields are missing. Returns false with the database's
+// reason on failure.
 bool readSmeta(QSqlDatabase db, EstimateGrid &grid, CrewGrid &crew, QString *error = nullptr);
 
 // WriteSQLparams: rewrites table smeta from the grids (one record per data row, in grid order) and
@@ -30,12 +31,10 @@ QMap<QString, QString> readParameters(QSqlDatabase db);
 bool writeParameters(QSqlDatabase db, const Parameters &params, QString *error = nullptr);
 
 // CreateNewDoc: clears the grids and resets the document tables of the working database and the undo
-// journal of actions.db, then writes the default act settings and coefficient lines.
+// journal of actions.db, then writes the default act data and coefficient lines.
 bool createNewDoc(TModuleSQL &module, EstimateGrid &grid, CrewGrid &crew, QString *error = nullptr);
 
-// Default rows of ks2 (the act's header fields) and of koef (the coefficient lines).
-Parameters defaultActSettings();
-bool writeDefaultActSettings(QSqlDatabase db);
+// Default rows of koef (the coefficient lines).
 bool writeDefaultKoefLines(QSqlDatabase db);
 
 } // namespace EstimateStore

@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 #include <optional>
+#include <vector>
 
 namespace MaterialsStore {
 
@@ -21,6 +22,8 @@ struct Material {
     QString price;
     QString sum; // summa
     QString note;
+    QString reserve;
+    QString numpos; // position in the materials tab; empty for rows the rates' resources added
 };
 
 // The columns a grid edits: namemat, edizm, kolvo, price, note (summa comes with each edit).
@@ -45,6 +48,19 @@ bool setQuantityByName(QSqlDatabase db, const QString &name, const QString &quan
 bool removeByIds(QSqlDatabase db, const QStringList &ids, QString *error = nullptr);
 // Deletes every material of that name.
 bool removeByName(QSqlDatabase db, const QString &name, QString *error = nullptr);
+
+// Every row in _id order (the order of the materials tab).
+std::vector<Material> readAll(QSqlDatabase db, QString *error = nullptr);
+// The position number the next material gets: one more than the rows there are.
+int nextPosition(QSqlDatabase db, QString *error = nullptr);
+// Rewrites one row by its _id: "UPDATE materials SET numpos=, namemat=, edizm=, kolvo=, price=, note="
+// (the amount stays as it is).
+bool writeRow(QSqlDatabase db, const Material &m, QString *error = nullptr);
+// Every row gets its place in _id order as its position number (rows whose number is right already
+// are left alone); one transaction.
+bool renumber(QSqlDatabase db, QString *error = nullptr);
+// Puts a row back exactly as it was, _id included (undo and redo of a step).
+bool restore(QSqlDatabase db, const Material &m, QString *error = nullptr);
 
 // Empties the table for a new document.
 bool clear(QSqlDatabase db, QString *error = nullptr);

@@ -2,11 +2,13 @@
 
 #include "EstimateMaterials.h"
 #include "ui/Dialogs.h"
+#include "ui/ShortTextDelegate.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QLabel>
+#include <QMenu>
 #include <QPushButton>
 #include <QTableView>
 #include <QVBoxLayout>
@@ -19,6 +21,7 @@ TSmetaMaterials::TSmetaMaterials(EstimateMaterials *model, QWidget *parent)
     StringGridMat = new QTableView(this);
     StringGridMat->setObjectName(QStringLiteral("StringGridMat"));
     StringGridMat->setModel(model);
+    StringGridMat->setItemDelegate(new ShortTextDelegate(StringGridMat));
     StringGridMat->verticalHeader()->setVisible(false);
     StringGridMat->verticalHeader()->setDefaultSectionSize(21);
     StringGridMat->setSelectionMode(QAbstractItemView::ContiguousSelection);
@@ -28,6 +31,13 @@ TSmetaMaterials::TSmetaMaterials(EstimateMaterials *model, QWidget *parent)
     StringGridMat->setColumnWidth(MatCol::Name, 380);
     StringGridMat->horizontalHeader()->setStretchLastSection(true);
     layout->addWidget(StringGridMat, 1);
+    PopupMenuMat = new QMenu(this);
+    PopupMenuMat->setObjectName(QStringLiteral("PopupMenuMat"));
+    StringGridMat->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(StringGridMat, &QWidget::customContextMenuRequested, this, [this](const QPoint &pos) {
+        if (!PopupMenuMat->isEmpty())
+            PopupMenuMat->popup(StringGridMat->viewport()->mapToGlobal(pos));
+    });
 
     auto *bar = new QHBoxLayout;
     ButtonAddMat = new QPushButton(QStringLiteral("Добавить материал"), this);

@@ -6,6 +6,7 @@
 
 class EstimateMaterials;
 class QLabel;
+class QMenu;
 class QPushButton;
 class QTableView;
 
@@ -18,6 +19,8 @@ public:
     QPushButton *ButtonAddMat = nullptr;
     QPushButton *ButtonDeleteMat = nullptr;
     QLabel *LabelMatTotal = nullptr;
+    // The grid's pop-up menu (other parts add their options to it).
+    QMenu *PopupMenuMat = nullptr;
 
     void ButtonAddMatClick();
     void ButtonDeleteMatClick();

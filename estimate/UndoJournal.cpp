@@ -30,6 +30,16 @@ QJsonArray toJson(const QStringList &cells) {
     return QJsonArray::fromStringList(cells);
 }
 
+// {"old": [...], "new": [...]}: the values before and after, each only when there is that side.
+QString cellsJson(const QStringList *before, const QStringList *after) {
+    QJsonObject cells;
+    if (before)
+        cells.insert(QStringLiteral("old"), toJson(*before));
+    if (after)
+        cells.insert(QStringLiteral("new"), toJson(*after));
+    return QString::fromUtf8(QJsonDocument(cells).toJson(QJsonDocument::Compact));
+}
+
 QStringList fromJson(const QJsonValue &v) {
     QStringList out;
     for (const QJsonValue &c : v.toArray())
@@ -72,8 +82,9 @@ bool UndoJournal::clear() {
     return true;
 }
 
-bool UndoJournal::record(const QString &title, const std::vector<RowDiff::Op> &ops) {
-    if (ops.empty())
+bool UndoJournal::record(const QString &title, const std::vector<RowDiff::Op> &ops,
+                         const std::vector<MaterialsUndo::Op> &materials) {
+    if (ops.empty() && materials.empty())
         return true;
     QSqlDatabase d = db();
     Transaction t(d);
@@ -103,12 +114,30 @@ bool UndoJournal::record(const QString &title, const std::vector<RowDiff::Op> &o
         q.addBindValue(QString::number(op.row));
         q.addBindValue(title);
         q.addBindValue(step);
-        QJsonObject cells;
-        if (op.kind != RowDiff::Op::Insert)
-            cells.insert(QStringLiteral("old"), toJson(op.before));
-        if (op.kind != RowDiff::Op::Delete)
-            cells.insert(QStringLiteral("new"), toJson(op.after));
-        q.addBindValue(QString::fromUtf8(QJsonDocument(cells).toJson(QJsonDocument::Compact)));
+        q.addBindValue(cellsJson(op.kind != RowDiff::Op::Insert ? &op.before : nullptr,
+                                 op.kind != RowDiff::Op::Delete ? &op.after : nullptr));
+        ok = q.exec();
+    }
+    for (const MaterialsUndo::Op &op : materials) {
+        if (!ok)
+            break;
+        // The material's name, unit, quantity, price and amount in the named columns, for reading.
+        const QStringList &shown = op.kind == MaterialsUndo::Op::Delete ? op.before : op.after;
+        q.addBindValue(shown.value(9));
+        q.addBindValue(shown.value(1));
+        for (int i : {2, 3, 4, 5, 6})
+            q.addBindValue(shown.value(i));
+        for (int i = 0; i < 3; ++i)
+            q.addBindValue(QString());
+        q.addBindValue(op.kind == MaterialsUndo::Op::Insert   ? QStringLiteral("mat-insert")
+                       : op.kind == MaterialsUndo::Op::Delete ? QStringLiteral("mat-delete")
+                                                              : QStringLiteral("mat-edit"));
+        q.addBindValue(shown.value(0));
+        q.addBindValue(shown.value(0));
+        q.addBindValue(title);
+        q.addBindValue(step);
+        q.addBindValue(cellsJson(op.kind != MaterialsUndo::Op::Insert ? &op.before : nullptr,
+                                 op.kind != MaterialsUndo::Op::Delete ? &op.after : nullptr));
         ok = q.exec();
     }
     if (!ok) {
@@ -123,8 +152,11 @@ bool UndoJournal::record(const QString &title, const std::vector<RowDiff::Op> &o
     return true;
 }
 
-bool UndoJournal::read(int step, std::vector<RowDiff::Op> &ops) {
+bool UndoJournal::read(int step, std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials) {
     ops.clear();
+    if (materials)
+        materials->clear();
+    bool any = false;
     QSqlQuery q(db());
     q.setForwardOnly(true);
     q.prepare(
@@ -135,8 +167,25 @@ bool UndoJournal::read(int step, std::vector<RowDiff::Op> &ops) {
         return false;
     }
     while (q.next()) {
+        any = true;
+        QString action = q.value(0).toString();
+        if (action.startsWith(QLatin1String("mat-"))) {
+            if (!materials)
+                continue;
+            action = action.mid(4);
+            MaterialsUndo::Op op;
+            op.kind = action == QLatin1String("insert")   ? MaterialsUndo::Op::Insert
+                      : action == QLatin1String("delete") ? MaterialsUndo::Op::Delete
+                                                          : MaterialsUndo::Op::Edit;
+            const QJsonObject cells = QJsonDocument::fromJson(q.value(2).toString().toUtf8()).object();
+            for (const QJsonValue &v : cells.value(QStringLiteral("old")).toArray())
+                op.before << v.toString();
+            for (const QJsonValue &v : cells.value(QStringLiteral("new")).toArray())
+                op.after << v.toString();
+            materials->push_back(std::move(op));
+            continue;
+        }
         RowDiff::Op op;
-        const QString action = q.value(0).toString();
         if (action == QLatin1String("insert"))
             op.kind = RowDiff::Op::Insert;
         else if (action == QLatin1String("delete"))
@@ -151,22 +200,22 @@ bool UndoJournal::read(int step, std::vector<RowDiff::Op> &ops) {
             op.after = fromJson(cells.value(QStringLiteral("new")));
         ops.push_back(std::move(op));
     }
-    if (ops.empty()) {
+    if (!any) {
         m_error = QStringLiteral("Шаг %1 журнала отмены не найден").arg(step);
         return false;
     }
     return true;
 }
 
-bool UndoJournal::takeUndo(std::vector<RowDiff::Op> &ops) {
-    if (!canUndo() || !read(m_position, ops))
+bool UndoJournal::takeUndo(std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials) {
+    if (!canUndo() || !read(m_position, ops, materials))
         return false;
     --m_position;
     return true;
 }
 
-bool UndoJournal::takeRedo(std::vector<RowDiff::Op> &ops) {
-    if (!canRedo() || !read(m_position + 1, ops))
+bool UndoJournal::takeRedo(std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials) {
+    if (!canRedo() || !read(m_position + 1, ops, materials))
         return false;
     ++m_position;
     return true;

@@ -6,8 +6,11 @@
 // `step`): `step` (the step number, all records of one step share it) and `cells` (JSON
 // {"old": [...], "new": [...]} with every cell of the row and its crew coefficient), from which a
 // step is undone and redone exactly.
+// A step may change the estimate's materials too: their records have `_action` "mat-edit",
+// "mat-insert" or "mat-delete", `MouseDownRow` the material's _id and `cells` its fields.
 // Undone steps stay for redo until a new step is recorded.
 
+#include "MaterialsUndo.h"
 #include "RowDiff.h"
 
 #include <QSqlDatabase>
@@ -26,7 +29,8 @@ public:
     bool clear();
 
     // Records one step after the current position, dropping the undone steps.
-    bool record(const QString &title, const std::vector<RowDiff::Op> &ops);
+    bool record(const QString &title, const std::vector<RowDiff::Op> &ops,
+                const std::vector<MaterialsUndo::Op> &materials = {});
 
     int count() const { return m_count; }
     int position() const { return m_position; }
@@ -37,13 +41,14 @@ public:
 
     // The ops of the step to undo (moves the position back) or to redo (moves it on); false when
     // there is none or it cannot be read.
-    bool takeUndo(std::vector<RowDiff::Op> &ops);
-    bool takeRedo(std::vector<RowDiff::Op> &ops);
+    // The step's materials ops go to *materials when given.
+    bool takeUndo(std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials = nullptr);
+    bool takeRedo(std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials = nullptr);
 
     QString error() const { return m_error; }
 
 private:
-    bool read(int step, std::vector<RowDiff::Op> &ops);
+    bool read(int step, std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials);
     QString title(int step) const;
 
     // The connection is looked up by name for every use: the journal must not keep the data module's

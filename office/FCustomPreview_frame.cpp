@@ -251,6 +251,7 @@ void TFCustomPreview::spdPrintClick() {
         return;
     QPrinter printer(QPrinter::HighResolution);
     printer.setDocName(m_title);
+    printer.setCopyCount(m_copies);
     QPrintDialog dialog(&printer, this);
     dialog.setWindowTitle(QStringLiteral("Печать"));
     dialog.setMinMax(1, pageCount());

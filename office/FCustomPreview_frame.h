@@ -28,6 +28,8 @@ public:
                       QString *error = nullptr);
     // Where "save as" starts.
     void setSaveFolder(const QString &folder) { m_saveFolder = folder; }
+    // The number of copies the print dialog offers first.
+    void setCopies(int copies) { m_copies = qMax(1, copies); }
 
     QPdfDocument *document() const { return m_document; }
     QString pdfPath() const { return m_pdfPath; }
@@ -66,4 +68,5 @@ private:
     QString m_title;
     QStringList m_companions;
     QString m_saveFolder;
+    int m_copies = 1;
 };

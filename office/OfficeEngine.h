@@ -8,10 +8,12 @@
 
 #include "office/SheetText.h"
 
+#include <QDeadlineTimer>
 #include <QJsonObject>
 #include <QPair>
 #include <QString>
 #include <QVector>
+#include <atomic>
 #include <memory>
 
 class QProcess;
@@ -41,6 +43,23 @@ public:
     bool load(const QString &path, QString *type = nullptr);
     bool replaceAll(const QVector<QPair<QString, QString>> &pairs);
     bool saveAs(const QString &path, const QString &format);
+    // Text documents: the body (without headers, footers and page setup) as HTML, and the body
+    // replaced by HTML, the document's page styles, headers and footers kept.
+    bool bodyHtml(QString *html);
+    bool replaceBody(const QString &html);
+    // The page setup of a text document (its first page style), in hundredths of a millimetre. A size
+    // of 0 keeps the size and orientation; a pair of margins with one below 0 keeps that pair.
+    struct Page {
+        int width = 0;
+        int height = 0;
+        bool landscape = false;
+        int left = -1, right = -1, top = -1, bottom = -1;
+        bool operator==(const Page &o) const {
+            return width == o.width && height == o.height && landscape == o.landscape && left == o.left &&
+                   right == o.right && top == o.top && bottom == o.bottom;
+        }
+    };
+    bool setPage(const Page &page);
     bool close();
 
     // Spreadsheets (the active sheet).
@@ -55,6 +74,8 @@ public:
     bool fitRows(const QVector<QPair<int, int>> &ranges);
     bool copy(const QString &range);
     bool paste(const QString &range);
+    // A picture file (PNG, …) with its top left corner at the cell ("B5"), in the size its file gives.
+    bool insertImage(const QString &cell, const QString &path);
 
     struct Input {
         enum class Type { Text, Number, Formula };
@@ -76,6 +97,25 @@ public:
     // Caps the time limit of every request, start included (0: each request's own limit).
     void setTimeLimit(int ms) { m_limitMs = ms; }
 
+    // A time budget for a whole piece of work (a document of many requests), and a flag that cancels
+    // it from another thread: past the budget or once cancelled, the request waiting is given up, the
+    // helper is stopped (the next request starts it again) and the request fails saying why.
+    void setBudget(int ms, std::shared_ptr<const std::atomic<bool>> cancel = {});
+    void clearBudget();
+    bool cancelled() const { return m_cancel && m_cancel->load(); }
+
+    // The time one template may take to load; past it the template counts as bad.
+    static constexpr int kLoadLimitMs = 20000;
+    // The address space the helper may take (MB): a file that makes the engine take more ends the
+    // helper instead of the machine's memory.
+    static int memoryLimitMb();
+    // The longest text entered into one cell or put in place of one placeholder; a longer one is cut
+    // (the engine takes seconds and gigabytes for a text of megabytes).
+    static constexpr int kMaxTextChars = 10000;
+    static QString cutText(const QString &text);
+    // The helper's scratch folder for the engine's own temporary files (removed when it stops).
+    QString engineTempDir() const;
+
 private:
     bool request(QJsonObject req, int timeoutMs, QJsonObject *answer = nullptr);
     bool readLine(int timeoutMs, QByteArray *line);
@@ -92,4 +132,7 @@ private:
     qint64 m_nextId = 1;
     int m_starts = 0;
     int m_limitMs = 0;
+    QDeadlineTimer m_budget = QDeadlineTimer::Forever;
+    int m_budgetMs = 0;
+    std::shared_ptr<const std::atomic<bool>> m_cancel;
 };

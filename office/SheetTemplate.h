@@ -19,6 +19,7 @@
 #include "storage/Money.h"
 
 #include <QHash>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -55,6 +56,10 @@ struct SheetData {
     // Named items whose rows are left out of the document when the item has no data or an empty text
     // (optional lines, such as a second and third service of an invoice).
     QStringList dropRowsWithout;
+    // Pictures: item name -> picture file. The cell holding "[name]" is emptied and the picture put
+    // with its top left corner there, in the size its file gives; with an empty file name the cell is
+    // only emptied (a picture left out). A template without the cell gets no picture.
+    QHash<QString, QString> images;
 };
 
 namespace SheetTemplate {
@@ -83,8 +88,10 @@ QVector<int> rowsToDrop(const SheetText::Grid &grid, const SheetData &data);
 Layout analyse(const SheetText::Grid &grid, const SheetData &data);
 
 // The placeholders still in a filled sheet that should have been filled: named items with data, and
-// any row-block placeholder.
-QStringList unfilled(const SheetText::Grid &filled, const SheetData &data);
+// any row-block placeholder. A cell that holds exactly a text that was entered into the sheet is a
+// value, not a field of the template, whatever it looks like ("ООО [заказчик]"): `written` gives those
+// texts (only the ones with a bracket matter).
+QStringList unfilled(const SheetText::Grid &filled, const SheetData &data, const QSet<QString> &written = {});
 
 using Progress = std::function<void(int percent)>;
 

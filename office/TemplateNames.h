@@ -23,6 +23,10 @@ inline const QString currency = QStringLiteral("валюта"); // "руб.", "$
 inline const QString worksTotal = QStringLiteral("итого работы");
 inline const QString materialsTotal = QStringLiteral("итого материалы");
 inline const QString subtotal = QStringLiteral("итого"); // the total before VAT added on top
+// The statement of cost (КС-3) gives each amount three times: since the start of the work, since the
+// start of the year, and (under the plain name) in the reporting period.
+inline const QString subtotalSinceStart = QStringLiteral("итого с начала работ");
+inline const QString subtotalSinceYear = QStringLiteral("итого с начала года");
 inline const QString vat = QStringLiteral("ндс");
 inline const QString grandTotal = QStringLiteral("всего");
 inline const QString grandWords = QStringLiteral("сумма прописью");
@@ -48,6 +52,9 @@ inline const QString colUnit = QStringLiteral("ед");
 inline const QString colQuantity = QStringLiteral("количество");
 inline const QString colPrice = QStringLiteral("цена");
 inline const QString colSum = QStringLiteral("сумма");
+// The statement's two further amounts of a line (КС-3).
+inline const QString colSinceStart = QStringLiteral("с начала работ");
+inline const QString colSinceYear = QStringLiteral("с начала года");
 
 // The list of closing lines (works, materials, coefficient lines, VAT, grand total): columns
 // colName and colSum.

@@ -20,5 +20,9 @@ using Replacements = QVector<QPair<QString, QString>>;
 // and saves the outputs (".docx", ".rtf", ".pdf", ".odt", ".txt"). False with a Russian message.
 bool fill(OfficeEngine &engine, const QString &templatePath, const Replacements &replacements,
           const QVector<TemplateFile::Output> &outputs, QString *error);
+// The same on a template already loaded into the engine (TemplateFile::open), for callers that tell
+// a template that cannot be loaded from a filling that fails.
+bool fillLoaded(OfficeEngine &engine, const QString &templatePath, const Replacements &replacements,
+                const QVector<TemplateFile::Output> &outputs, QString *error);
 
 } // namespace WordTemplate

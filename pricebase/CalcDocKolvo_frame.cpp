@@ -15,8 +15,9 @@ TCalcDocKolvo::TCalcDocKolvo(const QString &number, const QString &name, const Q
     setObjectName(QStringLiteral("CalcDocKolvo"));
     setWindowTitle(QStringLiteral("Найдено совпадение"));
     auto *layout = new QVBoxLayout(this);
-    layout->addWidget(
-        new QLabel(QStringLiteral("Эта работа уже есть в разделе. Измените её количество:"), this));
+    LabelPrompt = new QLabel(QStringLiteral("Эта работа уже есть в разделе. Измените её количество:"), this);
+    LabelPrompt->setObjectName(QStringLiteral("LabelPrompt"));
+    layout->addWidget(LabelPrompt);
     auto *form = new QFormLayout;
     auto field = [this](const QString &objectName, const QString &text, bool readOnly) {
         auto *e = new QLineEdit(text, this);

@@ -21,6 +21,7 @@ public:
     QLineEdit *EditKolvo = nullptr;    // the row's quantity
     QLineEdit *EditKolvoAdd = nullptr; // quantity to add
     QLabel *LabelProblem = nullptr;
+    QLabel *LabelPrompt = nullptr; // what was found (the materials' dialog says it of a material)
 
     void accept() override;
 

@@ -112,16 +112,7 @@ void PricePart::buildLiveSearch() {
             });
     connect(m_cellWatcher, &CellEditorWatcher::chooseRequested, this, &PricePart::MemoPriceDblClick);
     connect(m_memo, &LiveSearchList::chosen, this, &PricePart::MemoPriceDblClick);
-    connect(m_memo, &LiveSearchList::typingReturned, this,
-            [this, view](int key, Qt::KeyboardModifiers mods, const QString &text) {
-                QWidget *target = m_cellWatcher->editor() ? static_cast<QWidget *>(m_cellWatcher->editor())
-                                                          : static_cast<QWidget *>(view);
-                target->setFocus();
-                if (key == 0)
-                    return;
-                QKeyEvent press(QEvent::KeyPress, key, mods, text);
-                QApplication::sendEvent(target, &press);
-            });
+    returnTypingToEditor(m_memo, m_cellWatcher, view);
     connect(m_priceBase, &PriceBase::listRead, this, [this](bool rebuilt) {
         // The names behind the list were replaced.
         if (rebuilt) {

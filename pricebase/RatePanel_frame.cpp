@@ -5,12 +5,14 @@
 #include "storage/MainSettings.h"
 #include "storage/SettingsStore.h"
 #include "ui/Dialogs.h"
+#include "ui/ShortTextDelegate.h"
 
 #include <QAction>
 #include <QComboBox>
 #include <QHeaderView>
 #include <QMenu>
 #include <QSplitter>
+#include <QStackedWidget>
 #include <QStandardItemModel>
 #include <QStyle>
 #include <QTabWidget>
@@ -115,12 +117,27 @@ void TRatePanel::buildWidgets() {
     tabMaterial = page(QStringLiteral("tabMaterial"), QStringLiteral("Материалы"));
     tabPriceServer = page(QStringLiteral("tabPriceServer"), QStringLiteral("Расценки на сервере Вирн"));
     PageControlRas->setTabToolTip(1, kTab2);
-    // The materials lists are not part of this panel yet: the tab is shown but cannot be chosen.
+    // Until a materials part fills it, the materials tab is shown but cannot be chosen.
     PageControlRas->setTabEnabled(2, false);
-    PageControlRas->setTabToolTip(2, QStringLiteral("Списки материалов в этой панели пока недоступны"));
     PageControlRas->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     connect(PageControlRas, &QTabWidget::currentChanged, this, &TRatePanel::PageControlRasChange);
     layout->addWidget(PageControlRas);
+
+    // The rate grid with its tools, or the materials lists in its place.
+    m_stack = new QStackedWidget(this);
+    m_stack->setObjectName(QStringLiteral("StackRas"));
+    layout->addWidget(m_stack, 1);
+    auto *ratesPage = new QWidget(m_stack);
+    ratesPage->setObjectName(QStringLiteral("PageRates"));
+    m_stack->addWidget(ratesPage);
+    m_materialsPage = new QWidget(m_stack);
+    m_materialsPage->setObjectName(QStringLiteral("PageMaterials"));
+    auto *materialsLayout = new QVBoxLayout(m_materialsPage);
+    materialsLayout->setContentsMargins(0, 0, 0, 0);
+    m_stack->addWidget(m_materialsPage);
+    layout = new QVBoxLayout(ratesPage);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
 
     ToolBarRas = new QToolBar(this);
     ToolBarRas->setObjectName(QStringLiteral("ToolBarRas"));
@@ -160,6 +177,7 @@ void TRatePanel::buildWidgets() {
     StringGridRas = new QTableView(split);
     StringGridRas->setObjectName(QStringLiteral("StringGridRas"));
     StringGridRas->setModel(&m_base.model());
+    StringGridRas->setItemDelegate(new ShortTextDelegate(StringGridRas));
     StringGridRas->verticalHeader()->setVisible(false);
     StringGridRas->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     StringGridRas->verticalHeader()->setDefaultSectionSize(21);
@@ -352,7 +370,23 @@ void TRatePanel::PageControlRasChange(int index) {
     }
     m_tabIndex = index;
     m_base.setTab(static_cast<PriceTab>(index));
+    const bool materials = index == static_cast<int>(PriceTab::Material);
+    m_stack->setCurrentWidget(materials ? m_materialsPage : m_stack->widget(0));
     readCurrent();
+    if (materials)
+        emit materialsShown();
+}
+
+void TRatePanel::setMaterialsAvailable(bool on) {
+    PageControlRas->setTabEnabled(static_cast<int>(PriceTab::Material), on);
+}
+
+const RateRow *TRatePanel::currentRate() const {
+    const QModelIndex current = StringGridRas->currentIndex();
+    if (!current.isValid())
+        return nullptr;
+    const int i = m_base.model().sourceIndex(RateGridModel::toGridRow(current.row()));
+    return i < 0 ? nullptr : &m_base.model().allRows()[static_cast<size_t>(i)];
 }
 
 void TRatePanel::spdRasBrigClick(bool on) {
@@ -391,6 +425,7 @@ void TRatePanel::ToolServerRasClick(bool on) {
             m_switching = false;
             m_tabIndex = 0;
             m_base.setTab(PriceTab::MyPrice);
+            m_stack->setCurrentIndex(0);
             readCurrent();
         }
         return;
@@ -425,7 +460,9 @@ void TRatePanel::ToolServerRasClick(bool on) {
     m_switching = false;
     m_tabIndex = static_cast<int>(PriceTab::Server);
     m_base.setTab(PriceTab::Server);
+    m_stack->setCurrentIndex(0);
     readCurrent();
+    emit serverConnected();
 }
 
 void TRatePanel::ToolServerSettingsClick() {

@@ -6,10 +6,13 @@
 #include <QWidget>
 #include <functional>
 
+class RateRow;
+
 class PriceBase;
 class QAction;
 class QComboBox;
 class QMenu;
+class QStackedWidget;
 class QStandardItemModel;
 class QTabWidget;
 class QTableView;
@@ -73,9 +76,20 @@ public:
     // In edit mode with unsaved edits: asks whether to save; false when the user cancelled.
     bool settleEdits();
 
+    // The tab "Материалы" shows the materials lists in place of the rate grid: the materials part
+    // puts its frame into this page and enables the tab.
+    QWidget *materialsPage() const { return m_materialsPage; }
+    void setMaterialsAvailable(bool on);
+    // The current rate grid row as a rate (null for the empty placeholder row or no row).
+    const RateRow *currentRate() const;
+
 signals:
     // StringGridRasDblClickCell: a double-click on grid row r (1 = first data row).
     void rateDoubleClicked(int gridRow);
+    // The tab "Материалы" was chosen (its page is shown).
+    void materialsShown();
+    // Connected to the server and its list was read.
+    void serverConnected();
 
 private:
     void buildWidgets();
@@ -91,6 +105,8 @@ private:
     void tell(const QString &text);
 
     PriceBase &m_base;
+    QStackedWidget *m_stack = nullptr;
+    QWidget *m_materialsPage = nullptr;
     QStandardItemModel *m_tree = nullptr;
     std::function<SettingsStore *()> m_settings;
     std::function<QString()> m_koef;

@@ -61,7 +61,7 @@ const QVector<MainSettingKey> &MainSettings::keys() {
         {"View", "EditLocal", "ЛОКАЛЬНЫЙ РЕСУРСНЫЙ СМЕТНЫЙ РАСЧЕТ"},
         {"View", "FontSizeTable", "10"},
         {"View", "ViewInfo", "1"},
-        {"View", "LastInfo", ""},
+        {"View", "LastInfo", "14.09.2018"},
         {"View", "ListMat", "0"},
         {"View", "ListMatWidth", "300"},
         {"View", "tabSkladListMat", "0"},

@@ -18,6 +18,7 @@ class MainSettings;
 class QAction;
 class QMainWindow;
 class QMenu;
+class QProgressBar;
 class QTabWidget;
 class QToolBar;
 class QWidget;
@@ -56,6 +57,10 @@ public:
     virtual QAction *addOption(QMenu *menu, const QString &key, const QString &caption) = 0;
     // A short note in the status bar (what was written where).
     virtual void showStatus(const QString &text, int milliseconds = 10000) = 0;
+    // The main window's progress bar (ProgressBar1): showProgress resets it (0 to 100), centres it over
+    // the window and shows it; hideProgress hides it again.
+    virtual QProgressBar *showProgress() = 0;
+    virtual void hideProgress() = 0;
 
     virtual QList<ShellPart *> parts() const = 0;
     // Another part by its type; null when the program has no such part.

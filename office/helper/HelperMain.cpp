@@ -3,7 +3,9 @@
 // written is {"event":"ready",…} once the engine has started, or {"event":"fatal",…} when it cannot.
 //
 // Arguments: --install DIR (LibreOffice "program" folder), --profile DIR (private profile folder),
-// --temp DIR (scratch files of this helper).
+// --temp DIR (scratch files of this helper), --engine-temp DIR (the engine's own temporary files,
+// which the program removes when the helper ends), --memory-mb N (the address space the helper may
+// take: past it the engine's allocations fail and the helper ends, not the machine's memory).
 
 #include "LokSession.h"
 #include "office/SheetText.h"
@@ -15,6 +17,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 #include <QUrl>
 
 #include <csignal>
@@ -22,6 +25,7 @@
 #include <iostream>
 #include <string>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
@@ -102,6 +106,10 @@ public:
             ok = replaceAll(req.value(QStringLiteral("pairs")).toArray(), &error);
         } else if (op == QLatin1String("saveAs")) {
             ok = saveAs(req, &error);
+        } else if (op == QLatin1String("bodyHtml") || op == QLatin1String("replaceBody")) {
+            ok = body(op == QLatin1String("replaceBody"), req, &answer, &error);
+        } else if (op == QLatin1String("setPage")) {
+            ok = setPage(req, &error);
         } else if (m_s.docType() != LokSession::DocType::Spreadsheet) {
             error = "операция только для таблиц: " + op.toStdString();
         } else if (op == QLatin1String("sheet")) {
@@ -126,6 +134,8 @@ public:
                  m_s.uno(op == QLatin1String("copy") ? ".uno:Copy" : ".uno:Paste", "", kStep, &error);
         } else if (op == QLatin1String("enter")) {
             ok = enterCells(req.value(QStringLiteral("cells")).toArray(), &error);
+        } else if (op == QLatin1String("insertImage")) {
+            ok = insertImage(req, &error);
         } else {
             error = "неизвестная операция: " + op.toStdString();
         }
@@ -181,6 +191,79 @@ private:
             options = "UTF8,LF";
         QFile::remove(path);
         return m_s.saveAs(toUrl(path), format.toStdString(), options, error);
+    }
+
+    // The body of a text document as HTML (headers, footers and page setup stay apart), or the body
+    // replaced by the HTML given, with the document's page styles, headers and footers kept.
+    bool body(bool replace, const QJsonObject &req, QJsonObject *answer, std::string *error) {
+        if (m_s.docType() != LokSession::DocType::Text) {
+            *error = "операция только для текстовых документов";
+            return false;
+        }
+        if (!m_s.selectBody(error))
+            return false;
+        if (replace) {
+            // The old body goes first, and with it the direct formatting of its first paragraph. The
+            // paragraph left behind takes in the first pasted paragraph without that paragraph's own
+            // looks (alignment, spacing): a paragraph of one sign goes first instead, then the sign and
+            // its paragraph are deleted, and the next paragraph keeps its looks.
+            QString html = req.value(QStringLiteral("html")).toString();
+            static const QRegularExpression body(QStringLiteral("<body[^>]*>"),
+                                                 QRegularExpression::CaseInsensitiveOption);
+            const QRegularExpressionMatch m = body.match(html);
+            html.insert(m.hasMatch() ? m.capturedEnd() : 0, QStringLiteral("<p>§</p>"));
+            return m_s.uno(".uno:Delete", "", kStep, error) &&
+                   m_s.uno(".uno:ResetAttributes", "", kStep, error) &&
+                   m_s.paste("text/html", html.toUtf8().toStdString(), error) &&
+                   m_s.uno(".uno:GoToStartOfDoc", "", kStep, error) &&
+                   m_s.uno(".uno:EndOfParaSel", "", kStep, error) &&
+                   m_s.uno(".uno:Delete", "", kStep, error) && m_s.uno(".uno:Delete", "", kStep, error);
+        }
+        std::string html;
+        if (!m_s.selection("text/html", &html, error))
+            return false;
+        (*answer)[QStringLiteral("html")] = QString::fromStdString(html);
+        return true;
+    }
+
+    // The page style under the cursor (the first page's): size and orientation, margins, in
+    // hundredths of a millimetre; what the request leaves at 0 or below 0 stays as it is.
+    bool setPage(const QJsonObject &req, std::string *error) {
+        if (m_s.docType() != LokSession::DocType::Text) {
+            *error = "операция только для текстовых документов";
+            return false;
+        }
+        const auto number = [&req](const char *key) { return req.value(QLatin1String(key)).toInt(-1); };
+        const auto args = [](std::initializer_list<std::pair<const char *, QJsonValue>> list) {
+            QJsonObject o;
+            for (const auto &p : list) {
+                const char *type = p.second.isBool() ? "boolean" : "long";
+                o[QLatin1String(p.first)] = QJsonObject{{QStringLiteral("type"), QLatin1String(type)},
+                                                        {QStringLiteral("value"), p.second}};
+            }
+            return QJsonDocument(o).toJson(QJsonDocument::Compact).toStdString();
+        };
+        if (number("width") > 0 && number("height") > 0) {
+            const bool landscape = req.value(QStringLiteral("landscape")).toBool();
+            if (!m_s.uno(".uno:AttributePage", args({{"AttributePage.Landscape", landscape}}), kStep,
+                         error) ||
+                !m_s.uno(".uno:AttributePageSize",
+                         args({{"AttributePageSize.Width", number("width")},
+                               {"AttributePageSize.Height", number("height")}}),
+                         kStep, error))
+                return false;
+        }
+        if (number("left") >= 0 && number("right") >= 0 &&
+            !m_s.uno(".uno:PageLRMargin",
+                     args({{"PageLRMargin.Left", number("left")}, {"PageLRMargin.Right", number("right")}}),
+                     kStep, error))
+            return false;
+        if (number("top") >= 0 && number("bottom") >= 0 &&
+            !m_s.uno(".uno:PageULMargin",
+                     args({{"PageULMargin.Upper", number("top")}, {"PageULMargin.Lower", number("bottom")}}),
+                     kStep, error))
+            return false;
+        return true;
     }
 
     // Comma separated, quoted by '"', UTF-8, cells as shown.
@@ -285,6 +368,20 @@ private:
         return true;
     }
 
+    // A picture from a file with its top left corner at the cell, in the size its file gives
+    // (pixels and dots per inch).
+    bool insertImage(const QJsonObject &req, std::string *error) {
+        const QString path = req.value(QStringLiteral("path")).toString();
+        if (!QFileInfo::exists(path)) {
+            *error = "файл не найден: " + path.toStdString();
+            return false;
+        }
+        return goTo(req.value(QStringLiteral("cell")).toString(), error) &&
+               m_s.uno(".uno:InsertGraphic",
+                       stringArg("FileName", QString::fromStdString(toUrl(path))).toStdString(), kStep,
+                       error);
+    }
+
     LokSession &m_s;
     QString m_temp;
 };
@@ -325,6 +422,8 @@ int main(int argc, char **argv) {
     QString install = QStringLiteral("/usr/lib/libreoffice/program");
     QString profile;
     QString temp = QDir::tempPath();
+    QString engineTemp;
+    long memoryMb = 0;
     for (int i = 1; i + 1 < argc; i += 2) {
         const QString key = QString::fromLocal8Bit(argv[i]);
         const QString value = QString::fromUtf8(argv[i + 1]);
@@ -334,6 +433,21 @@ int main(int argc, char **argv) {
             profile = value;
         else if (key == QLatin1String("--temp"))
             temp = value;
+        else if (key == QLatin1String("--engine-temp"))
+            engineTemp = value;
+        else if (key == QLatin1String("--memory-mb"))
+            memoryMb = value.toLong();
+    }
+    if (memoryMb > 0) {
+        const rlim_t bytes = static_cast<rlim_t>(memoryMb) * 1024 * 1024;
+        rlimit limit{bytes, bytes};
+        setrlimit(RLIMIT_AS, &limit);
+    }
+    // The engine makes folders of its own (lu*.tmp) in the temporary folder: a private one, which the
+    // program removes, instead of the system's.
+    if (!engineTemp.isEmpty()) {
+        QDir().mkpath(engineTemp);
+        setenv("TMPDIR", QFile::encodeName(engineTemp).constData(), 1);
     }
     if (profile.isEmpty()) {
         writeLine({{QStringLiteral("event"), QStringLiteral("fatal")},

@@ -4,6 +4,7 @@
 #include <LibreOfficeKit/LibreOfficeKit.hxx>
 
 #include <chrono>
+#include <cstdlib>
 #include <thread>
 
 namespace {
@@ -178,4 +179,55 @@ bool LokSession::saveAs(const std::string &url, const std::string &format, const
 std::string LokSession::cellAddress() {
     std::lock_guard<std::mutex> lock(m_mutex);
     return m_cellAddress;
+}
+
+bool LokSession::selection(const std::string &mimeType, std::string *data, std::string *error) {
+    if (!m_doc) {
+        *error = "нет открытого документа";
+        return false;
+    }
+    takeError();
+    char *used = nullptr;
+    char *text = m_doc->getTextSelection(mimeType.c_str(), &used);
+    data->assign(text ? text : "");
+    std::free(text);
+    std::free(used);
+    const std::string why = takeError();
+    if (!why.empty()) {
+        *error = why;
+        return false;
+    }
+    return true;
+}
+
+bool LokSession::selectBody(std::string *error) {
+    // In a table each press takes in more: the cell, the table, then the whole body; a press that
+    // adds nothing may still turn a table selection into the body's. Pressed until two presses in a
+    // row add nothing.
+    std::string before;
+    int still = 0;
+    for (int press = 0; press < 6 && still < 2; ++press) {
+        if (!uno(".uno:SelectAll", "", 20000, error))
+            return false;
+        std::string now;
+        if (!selection("text/plain;charset=utf-8", &now, error))
+            return false;
+        still = now.size() > before.size() ? 0 : still + 1;
+        before.swap(now);
+    }
+    return true;
+}
+
+bool LokSession::paste(const std::string &mimeType, const std::string &data, std::string *error) {
+    if (!m_doc) {
+        *error = "нет открытого документа";
+        return false;
+    }
+    takeError();
+    if (!m_doc->paste(mimeType.c_str(), data.data(), data.size())) {
+        const std::string why = takeError();
+        *error = why.empty() ? std::string("вставка не удалась") : why;
+        return false;
+    }
+    return true;
 }

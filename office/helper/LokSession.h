@@ -45,6 +45,15 @@ public:
     // The address Calc last reported for the cell cursor ("B5" or "A3:C7").
     std::string cellAddress();
 
+    // Text documents: the whole body (headers, footers and page setup stay apart) selected, as the
+    // user's "select all" pressed until the selection stops growing (tables at the start or end of the
+    // document are taken in only by the later presses).
+    bool selectBody(std::string *error);
+    // The selection in a clipboard format ("text/html", "text/plain;charset=utf-8").
+    bool selection(const std::string &mimeType, std::string *data, std::string *error);
+    // Pastes data of that clipboard format over the selection.
+    bool paste(const std::string &mimeType, const std::string &data, std::string *error);
+
 private:
     struct Result {
         std::string command;

@@ -50,7 +50,8 @@ void documentBox(SheetBuilder &s, int row, int firstColumn, const QString &title
     s.setRowHeight(row + 2, 0.7);
 }
 
-// "Сдал | должность | подпись | расшифровка" and the explanations under the lines.
+// "Сдал | должность | подпись | расшифровка" and the explanations under the lines, "М. П." beside
+// them: two rows.
 void signature(SheetBuilder &s, int row, const QString &who, const QString &position, const QString &name,
                const QVector<int> &spans) {
     int c = 1;
@@ -66,7 +67,7 @@ void signature(SheetBuilder &s, int row, const QString &who, const QString &posi
     s.cell(row, c, ph(name), CellLook().under().center().bottom().w(), spans[3]);
     s.cell(row + 1, c, QStringLiteral("(расшифровка подписи)"), small(), spans[3]);
     s.setRowHeight(row, 0.8);
-    s.cell(row + 2, 1, QStringLiteral("М. П."), CellLook().pt(8));
+    s.cell(row + 1, 1, QStringLiteral("М. П."), CellLook().pt(8));
 }
 
 const QString kAuthority = QStringLiteral("Утверждена постановлением Госкомстата России от 11.11.99 № 100");
@@ -102,16 +103,17 @@ QByteArray ks2Sheet() {
     s.cell(16, 8, ph(QStringLiteral("DateEditContract")), codeBox());
     s.cell(17, 7, QStringLiteral("Вид операции"), CellLook().pt(8).right());
     s.cell(17, 8, QString(), codeBox());
-    documentBox(s, 19, 4, QStringLiteral("АКТ"));
-    s.cell(22, 1, QStringLiteral("О ПРИЕМКЕ ВЫПОЛНЕННЫХ РАБОТ"), CellLook().pt(12).b().center(), 8);
-    s.cell(24, 1,
+    // Compact enough for a short act to keep both signatures on its first page.
+    documentBox(s, 18, 4, QStringLiteral("АКТ"));
+    s.cell(21, 1, QStringLiteral("О ПРИЕМКЕ ВЫПОЛНЕННЫХ РАБОТ"), CellLook().pt(12).b().center(), 8);
+    s.cell(22, 1,
            QStringLiteral("Сметная (договорная) стоимость в соответствии с договором подряда (субподряда)"),
            CellLook().bottom(), 5);
-    s.cell(24, 6, ph(QStringLiteral("EditSumSmet")), CellLook().under().right().bottom().money(), 2);
-    s.cell(24, 8, ph(currency), CellLook().bottom());
-    s.cell(25, 1, ph(basis), CellLook().w(), 8);
+    s.cell(22, 6, ph(QStringLiteral("EditSumSmet")), CellLook().under().right().bottom().money(), 2);
+    s.cell(22, 8, ph(currency), CellLook().bottom());
+    s.cell(23, 1, ph(basis), CellLook().w(), 8);
 
-    const int h = 27;
+    const int h = 25;
     const CellLook head = LayoutParts::headLook().pt(8);
     s.cell(h, 1, QStringLiteral("Номер"), head, 2);
     s.cell(h + 1, 1, QStringLiteral("по порядку"), head);
@@ -138,7 +140,7 @@ QByteArray ks2Sheet() {
     s.setRepeatedRows(h, h + 2);
     signature(s, row, QStringLiteral("Сдал"), QStringLiteral("EditDolSdal"), QStringLiteral("EditSdal"),
               {1, 2, 2, 3});
-    signature(s, row + 4, QStringLiteral("Принял"), QStringLiteral("EditDolPrinal"),
+    signature(s, row + 3, QStringLiteral("Принял"), QStringLiteral("EditDolPrinal"),
               QStringLiteral("EditPrinal"), {1, 2, 2, 3});
     return s.fods();
 }
@@ -170,12 +172,12 @@ QByteArray ks3Sheet() {
     s.cell(14, 7, ph(QStringLiteral("DateEditContract")), codeBox());
     s.cell(15, 6, QStringLiteral("Вид операции"), CellLook().pt(8).right());
     s.cell(15, 7, QString(), codeBox());
-    documentBox(s, 17, 4, QStringLiteral("СПРАВКА"));
-    s.cell(20, 1, QStringLiteral("О СТОИМОСТИ ВЫПОЛНЕННЫХ РАБОТ И ЗАТРАТ"), CellLook().pt(12).b().center(),
+    documentBox(s, 16, 4, QStringLiteral("СПРАВКА"));
+    s.cell(19, 1, QStringLiteral("О СТОИМОСТИ ВЫПОЛНЕННЫХ РАБОТ И ЗАТРАТ"), CellLook().pt(12).b().center(),
            7);
-    s.cell(21, 1, ph(basis), CellLook().w().center(), 7);
+    s.cell(20, 1, ph(basis), CellLook().w().center(), 7);
 
-    const int h = 23;
+    const int h = 22;
     const CellLook head = LayoutParts::headLook().pt(8);
     s.cell(h, 1, QStringLiteral("Номер по порядку"), head, 1, 2);
     s.cell(h, 2,
@@ -203,8 +205,11 @@ QByteArray ks3Sheet() {
     s.cell(row, 2, QStringLiteral("Всего работ и затрат, включаемых в стоимость работ"), CellLook(name).b(),
            2);
     s.cell(row, 4, QString(), LayoutParts::dataText());
+    // Columns 5 to 7: since the start of the work, since the start of the year, the reporting period.
+    const QString amounts[] = {colSinceStart, colSinceYear, colSum};
+    const QString totals[] = {subtotalSinceStart, subtotalSinceYear, subtotal};
     for (int c = 5; c <= 7; ++c)
-        s.cell(row, c, ph(subtotal), CellLook(amount).b());
+        s.cell(row, c, ph(totals[c - 5]), CellLook(amount).b());
     ++row;
     s.cell(row, 1, QString(), LayoutParts::dataText());
     s.cell(row, 2, QStringLiteral("в том числе:"), CellLook(name).i(), 2);
@@ -217,16 +222,16 @@ QByteArray ks3Sheet() {
     s.cell(row, 2, ph(rowWork, colName), name, 2);
     s.cell(row, 4, ph(rowWork, colCode), LayoutParts::dataText().center().text());
     for (int c = 5; c <= 7; ++c)
-        s.cell(row, c, ph(rowWork, colSum), amount);
+        s.cell(row, c, ph(rowWork, amounts[c - 5]), amount);
     ++row;
     // Итого, Сумма НДС, Всего с учетом НДС.
     s.cell(row, 1, ph(rowTotals, colName), CellLook().b().right().box(), 4);
     for (int c = 5; c <= 7; ++c)
-        s.cell(row, c, ph(rowTotals, colSum), CellLook().b().box().right().money());
+        s.cell(row, c, ph(rowTotals, amounts[c - 5]), CellLook().b().box().right().money());
     row += 2;
     signature(s, row, QStringLiteral("Заказчик (Генподрядчик)"), QStringLiteral("EditDolPrinal"),
               QStringLiteral("EditPrinal"), {2, 2, 1, 2});
-    signature(s, row + 4, QStringLiteral("Подрядчик (Субподрядчик)"), QStringLiteral("EditDolSdal"),
+    signature(s, row + 3, QStringLiteral("Подрядчик (Субподрядчик)"), QStringLiteral("EditDolSdal"),
               QStringLiteral("EditSdal"), {2, 2, 1, 2});
     return s.fods();
 }

@@ -237,7 +237,10 @@ QByteArray SheetBuilder::fods() const {
             xml += QStringLiteral("<table:table-header-rows>\n");
         const QString rowStyle =
             m_heights.contains(rowNumber) ? QStringLiteral("ro%1").arg(rowNumber) : QStringLiteral("roAuto");
-        xml += QStringLiteral("<table:table-row table:style-name=\"%1\">").arg(rowStyle);
+        xml +=
+            QStringLiteral("<table:table-row table:style-name=\"%1\"%2>")
+                .arg(rowStyle, m_hidden.contains(rowNumber) ? QStringLiteral(" table:visibility=\"collapse\"")
+                                                            : QString());
         const QVector<Cell> &row = m_cells.at(r);
         for (const Cell &c : row) {
             if (!c.present) {

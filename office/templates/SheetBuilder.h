@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QMap>
+#include <QSet>
 #include <QString>
 #include <QVector>
 
@@ -94,6 +95,8 @@ public:
     void setColumns(const QVector<double> &widthsCm);
     // Rows from 1. A row without a height fits its contents.
     void setRowHeight(int row, double cm);
+    // A row that is kept but neither shown nor printed (data for formulas of the user's own copy).
+    void setHiddenRow(int row) { m_hidden.insert(row); }
     // Rows from 1, columns from 1 (A = 1). A merged area covers span columns and rowSpan rows; the
     // covered cells get the same look so that the area's borders are whole.
     void cell(int row, int column, const QString &text, const CellLook &look = {}, int span = 1,
@@ -124,6 +127,7 @@ private:
     Orientation m_orientation;
     QVector<double> m_columns;
     QMap<int, double> m_heights;
+    QSet<int> m_hidden;
     QVector<QVector<Cell>> m_cells; // [row][column], from 0
     int m_repeatFirst = 0, m_repeatLast = 0;
     double m_left = 1.5, m_top = 1.0, m_right = 1.0, m_bottom = 1.0;

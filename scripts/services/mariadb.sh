@@ -11,6 +11,7 @@ if [[ -z "$cmd" || -z "$scratch" ]]; then
     echo "usage: $0 start|stop <scratch dir>" >&2
     exit 2
 fi
+source "$(dirname "$0")/../lib/services.sh"
 base="$scratch/mariadb"
 sock="$base/mysqld.sock"
 pidfile="$base/mysqld.pid"
@@ -35,17 +36,7 @@ port_is_free() {
 }
 
 stop_server() {
-    [[ -f "$pidfile" ]] || return 0
-    local pid
-    pid=$(cat "$pidfile" 2>/dev/null || true)
-    [[ -n "$pid" ]] || return 0
-    kill "$pid" 2>/dev/null || true
-    for _ in $(seq 1 100); do
-        kill -0 "$pid" 2>/dev/null || break
-        sleep 0.1
-    done
-    kill -9 "$pid" 2>/dev/null || true
-    rm -f "$pidfile"
+    stop_pidfile "$pidfile" 100
 }
 
 case "$cmd" in

@@ -166,11 +166,16 @@ TEST(EstimateOutput, StatementHasOneLinePerSectionPlusMaterialsAndCoefficients) 
     for (const SheetRow &r : d.lists[0].rows) {
         lines << r.cells.value(colNumber).text + u' ' + r.cells.value(colName).text;
         sum += r.cells.value(colSum).number;
+        // One act covering the estimate: the same amount since the start, since the year, in the period.
+        EXPECT_EQ(r.cells.value(colSinceStart).text, r.cells.value(colSum).text);
+        EXPECT_EQ(r.cells.value(colSinceYear).text, r.cells.value(colSum).text);
     }
     EXPECT_EQ(lines, (QStringList{"1 РАЗДЕЛ 1. Демонтаж", "2 РАЗДЕЛ 2. Стены", "3 Материалы",
                                   "4 Начисления по коэффициентам"}));
     EXPECT_NEAR(sum, number(p.worksTotal) + number(p.materialsTotal), 0.005);
     EXPECT_DOUBLE_EQ(d.values.value(subtotal).number, number(p.worksTotal) + number(p.materialsTotal));
+    EXPECT_DOUBLE_EQ(d.values.value(subtotalSinceStart).number, d.values.value(subtotal).number);
+    EXPECT_DOUBLE_EQ(d.values.value(subtotalSinceYear).number, d.values.value(subtotal).number);
 }
 
 TEST(EstimateOutput, HeaderItemsActFieldsAndWords) {

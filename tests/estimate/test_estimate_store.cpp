@@ -1,6 +1,7 @@
 // Loading the estimate from the working database and storing it back.
 
 #include "TestFolder.h"
+#include "estimate/ActFields.h"
 #include "estimate/CrewGrid.h"
 #include "estimate/EstimateGrid.h"
 #include "estimate/EstimateStore.h"
@@ -35,10 +36,10 @@ TEST_F(EstimateStoreTest, EmptySmetaLoadsAsOneEmptyRowAndGetsActDefaults) {
     ASSERT_TRUE(EstimateStore::readSmeta(module.database(Db::Smeta), grid, crew));
     EXPECT_EQ(grid.gridRowCount(), 3);
     EXPECT_EQ(crew.gridRowCount(), 2);
-    EXPECT_EQ(count("ks2"), EstimateStore::defaultActSettings().size());
+    EXPECT_EQ(count("ks2"), ActFields::fields().size());
     // A second load does not add the defaults twice.
     ASSERT_TRUE(EstimateStore::readSmeta(module.database(Db::Smeta), grid, crew));
-    EXPECT_EQ(count("ks2"), EstimateStore::defaultActSettings().size());
+    EXPECT_EQ(count("ks2"), ActFields::fields().size());
 }
 
 TEST_F(EstimateStoreTest, RecordsFillTheColumnsWithIdAndLabourRules) {
@@ -143,7 +144,7 @@ TEST_F(EstimateStoreTest, NewDocumentResetsTablesAndTheUndoJournal) {
     EXPECT_EQ(count("materials"), 0);
     EXPECT_EQ(count("mydoc"), 0);
     EXPECT_EQ(count("koef"), 5);
-    EXPECT_EQ(count("ks2"), EstimateStore::defaultActSettings().size());
+    EXPECT_EQ(count("ks2"), ActFields::fields().size());
     QSqlQuery q(module.database(Db::ReturnAction));
     q.exec("SELECT COUNT(*) FROM ReturnAction");
     ASSERT_TRUE(q.next());

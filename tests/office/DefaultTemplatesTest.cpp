@@ -89,11 +89,12 @@ TEST_F(DefaultTemplate, ActFormsNameTheActDataFields) {
 
 TEST_F(DefaultTemplate, InvoiceReceivesTheStoredItems) {
     const QStringList items{
-        "edNumber",      "DateEdit",         "edSumma",     "EditValuta",    "ComboBoxPodryad",
-        "ComboBoxZakaz", "ComboBoxNameWork", "edSumma1",    "EditNameWork2", "edSumma2",
-        "EditNameWork3", "edSumma3",         "SpinEditNDS", "inn",           "kpp",
-        "boss",          "glavbuh",          "account",     "bank",          "bik",
-        "koraccount",    "summaword",        "nds"};
+        "edNumber",      "DateEdit",         "edSumma",      "EditValuta",    "ComboBoxPodryad",
+        "ComboBoxZakaz", "ComboBoxNameWork", "edSumma1",     "EditNameWork2", "edSumma2",
+        "EditNameWork3", "edSumma3",         "SpinEditNDS",  "inn",           "kpp",
+        "boss",          "glavbuh",          "account",      "bank",          "bik",
+        "koraccount",    "summaword",        "nds",          "CheckBoxNDS",   "rbtSumma",
+        "CheckBoxWork",  "CheckBoxMat",      "ToggleSwitch1"};
     const QStringList named =
         SheetTemplate::analyse(sheetOf(QStringLiteral("Шаблон Счет на оплату.xls")), SheetData()).named;
     for (const QString &item : items)

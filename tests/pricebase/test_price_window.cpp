@@ -7,6 +7,7 @@
 #include "PriceTestData.h"
 #include "estimate/EstimateEditor.h"
 #include "pricebase/CalcDocKolvo_frame.h"
+#include "pricebase/CreateRasVirn_frame.h"
 #include "pricebase/LiveSearchList.h"
 #include "pricebase/PriceBase.h"
 #include "pricebase/RatePanel_frame.h"
@@ -19,6 +20,7 @@
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QRadioButton>
 #include <QSpinBox>
 #include <QStandardItemModel>
 #include <QTabWidget>
@@ -335,10 +337,19 @@ TEST_F(PriceWindow, ServerButtonConnectsReadsTheRemoteListAndReportsFailures) {
     EXPECT_EQ(panel->PageControlRas->currentIndex(), 0);
     EXPECT_EQ(rates().visibleCount(), 8);
 
-    // Right settings: choosing the server's tab connects and shows the (new, empty) remote list.
+    // Right settings: choosing the server's tab connects and shows the (new, empty) remote list; filling
+    // it from a local list is offered and declined.
     s.password = server->password;
     s.save(*window->settingsStore());
+    QString offered;
+    QTimer::singleShot(0, [&offered] {
+        if (auto *dialog = qobject_cast<TCreateRasVirn *>(QApplication::activeModalWidget())) {
+            offered = dialog->objectName();
+            dialog->reject();
+        }
+    });
     panel->PageControlRas->setCurrentIndex(3);
+    EXPECT_EQ(offered, QStringLiteral("CreateRasVirn"));
     ASSERT_TRUE(window->part<PricePart>()->priceBase()->serverConnected())
         << dialogs->lastText().toStdString();
     EXPECT_TRUE(panel->ToolServerRas->isChecked());
@@ -366,6 +377,31 @@ TEST_F(PriceWindow, ServerButtonConnectsReadsTheRemoteListAndReportsFailures) {
     EXPECT_EQ(panel->PageControlRas->currentIndex(), 0);
     EXPECT_EQ(rates().visibleCount(), 8);
     // The test's table goes again.
+    dropServerTable(s);
+}
+
+TEST_F(PriceWindow, AnEmptyServerListIsFilledFromTheChosenLocalList) {
+    const std::optional<ServerSettings> server = testServer();
+    if (!server)
+        GTEST_SKIP() << "VIRN_TEST_MYSQL_HOST is not set: start scripts/services/mariadb.sh (make test does)";
+    TRatePanel *panel = child<TRatePanel>(window.get(), QStringLiteral("RatePanel"));
+    ServerSettings s = *server;
+    s.table = QStringLiteral("price_fill%1").arg(QCoreApplication::applicationPid());
+    s.save(*window->settingsStore());
+    QTimer::singleShot(0, [] {
+        auto *dialog = qobject_cast<TCreateRasVirn *>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        dialog->RadioMyPrice->setChecked(true);
+        dialog->accept();
+    });
+    panel->ToolServerRas->setChecked(true);
+    ASSERT_TRUE(window->part<PricePart>()->priceBase()->serverConnected());
+    EXPECT_EQ(panel->PageControlRas->currentIndex(), 3);
+    EXPECT_EQ(rates().visibleCount(), 8); // price list 1, now on the server
+    EXPECT_TRUE(dialogs->lastText().startsWith(
+        QStringLiteral("В «Расценки на сервере Вирн» скопировано расценок: 8")))
+        << dialogs->lastText().toStdString();
+    panel->ToolServerRas->setChecked(false);
     dropServerTable(s);
 }
 

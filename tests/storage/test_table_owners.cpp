@@ -36,9 +36,10 @@ TEST(TableOwners, OnlyTheOwnersWriteWhatTheyOwn) {
     const std::vector<Rule> rules = {
         {"tables are made by the catalogue's steps",
          R"("\s*CREATE\s+(TEMP\s+)?TABLE)",
-         // the settings store's own file; the insertion's scratch table; the remote MySQL list.
+         // the settings store's own file; the insertion's scratch table; the remote MySQL list; the sums
+         // a document file carries (written into the file, never into the working database).
          {"storage/Catalogue.cpp", "storage/SettingsStore.cpp", "pricebase/RateInsertion.cpp",
-          "pricebase/RemotePriceList.cpp"}},
+          "pricebase/RemotePriceList.cpp", "estimate/DocumentChecksum.cpp"}},
         {"tables of the catalogue are emptied, not dropped",
          R"("\s*DROP\s+TABLE)",
          // the scratch table, the remote list, a leftover table of old documents.
@@ -49,6 +50,15 @@ TEST(TableOwners, OnlyTheOwnersWriteWhatTheyOwn) {
         {"the clipboard of the grid is written by the clipboard",
          R"("\s*(INSERT\s+INTO|UPDATE|DELETE\s+FROM)\s+PopupMenuEdit\b)",
          {"estimate/RowClipboard.cpp"}},
+        {"the act data of the document is written by its store",
+         R"("\s*(INSERT\s+INTO|UPDATE|DELETE\s+FROM)\s+ks2\b)",
+         {"estimate/ActFields.cpp"}},
+        {"the acts' register rows are written by the acts",
+         R"("\s*(INSERT\s+INTO|UPDATE|DELETE\s+FROM)\s+act\b)",
+         {"documents/ActRegister.cpp"}},
+        {"the acts by volumes are written by their store",
+         R"("\s*(INSERT\s+INTO|UPDATE|DELETE\s+FROM)\s+(actlist|actvolume)\b)",
+         {"documents/ActVolumes.cpp"}},
     };
     const QStringList sources = programSources();
     ASSERT_GT(sources.size(), 20) << VIRN_SOURCE_DIR;

@@ -1,0 +1,5 @@
+#include "ProgramVersion.h"
+
+QString programVersion() {
+    return QStringLiteral(VIRN_PROGRAM_VERSION);
+}
