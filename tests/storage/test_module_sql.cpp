@@ -109,8 +109,9 @@ TEST(ModuleSQL, ADamagedWorkingEstimateIsMadeAnew) {
         ASSERT_TRUE(p.exec("PRAGMA synchronous") && p.next());
         EXPECT_EQ(p.value(0).toInt() == 0, isScratch(db)) << relativePath(db).toStdString();
         ASSERT_TRUE(p.exec("PRAGMA secure_delete") && p.next());
-        if (isScratch(db))
+        if (isScratch(db)) {
             EXPECT_EQ(p.value(0).toInt(), 1) << relativePath(db).toStdString();
+        }
     }
 }
 
