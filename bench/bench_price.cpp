@@ -1,9 +1,14 @@
-// The price base at scale: a list of 100,000 rates. Each measured operation runs beside its raw
-// baseline in the same program: the full read into the grid model with the section tree (baseline:
-// a plain select of the same rows), one live-search keystroke (baseline: a scan of pre-lowered
-// names), the write back (baseline: a plain bulk insert in one transaction). The resident memory with
-// the list loaded is reported as the counter rss_MB.
+// The price base at scale: a list of 100,000 rates (BenchData, with resources). Each measured operation
+// runs beside its raw baseline in the same program, and prints the ratio to it (x_base) with its goal:
+// - the full read into the grid model with the section tree and the live-search names (goal ≤ 1.5×
+//   a raw sqlite3_step loop over the same select that reads each text as UTF-8, nothing else);
+// - the write back (goal ≤ 1.5× the SQLite C API inserting the same rows, encoded as UTF-8 beforehand,
+//   in one prepared, bound transaction into a table of the same layout and indexes, emptied first);
+// - one live-search keystroke (baseline: a scan of pre-lowered names).
+// The resident memory with the list loaded is reported as the counter rss_MB.
 
+#include "BenchData.h"
+#include "BenchReport.h"
 #include "pricebase/LiveSearch.h"
 #include "pricebase/PriceBase.h"
 #include "pricebase/PriceStore.h"
@@ -20,75 +25,33 @@
 
 namespace {
 
-constexpr int kRates = 100000;
-
-// Names like a real list: a work, an object, a material and a size, in Russian.
-QString rateName(int i) {
-    static const QStringList works = {"Укладка",    "Демонтаж",  "Монтаж",    "Штукатурка",
-                                      "Окраска",    "Грунтовка", "Шпатлёвка", "Облицовка",
-                                      "Устройство", "Ремонт",    "Замена",    "Очистка"};
-    static const QStringList objects = {"стен",     "потолка", "пола",   "откосов", "перегородок",
-                                        "ступеней", "фасада",  "колонн", "ниш",     "коробов"};
-    static const QStringList materials = {
-        "керамической плиткой",  "гипсокартоном",      "водоэмульсионной краской",
-        "цементной смесью",      "ламинатом",          "декоративной штукатуркой",
-        "пластиковыми панелями", "обоями под покраску"};
-    return QStringLiteral("%1 %2 %3, толщина до %4 мм")
-        .arg(works.at(i % works.size()), objects.at((i / 7) % objects.size()),
-             materials.at((i / 13) % materials.size()))
-        .arg(10 + i % 90);
-}
+constexpr int kRates = BenchData::kListRows;
 
 long rssKilobytes() {
-    QFile f(QStringLiteral("/proc/self/status"));
-    if (!f.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray &line : f.readAll().split('\n'))
-        if (line.startsWith("VmRSS:"))
-            return line.mid(6).trimmed().split(' ').first().toLong();
-    return 0;
+    return static_cast<long>(BenchData::residentMegabytes() * 1024);
 }
 
-// One data folder with price list 1 of 100,000 rows: sections of subsections of rates.
+// One data folder with price list 1 of 100,000 rows and their resources.
 struct Data {
     QTemporaryDir dir;
     std::unique_ptr<TModuleSQL> module;
-    std::vector<RateRow> rows;
+    std::vector<RateRow> rows = BenchData::priceRows();
 
     Data() {
         module = std::make_unique<TModuleSQL>(dir.path());
-        int rec = 0;
-        for (int s = 1; rows.size() < kRates; ++s) {
-            rows.push_back(row(QString::number(s), QStringLiteral("Раздел работ %1").arg(s), "", "", ++rec));
-            for (int p = 1; p <= 10 && rows.size() < kRates; ++p) {
-                rows.push_back(row(QStringLiteral("%1-%2").arg(s).arg(p),
-                                   QStringLiteral("Подраздел %1").arg(p), "пв", "", ++rec));
-                for (int n = 1; n <= 98 && rows.size() < kRates; ++n) {
-                    ++rec;
-                    rows.push_back(row(QStringLiteral("%1-%2-%3").arg(s).arg(p).arg(n), rateName(rec), "м2",
-                                       QString::number(100 + rec % 5000) + ",50", rec));
-                }
-            }
-        }
         QString error;
-        if (!PriceStore::writeList(module->database(Db::Price), "price1", 0, rows, &error))
+        if (!BenchData::writePriceList(module->database(Db::Price), rows, &error))
             qFatal("cannot fill price1: %s", qPrintable(error));
-    }
-    static RateRow row(const QString &ras, const QString &name, const QString &unit, const QString &price,
-                       int rec) {
-        RateRow::Cells c;
-        c[PriceCol::Ras] = ras;
-        c[PriceCol::Name] = name;
-        c[PriceCol::Unit] = unit;
-        c[PriceCol::Price] = price;
-        c[PriceCol::Rec] = QString::number(rec);
-        return RateRow(c);
     }
 };
 
 Data &data() {
     static Data d;
     return d;
+}
+
+sqlite3 *handleOf(QSqlDatabase db) {
+    return *static_cast<sqlite3 **>(db.driver()->handle().data());
 }
 
 // Resident memory of a process that has read the list, measured first, in a fresh process: the
@@ -98,22 +61,11 @@ void BM_ResidentWithListLoaded(benchmark::State &state) {
     long before = 0, after = 0;
     for (auto _ : state) {
         TModuleSQL module(dir.path());
-        QSqlDatabase db = module.database(Db::Price);
-        db.transaction();
-        QSqlQuery q(db);
-        q.prepare("INSERT INTO price1 (edras,nameras,edizm,rub,rec) values (?,?,?,?,?)");
-        for (int i = 1; i <= kRates; ++i) {
-            const bool title = i % 100 == 1;
-            q.addBindValue(title ? QString::number(i / 100 + 1)
-                                 : QStringLiteral("%1-%2").arg(i / 100 + 1).arg(i % 100));
-            q.addBindValue(title ? QStringLiteral("Раздел %1").arg(i) : rateName(i));
-            q.addBindValue(title ? QString("") : QStringLiteral("м2"));
-            q.addBindValue(title ? QString("") : QString::number(100 + i % 5000));
-            q.addBindValue(QString::number(i));
-            q.exec();
+        {
+            QString error;
+            if (!BenchData::writePriceList(module.database(Db::Price), BenchData::priceRows(), &error))
+                state.SkipWithError(qPrintable(error));
         }
-        db.commit();
-        q.finish();
         before = rssKilobytes();
         PriceBase base(&module);
         if (!base.read())
@@ -126,63 +78,63 @@ void BM_ResidentWithListLoaded(benchmark::State &state) {
 }
 BENCHMARK(BM_ResidentWithListLoaded)->Iterations(1)->Unit(benchmark::kMillisecond);
 
-// Baseline: the same select, every cell read into text, nothing else.
-void BM_ReadRawSelect(benchmark::State &state) {
-    QSqlDatabase db = data().module->database(Db::Price);
-    for (auto _ : state) {
-        std::vector<std::array<QString, 9>> out;
-        QSqlQuery q(db);
-        q.setForwardOnly(true);
-        q.exec("SELECT id, edras, nameras, edizm,rub, rec, link, mat,koef FROM price1 WHERE 1");
-        while (q.next()) {
-            std::array<QString, 9> r;
-            for (int c = 0; c < 9; ++c)
-                r[static_cast<size_t>(c)] = q.value(c).toString();
-            out.push_back(std::move(r));
-        }
-        benchmark::DoNotOptimize(out.data());
-    }
-    state.SetItemsProcessed(state.iterations() * kRates);
-}
-BENCHMARK(BM_ReadRawSelect)->Unit(benchmark::kMillisecond);
+const char *const kSelect = "SELECT id, edras, nameras, edizm,rub, rec, link, mat,koef FROM price1 WHERE 1";
 
-// Baseline below Qt: the SQLite C interface straight into text.
-void BM_ReadRawSqliteApi(benchmark::State &state) {
-    QSqlDatabase db = data().module->database(Db::Price);
-    auto *handle = *static_cast<sqlite3 **>(db.driver()->handle().data());
-    for (auto _ : state) {
-        std::vector<std::array<QString, 9>> out;
+// Baseline: a raw sqlite3_step loop over the same select, each text read as UTF-8 (no conversion, no
+// copy).
+BenchReport::Time rawRead() {
+    sqlite3 *handle = handleOf(data().module->database(Db::Price));
+    return BenchReport::median(5, [&] {
         sqlite3_stmt *st = nullptr;
-        sqlite3_prepare_v2(handle,
-                           "SELECT id, edras, nameras, edizm,rub, rec, link, mat,koef FROM price1 WHERE 1",
-                           -1, &st, nullptr);
-        while (sqlite3_step(st) == SQLITE_ROW) {
-            std::array<QString, 9> r;
+        sqlite3_prepare_v2(handle, kSelect, -1, &st, nullptr);
+        size_t bytes = 0;
+        while (sqlite3_step(st) == SQLITE_ROW)
             for (int c = 0; c < 9; ++c) {
-                const auto *text = static_cast<const char16_t *>(sqlite3_column_text16(st, c));
-                r[static_cast<size_t>(c)] =
-                    text ? QString::fromUtf16(text, sqlite3_column_bytes16(st, c) / 2) : QString();
+                benchmark::DoNotOptimize(sqlite3_column_text(st, c));
+                bytes += static_cast<size_t>(sqlite3_column_bytes(st, c));
             }
-            out.push_back(std::move(r));
-        }
         sqlite3_finalize(st);
-        benchmark::DoNotOptimize(out.data());
-    }
-    state.SetItemsProcessed(state.iterations() * kRates);
+        benchmark::DoNotOptimize(bytes);
+    });
 }
-BENCHMARK(BM_ReadRawSqliteApi)->Unit(benchmark::kMillisecond);
+
+// Qt's own query, every cell read into text: what the read did before.
+void BM_ReadQtQuery(benchmark::State &state) {
+    QSqlDatabase db = data().module->database(Db::Price);
+    const BenchReport::Time baseline = rawRead();
+    BenchReport::Runs runs;
+    for (auto _ : state)
+        runs.time([&] {
+            std::vector<std::array<QString, 9>> out;
+            QSqlQuery q(db);
+            q.setForwardOnly(true);
+            q.exec(QString::fromLatin1(kSelect));
+            while (q.next()) {
+                std::array<QString, 9> r;
+                for (int c = 0; c < 9; ++c)
+                    r[static_cast<size_t>(c)] = q.value(c).toString();
+                out.push_back(std::move(r));
+            }
+            benchmark::DoNotOptimize(out.data());
+        });
+    BenchReport::report(state, runs.mean(), baseline, "(reference: Qt's query for the same rows)");
+}
+BENCHMARK(BM_ReadQtQuery)->Unit(benchmark::kMillisecond);
 
 // ReadSqlRAS: rows into the grid model, the section tree, the live-search names.
 void BM_ReadIntoGridModel(benchmark::State &state) {
     Data &d = data();
+    const BenchReport::Time baseline = rawRead();
     const long before = rssKilobytes();
     PriceBase base(d.module.get());
-    for (auto _ : state) {
-        if (!base.read())
-            state.SkipWithError("read failed");
-        benchmark::DoNotOptimize(base.model().rowCount());
-    }
-    state.SetItemsProcessed(state.iterations() * kRates);
+    BenchReport::Runs runs;
+    for (auto _ : state)
+        runs.time([&] {
+            if (!base.read())
+                state.SkipWithError("read failed");
+            benchmark::DoNotOptimize(base.model().rowCount());
+        });
+    BenchReport::report(state, runs.mean(), baseline, "≤ 1.5× the raw sqlite3_step loop reading UTF-8");
     state.counters["rows"] = base.model().rowCount();
     state.counters["sections"] = static_cast<double>(base.sections().size());
     state.counters["list_MB"] = (rssKilobytes() - before) / 1024.0;
@@ -222,38 +174,61 @@ void BM_LiveSearchKeystroke(benchmark::State &state) {
 }
 BENCHMARK(BM_LiveSearchKeystroke)->DenseRange(0, 3)->Unit(benchmark::kMillisecond);
 
-// Baseline: a bulk insert of the same rows into a fresh table, one transaction.
-void BM_WriteRawBulkInsert(benchmark::State &state) {
+// Baseline: the SQLite C API inserting the same rows, encoded as UTF-8 beforehand, in one prepared,
+// bound transaction into a table of price1's layout and indexes, emptied first as the write empties
+// price1.
+BenchReport::Time rawWrite() {
     QSqlDatabase db = data().module->database(Db::Price);
-    for (auto _ : state) {
-        QSqlQuery q(db);
-        q.exec("DROP TABLE IF EXISTS rawcopy");
-        q.exec("CREATE TABLE rawcopy (id INTEGER PRIMARY KEY AUTOINCREMENT, edras TEXT, nameras TEXT, edizm "
-               "TEXT, "
-               "rub TEXT, rec TEXT, koef TEXT, link TEXT)");
-        db.transaction();
-        q.prepare("INSERT INTO rawcopy (edras,nameras,edizm,rub,rec,koef,link) values (?,?,?,?,?,?,?)");
-        for (const RateRow &r : data().rows) {
-            for (int c : {PriceCol::Ras, PriceCol::Name, PriceCol::Unit, PriceCol::Price, PriceCol::Rec,
-                          PriceCol::Koef, PriceCol::Link})
-                q.addBindValue(r.bound(c));
-            q.exec();
-        }
-        db.commit();
+    QSqlQuery q(db);
+    q.exec("DROP TABLE IF EXISTS rawcopy");
+    q.exec(
+        "CREATE TABLE rawcopy (id INTEGER PRIMARY KEY AUTOINCREMENT, edras TEXT, nameras TEXT, edizm TEXT, "
+        "rub TEXT, dol TEXT, grn TEXT, br TEXT, tenge TEXT, rec TEXT, link TEXT, mat TEXT, koef TEXT)");
+    q.exec("CREATE INDEX rawcopy_rec ON rawcopy (rec)");
+    q.exec("CREATE INDEX rawcopy_nameras ON rawcopy (nameras)");
+    std::vector<std::array<QByteArray, 7>> utf8;
+    for (const RateRow &r : data().rows) {
+        std::array<QByteArray, 7> cells;
+        int i = 0;
+        for (int c : {PriceCol::Ras, PriceCol::Name, PriceCol::Unit, PriceCol::Price, PriceCol::Rec,
+                      PriceCol::Koef, PriceCol::Link})
+            cells[static_cast<size_t>(i++)] = r[c].toUtf8();
+        utf8.push_back(std::move(cells));
     }
-    QSqlQuery(db).exec("DROP TABLE IF EXISTS rawcopy");
-    state.SetItemsProcessed(state.iterations() * kRates);
+    sqlite3 *handle = handleOf(db);
+    const BenchReport::Time t = BenchReport::median(5, [&] {
+        sqlite3_exec(handle, "BEGIN IMMEDIATE; DELETE FROM rawcopy;", nullptr, nullptr, nullptr);
+        sqlite3_stmt *st = nullptr;
+        sqlite3_prepare_v2(
+            handle, "INSERT INTO rawcopy (edras,nameras,edizm,rub,rec,koef,link) values (?,?,?,?,?,?,?)", -1,
+            &st, nullptr);
+        for (const auto &cells : utf8) {
+            for (int c = 0; c < 7; ++c)
+                sqlite3_bind_text(st, c + 1, cells[static_cast<size_t>(c)].constData(),
+                                  static_cast<int>(cells[static_cast<size_t>(c)].size()), SQLITE_STATIC);
+            sqlite3_step(st);
+            sqlite3_reset(st);
+        }
+        sqlite3_finalize(st);
+        sqlite3_exec(handle, "COMMIT;", nullptr, nullptr, nullptr);
+    });
+    q.exec("DROP TABLE IF EXISTS rawcopy");
+    return t;
 }
-BENCHMARK(BM_WriteRawBulkInsert)->Unit(benchmark::kMillisecond);
 
-// WriteSqlPrice: drop, recreate, insert every row in one transaction, then VACUUM.
+// WriteSqlPrice: the table emptied and every row inserted in one transaction (compacted only when
+// much of the file is free).
 void BM_WriteBack(benchmark::State &state) {
     QSqlDatabase db = data().module->database(Db::Price);
-    for (auto _ : state) {
-        QString error;
-        if (!PriceStore::writeList(db, "price1", 0, data().rows, &error))
-            state.SkipWithError(qPrintable(error));
-    }
+    const BenchReport::Time baseline = rawWrite();
+    BenchReport::Runs runs;
+    for (auto _ : state)
+        runs.time([&] {
+            QString error;
+            if (!PriceStore::writeList(db, "price1", 0, data().rows, &error))
+                state.SkipWithError(qPrintable(error));
+        });
+    BenchReport::report(state, runs.mean(), baseline, "≤ 1.5× the C API inserting the same rows from UTF-8");
     state.SetItemsProcessed(state.iterations() * kRates);
 }
 BENCHMARK(BM_WriteBack)->Unit(benchmark::kMillisecond);

@@ -7,6 +7,7 @@
 #include "storage/Money.h"
 #include "storage/TextValues.h"
 
+#include <QSet>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QVariant>
@@ -43,19 +44,43 @@ int crewColumnOf(int estimateCol) {
 } // namespace
 
 CrewSheet::PriceLookup CrewSheet::priceListLookup(std::function<QSqlDatabase()> priceDb) {
-    return [priceDb](const QString &idRas, const QString &namePrice) -> std::optional<Decimal> {
+    return [priceDb](const QList<Rate> &rates) {
+        std::vector<std::optional<Decimal>> answers(static_cast<size_t>(rates.size()));
         // Only price list 1 carries crew prices.
-        if (namePrice.trimmed() != QLatin1String("resurs1") || idRas.trimmed().isEmpty())
-            return std::nullopt;
-        QSqlDatabase db = priceDb();
+        QHash<QString, QList<int>> wanted; // rec -> the rates asking for it
+        for (int i = 0; i < rates.size(); ++i) {
+            const QString rec = rates.at(i).first.trimmed();
+            if (rates.at(i).second.trimmed() == QLatin1String("resurs1") && !rec.isEmpty())
+                wanted[rec] << i;
+        }
+        QSqlDatabase db = wanted.isEmpty() ? QSqlDatabase() : priceDb();
         if (!db.isOpen())
-            return std::nullopt;
-        QSqlQuery q(db);
-        q.prepare(QStringLiteral("SELECT link FROM price1 WHERE rec=? LIMIT 1"));
-        q.addBindValue(idRas.trimmed());
-        if (!q.exec() || !q.next())
-            return std::nullopt;
-        return TextValues::parsePositivePrice(q.value(0).toString());
+            return answers;
+        const QStringList recs = wanted.keys();
+        constexpr int kChunk = 500;
+        QSet<QString> answered; // the first row of a rec answers, as one look-up per rec would
+        for (int from = 0; from < recs.size(); from += kChunk) {
+            const QStringList part = recs.mid(from, kChunk);
+            QSqlQuery q(db);
+            q.setForwardOnly(true);
+            q.prepare(QStringLiteral("SELECT rec, link FROM price1 WHERE rec IN (") +
+                      QStringList(part.size(), QStringLiteral("?")).join(QLatin1Char(',')) +
+                      QStringLiteral(") ORDER BY id"));
+            for (const QString &rec : part)
+                q.addBindValue(rec);
+            if (!q.exec())
+                return answers;
+            while (q.next()) {
+                const QString rec = q.value(0).toString();
+                if (answered.contains(rec))
+                    continue;
+                answered.insert(rec);
+                const std::optional<Decimal> price = TextValues::parsePositivePrice(q.value(1).toString());
+                for (int i : wanted.value(rec))
+                    answers[static_cast<size_t>(i)] = price;
+            }
+        }
+        return answers;
     };
 }
 
@@ -88,14 +113,49 @@ void CrewSheet::forgetPrices() {
     changed();
 }
 
+namespace {
+QString priceKey(const QString &idRas, const QString &namePrice) {
+    return namePrice + QLatin1Char('/') + idRas;
+}
+} // namespace
+
+void CrewSheet::fetchPrices() {
+    if (!m_lookup)
+        return;
+    QList<Rate> missing;
+    QSet<QString> asked;
+    for (int m = 0; m < static_cast<int>(m_rows.size()); ++m) {
+        if (!m_rows[static_cast<size_t>(m)].dirty)
+            continue;
+        const int r = EstimateGrid::toGridRow(m);
+        const QString idRas = m_grid->cell(r, EstimateCol::IdRas);
+        if (idRas.trimmed().isEmpty())
+            continue;
+        const QString namePrice = m_grid->cell(r, EstimateCol::NamePrice);
+        const QString key = priceKey(idRas, namePrice);
+        if (m_prices.contains(key) || asked.contains(key))
+            continue;
+        asked.insert(key);
+        missing.append({idRas, namePrice});
+    }
+    if (missing.isEmpty())
+        return;
+    const std::vector<std::optional<Decimal>> answers = m_lookup(missing);
+    for (int i = 0; i < missing.size(); ++i)
+        m_prices.insert(priceKey(missing.at(i).first, missing.at(i).second),
+                        static_cast<size_t>(i) < answers.size() ? answers[static_cast<size_t>(i)]
+                                                                : std::nullopt);
+}
+
 std::optional<Decimal> CrewSheet::ratePrice(const QString &idRas, const QString &namePrice) {
     if (!m_lookup || idRas.trimmed().isEmpty())
         return std::nullopt;
-    const QString key = namePrice + QLatin1Char('/') + idRas;
+    const QString key = priceKey(idRas, namePrice);
     auto it = m_prices.constFind(key);
     if (it != m_prices.constEnd())
         return *it;
-    const auto v = m_lookup(idRas, namePrice);
+    const auto answers = m_lookup({{idRas, namePrice}});
+    const std::optional<Decimal> v = answers.empty() ? std::nullopt : answers.front();
     m_prices.insert(key, v);
     return v;
 }
@@ -177,11 +237,25 @@ void CrewSheet::rebuild() {
     const int n = m_grid->rowCount();
     m_rows.assign(static_cast<size_t>(n), RowState{});
     m_koef.resize(static_cast<size_t>(n));
+    // The mirrored cells of every row laid out at once (one reset of the crew grid, not a signal per
+    // cell); the crew's own cells follow when the rows are evaluated.
+    std::vector<QStringList> rows;
+    rows.reserve(static_cast<size_t>(n));
+    for (int m = 0; m < n; ++m) {
+        const QStringList cells = m_grid->rowCells(EstimateGrid::toGridRow(m));
+        QStringList crew;
+        crew.reserve(CrewCol::Count);
+        for (int c = 0; c < CrewCol::Count; ++c)
+            crew << QString();
+        for (int c = 0; c < EstimateCol::Count && c < cells.size(); ++c)
+            if (const int cc = crewColumnOf(c); cc >= 0)
+                crew[cc] = cells.at(c);
+        crew[CrewCol::Koef] = m_koef[static_cast<size_t>(m)];
+        rows.push_back(std::move(crew));
+    }
     m_writing = true;
-    m_crew->setGridRowCount(n + CrewGrid::kFixedRows);
+    m_crew->setAllRows(std::move(rows));
     m_writing = false;
-    for (int m = 0; m < n; ++m)
-        mirror(m, 0, EstimateCol::Count - 1);
     m_dirty = true;
     changed();
 }
@@ -300,6 +374,7 @@ void CrewSheet::flush() {
     if (!m_dirty)
         return;
     m_dirty = false;
+    fetchPrices();
     for (int m = 0; m < static_cast<int>(m_rows.size()); ++m)
         if (m_rows[static_cast<size_t>(m)].dirty)
             evaluate(m);

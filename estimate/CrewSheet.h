@@ -15,7 +15,9 @@
 #include "storage/Money.h"
 
 #include <QHash>
+#include <QList>
 #include <QObject>
+#include <QPair>
 #include <QString>
 #include <functional>
 #include <optional>
@@ -29,9 +31,13 @@ class QSqlDatabase;
 class CrewSheet : public QObject {
     Q_OBJECT
 public:
-    // The crew price a rate brought (idRas, NamePrice of the estimate row), if any.
-    using PriceLookup = std::function<std::optional<Decimal>(const QString &idRas, const QString &namePrice)>;
-    // Reads `link` of price list 1 (rows whose NamePrice is "resurs1") through the given connection.
+    // A rate of an estimate row: idRas, NamePrice.
+    using Rate = QPair<QString, QString>;
+    // The crew prices the rates brought, asked for many rates at once (a document's worth when it is
+    // read): one answer per rate, in order, nullopt for a rate that brought none.
+    using PriceLookup = std::function<std::vector<std::optional<Decimal>>(const QList<Rate> &rates)>;
+    // Reads `link` of price list 1 (rates whose NamePrice is "resurs1") through the given connection,
+    // a few hundred rates per statement.
     static PriceLookup priceListLookup(std::function<QSqlDatabase()> priceDb);
 
     CrewSheet(EstimateGrid *grid, CrewGrid *crew, QObject *parent = nullptr);
@@ -99,6 +105,9 @@ private:
     void setCrewTotal(int modelRow, const MoneyResult &total);
     void markAll();
     void setCrewCell(int modelRow, int col, const QString &text);
+    // The answers of the lookup for the rates of the rows to evaluate that are not known yet, in one
+    // call.
+    void fetchPrices();
     std::optional<Decimal> ratePrice(const QString &idRas, const QString &namePrice);
 
     EstimateGrid *m_grid;

@@ -305,6 +305,7 @@ EstimateDocument::Result EstimateDocument::newDocument(bool draft) {
     }
     {
         QScopedValueRollback<int> loading(m_loading, m_loading + 1);
+        EstimateEditor::Loading reading(*m_editor);
         m_draft = draft;
         m_lock.reset();
         QString error;
@@ -388,6 +389,7 @@ EstimateDocument::Result EstimateDocument::load(const QString &source, const QSt
     addWarning(&r, opened);
 
     QScopedValueRollback<int> loading(m_loading, m_loading + 1);
+    EstimateEditor::Loading reading(*m_editor); // one pass of totals and crew sheet after the reading
     QSqlDatabase db = m_module->database(Db::Smeta);
     m_draft = Registration::draftAfterOpen(
         Registration::note(db),

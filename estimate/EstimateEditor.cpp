@@ -29,13 +29,15 @@ struct EstimateEditor::Snapshot {
 namespace {
 const QString kPendingTitle = QStringLiteral("Изменение сметы");
 
-using Rates = QList<QPair<QString, QString>>;
-
-// Adds the rate of a row (idRas, NamePrice) once; rows without a rate add nothing.
-void addRate(Rates &rates, const QStringList &cells) {
-    const QPair<QString, QString> rate{cells.value(EstimateCol::IdRas), cells.value(EstimateCol::NamePrice)};
-    if (!rate.first.trimmed().isEmpty() && !rates.contains(rate))
-        rates << rate;
+// Whether a row change can move the materials from norms: a row of a rate came, went, or changed its
+// quantity, rate or resources table.
+bool movesMaterials(const QStringList &before, const QStringList &after) {
+    using namespace EstimateCol;
+    auto hasRate = [](const QStringList &cells) { return !cells.value(IdRas).trimmed().isEmpty(); };
+    if (!hasRate(before) && !hasRate(after))
+        return false;
+    return before.value(Qty) != after.value(Qty) || before.value(IdRas) != after.value(IdRas) ||
+           before.value(NamePrice) != after.value(NamePrice);
 }
 } // namespace
 
@@ -49,6 +51,18 @@ EstimateEditor::Scope::Scope(EstimateEditor *editor, const QString &title) : m_e
 EstimateEditor::Scope::~Scope() {
     if (m_editor)
         m_editor->endStep();
+}
+
+// ----- Loading
+
+EstimateEditor::Loading::Loading(EstimateEditor &editor) : m_editor(editor) {
+    m_editor.m_totals->hold();
+    m_editor.m_crew->hold();
+}
+
+EstimateEditor::Loading::~Loading() {
+    m_editor.m_totals->release();
+    m_editor.m_crew->release();
 }
 
 // ----- construction
@@ -218,21 +232,13 @@ void EstimateEditor::commitPending(const QString &title) {
     m_journal->record(title, ops, materialOps);
     emit undoStateChanged();
 
-    // Rates whose rows came, went or changed quantity or rate.
-    Rates rates;
-    for (const RowDiff::Op &op : ops) {
-        if (op.kind == RowDiff::Op::Edit) {
-            using namespace EstimateCol;
-            if (op.before.value(Qty) == op.after.value(Qty) &&
-                op.before.value(IdRas) == op.after.value(IdRas) &&
-                op.before.value(NamePrice) == op.after.value(NamePrice))
-                continue;
-        }
-        addRate(rates, op.before);
-        addRate(rates, op.after);
-    }
-    if (!rates.isEmpty())
-        emit ratesAffected(rates);
+    // Rows of rates that came, went or changed quantity or rate.
+    QList<RowDiff::Change> changes;
+    for (const RowDiff::Op &op : ops)
+        if (movesMaterials(op.before, op.after))
+            changes.append({op.before, op.after});
+    if (!changes.isEmpty())
+        emit rateRowsChanged(changes);
 }
 
 // ----- undo and redo
@@ -280,7 +286,6 @@ bool EstimateEditor::applyStep(bool undoing) {
         m_grid->insertGridRows(row, 1);
         setRow(row, wide);
     };
-    Rates rates;
     if (undoing) {
         for (auto it = ops.rbegin(); it != ops.rend(); ++it) {
             switch (it->kind) {
@@ -310,9 +315,13 @@ bool EstimateEditor::applyStep(bool undoing) {
             }
         }
     }
+    QList<RowDiff::Change> changes;
     for (const RowDiff::Op &op : ops) {
-        addRate(rates, op.before);
-        addRate(rates, op.after);
+        // An undone step turns each row back from its after into its before.
+        RowDiff::Change c =
+            undoing ? RowDiff::Change{op.after, op.before} : RowDiff::Change{op.before, op.after};
+        if (movesMaterials(c.before, c.after))
+            changes.append(std::move(c));
     }
     m_totals->release();
     m_crew->release();
@@ -328,8 +337,8 @@ bool EstimateEditor::applyStep(bool undoing) {
         materialsChanged();
     }
     emit undoStateChanged();
-    if (!rates.isEmpty())
-        emit ratesAffected(rates);
+    if (!changes.isEmpty())
+        emit rateRowsChanged(changes);
     return true;
 }
 

@@ -12,6 +12,7 @@
 // A change made outside any scope is recorded as a step of its own when control returns to the event
 // loop. A scope's step also holds what it changed in the estimate's materials.
 
+#include "RowDiff.h"
 #include "storage/Catalogue.h"
 #include "storage/Money.h"
 
@@ -56,6 +57,19 @@ public:
 
     private:
         QPointer<EstimateEditor> m_editor;
+    };
+
+    // While a document is read into the grids (and reset() follows) the totals and the crew sheet
+    // only take note; they are brought current once, when the last guard goes.
+    class Loading {
+    public:
+        explicit Loading(EstimateEditor &editor);
+        ~Loading();
+        Loading(const Loading &) = delete;
+        Loading &operator=(const Loading &) = delete;
+
+    private:
+        EstimateEditor &m_editor;
     };
 
     EstimateGrid *grid() const { return m_grid; }
@@ -154,9 +168,10 @@ signals:
     void undoStateChanged();
     // problemCells() changed.
     void problemsChanged();
-    // A committed, undone or redone step inserted, removed or re-quantified rows of these rates
-    // (idRas, NamePrice): the estimate's materials from norms may need recomputing.
-    void ratesAffected(const QList<QPair<QString, QString>> &rates);
+    // A committed, undone or redone step inserted, removed or re-quantified rows of rates (their
+    // quantity, idRas or NamePrice differs): each such row before and after the step. The estimate's
+    // materials from norms follow them.
+    void rateRowsChanged(const QList<RowDiff::Change> &changes);
     // The materials table was written from outside the materials tab (an insertion, an undone step).
     void materialsEdited();
 

@@ -7,13 +7,13 @@
 #include "storage/ModuleSQL.h"
 #include "storage/Money.h"
 #include "storage/Schema.h"
+#include "storage/SqliteRows.h"
 #include "storage/TextValues.h"
 #include "storage/Transaction.h"
 
 #include <QDate>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QSqlRecord>
 #include <QVariant>
 
 namespace EstimateStore {
@@ -26,44 +26,52 @@ bool fail(const QSqlQuery &q, QString *error) {
     return false;
 }
 
-QString field(const QSqlQuery &q, const QSqlRecord &rec, const char *name) {
-    const int i = rec.indexOf(QLatin1String(name));
-    return i < 0 ? QString() : q.value(i).toString();
-}
-
 } // namespace
 
 bool readSmeta(QSqlDatabase db, EstimateGrid &grid, CrewGrid &crew, QString *error) {
-    QSqlQuery q(db);
-    q.setForwardOnly(true);
+    // Thousands of rows: read through the C interface, each text decoded once.
     std::vector<QStringList> rows;
     std::vector<QStringList> crewRows;
     // As many rows as there are, not twice that: an estimate may have a hundred thousand.
-    if (q.exec(QStringLiteral("SELECT count(*) FROM smeta")) && q.next()) {
-        rows.reserve(q.value(0).toULongLong());
-        crewRows.reserve(rows.capacity());
+    {
+        SqliteRows count(db, QStringLiteral("SELECT count(*) FROM smeta"));
+        if (count.ok() && count.next()) {
+            rows.reserve(count.text(0).toULongLong());
+            crewRows.reserve(rows.capacity());
+        }
     }
-    if (!q.exec(QStringLiteral("SELECT * FROM smeta WHERE 1")))
-        return fail(q, error);
-    const QSqlRecord rec = q.record();
+    SqliteRows q(db, QStringLiteral("SELECT * FROM smeta WHERE 1"));
+    if (!q.ok()) {
+        if (error)
+            *error = q.error();
+        return false;
+    }
+    // Documents of other versions may lack columns or hold them in another order.
+    const int iNum = q.column("numpos"), iRas = q.column("edras"), iName = q.column("nameras"),
+              iUnit = q.column("edizm"), iQty = q.column("kolvo"), iPrice = q.column("price"),
+              iSum = q.column("summa"), iIdRas = q.column("idRas"), iIdWork = q.column("idwork"),
+              iId = q.column("_id"), iNamePrice = q.column("NamePrice"), iKind = q.column("section"),
+              iMachine = q.column("machine"), iMat = q.column("mat"), iTotal = q.column("total"),
+              iKoef = q.column("KoefBrig");
+    const QStringList emptyCrew(CrewCol::Count);
     while (q.next()) {
         QStringList cells(EstimateCol::Count);
-        cells[EstimateCol::Num] = field(q, rec, "numpos");
-        cells[EstimateCol::Ras] = field(q, rec, "edras");
-        cells[EstimateCol::Name] = field(q, rec, "nameras");
-        cells[EstimateCol::Unit] = field(q, rec, "edizm");
-        cells[EstimateCol::Qty] = field(q, rec, "kolvo");
-        cells[EstimateCol::Price] = field(q, rec, "price");
-        cells[EstimateCol::Sum] = field(q, rec, "summa");
-        cells[EstimateCol::IdRas] = field(q, rec, "idRas");
-        const QString idwork = field(q, rec, "idwork");
+        cells[EstimateCol::Num] = q.text(iNum);
+        cells[EstimateCol::Ras] = q.text(iRas);
+        cells[EstimateCol::Name] = q.text(iName);
+        cells[EstimateCol::Unit] = q.text(iUnit);
+        cells[EstimateCol::Qty] = q.text(iQty);
+        cells[EstimateCol::Price] = q.text(iPrice);
+        cells[EstimateCol::Sum] = q.text(iSum);
+        cells[EstimateCol::IdRas] = q.text(iIdRas);
+        const QString idwork = q.text(iIdWork);
         // Older documents have no work ids: the record key stands in.
-        cells[EstimateCol::IdDoc] = idwork.isEmpty() ? field(q, rec, "_id") : idwork;
-        cells[EstimateCol::NamePrice] = field(q, rec, "NamePrice");
-        cells[EstimateCol::Kind] = field(q, rec, "section");
-        const QString machine = field(q, rec, "machine");
-        const QString mat = field(q, rec, "mat");
-        const QString total = field(q, rec, "total");
+        cells[EstimateCol::IdDoc] = idwork.isEmpty() ? q.text(iId) : idwork;
+        cells[EstimateCol::NamePrice] = q.text(iNamePrice);
+        cells[EstimateCol::Kind] = q.text(iKind);
+        const QString machine = q.text(iMachine);
+        const QString mat = q.text(iMat);
+        const QString total = q.text(iTotal);
         cells[EstimateCol::Machine] = machine;
         cells[EstimateCol::Material] = mat;
         cells[EstimateCol::Total] = total;
@@ -77,9 +85,19 @@ bool readSmeta(QSqlDatabase db, EstimateGrid &grid, CrewGrid &crew, QString *err
         cells[EstimateCol::Itogo] = cells[EstimateCol::Sum];
         rows.push_back(std::move(cells));
 
-        QStringList crewCells(CrewCol::Count);
-        crewCells[CrewCol::Koef] = field(q, rec, "KoefBrig");
-        crewRows.push_back(std::move(crewCells));
+        const QString koef = q.text(iKoef);
+        if (koef.isEmpty()) {
+            crewRows.push_back(emptyCrew); // shared until someone writes into it
+        } else {
+            QStringList crewCells = emptyCrew;
+            crewCells[CrewCol::Koef] = koef;
+            crewRows.push_back(std::move(crewCells));
+        }
+    }
+    if (!q.error().isEmpty()) {
+        if (error)
+            *error = q.error();
+        return false;
     }
     // The crew rows first: the estimate's reset rebuilds the crew sheet on them, instead of on the
     // previous document's rows that are then thrown away (a second copy of every row at the peak).
@@ -233,15 +251,16 @@ bool createNewDoc(TModuleSQL &module, EstimateGrid &grid, CrewGrid &crew, QStrin
             *error = why;
         return false;
     }
-    // The emptied pages are given back, so that a document file holds no remains of the last one.
-    QSqlQuery(smeta).exec(QStringLiteral("VACUUM"));
+    // What was deleted is overwritten already (secure_delete of the working database): a document
+    // file holds no remains of the last one. The file is compacted only when much of it is free.
+    Schema::compactIfWorthIt(smeta);
 
     QSqlDatabase actions = module.database(Db::ReturnAction);
     if (actions.isOpen()) {
         if (!Schema::clearTables(actions, {QStringLiteral("ReturnAction"), QStringLiteral("PopupMenuEdit")},
                                  error))
             return false;
-        QSqlQuery(actions).exec(QStringLiteral("VACUUM"));
+        Schema::compactIfWorthIt(actions);
     }
     return true;
 }

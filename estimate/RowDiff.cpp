@@ -14,6 +14,21 @@ QStringList Row::wide() const {
     return out;
 }
 
+QList<QPair<QString, QString>> ratesOf(const QList<Change> &changes) {
+    QList<QPair<QString, QString>> rates;
+    auto add = [&rates](const QStringList &cells) {
+        const QPair<QString, QString> rate{cells.value(EstimateCol::IdRas),
+                                           cells.value(EstimateCol::NamePrice)};
+        if (!rate.first.trimmed().isEmpty() && !rates.contains(rate))
+            rates << rate;
+    };
+    for (const Change &c : changes) {
+        add(c.before);
+        add(c.after);
+    }
+    return rates;
+}
+
 bool equivalent(const Row &a, const Row &b) {
     if (a.koef != b.koef)
         return false;

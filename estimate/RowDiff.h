@@ -4,6 +4,8 @@
 // Computed cells (numbers, amounts, totals rows, the numbers inside section texts) do not count as a
 // difference: they follow from the rest again after an undo.
 
+#include <QList>
+#include <QPair>
 #include <QStringList>
 #include <vector>
 
@@ -28,6 +30,16 @@ struct Op {
     QStringList before; // Edit, Delete
     QStringList after;  // Edit, Insert
 };
+
+// A row as it was before a step and as it is after it (empty where the row came or went).
+struct Change {
+    QStringList before;
+    QStringList after;
+};
+
+// The rates (idRas, NamePrice) of the rows of the changes, each once, in order; rows without a rate
+// add nothing.
+QList<QPair<QString, QString>> ratesOf(const QList<Change> &changes);
 
 // True when the rows differ in nothing but computed cells.
 bool equivalent(const QStringList &a, const QStringList &b);

@@ -3,39 +3,109 @@
 #include <algorithm>
 
 void LiveSearch::load(const std::vector<RateRow> &rows) {
-    std::vector<QString> names;
-    names.reserve(rows.size());
-    for (const RateRow &r : rows)
-        names.push_back(r.name());
-    loadNames(names);
+    m_names.clear();
+    m_names.reserve(rows.size());
+    for (const RateRow &r : rows) {
+        const auto span = r.nameSpan();
+        m_names.push_back({r.text(), span.first, span.second});
+    }
+    m_prepared = false;
 }
 
+QString LiveSearch::name(int i) const {
+    return QString::fromUtf8(m_names[static_cast<size_t>(i)].utf8());
+}
+
+namespace {
+
+// The byte that stands for a lower-cased UTF-16 unit: ASCII as itself, the Cyrillic letters
+// (а…я 0x80…0x9F, ѐ…џ 0xA0…0xAF), anything else kOther. NUL is kept for the ends of names.
+constexpr uchar kOther = 0xFF;
+
+uchar foldedByte(char32_t c) {
+    if (c < 0x80)
+        return c >= 'A' && c <= 'Z' ? uchar(c + ('a' - 'A')) : (c == 0 ? kOther : uchar(c));
+    if (c >= 0x400 && c <= 0x45F) {
+        if (c >= 0x410 && c <= 0x42F) // А…Я
+            c += 0x20;
+        else if (c < 0x410) // Ѐ…Џ
+            c += 0x50;
+        return c < 0x450 ? uchar(0x80 + (c - 0x430)) : uchar(0xA0 + (c - 0x450));
+    }
+    const char32_t lower = QChar::toLower(c);
+    return lower != c ? foldedByte(lower) : kOther;
+}
+
+// Calls f with the byte of each letter of a UTF-8 text; a byte that starts no letter counts as one.
+template <typename F> void foldUtf8(QByteArrayView text, F &&f) {
+    const auto *p = reinterpret_cast<const uchar *>(text.data());
+    const uchar *end = p + text.size();
+    while (p < end) {
+        const uchar b = *p;
+        if (b < 0x80) {
+            f(foldedByte(b));
+            ++p;
+            continue;
+        }
+        const int length = b >= 0xF0 ? 4 : b >= 0xE0 ? 3 : b >= 0xC0 ? 2 : 1;
+        char32_t c = length == 4 ? b & 0x07 : length == 3 ? b & 0x0F : b & 0x1F;
+        bool whole = length > 1 && end - p >= length;
+        for (int i = 1; whole && i < length; ++i) {
+            whole = (p[i] & 0xC0) == 0x80;
+            c = (c << 6) | (p[i] & 0x3F);
+        }
+        f(whole ? foldedByte(c) : kOther);
+        p += whole ? length : 1;
+    }
+}
+
+} // namespace
+
 void LiveSearch::loadNames(const std::vector<QString> &names) {
-    m_names = names;
+    m_names.clear();
+    for (const QString &n : names) {
+        const QByteArray text = n.toUtf8();
+        m_names.push_back({text, 0, static_cast<quint32>(text.size())});
+    }
+    m_prepared = false;
+}
+
+void LiveSearch::prepare() const {
+    if (m_prepared)
+        return;
+    m_prepared = true;
+    // A letter takes at least one byte of UTF-8: the folded names fit in as many bytes.
     qsizetype total = 0;
-    for (const QString &n : m_names)
-        total += n.size() + 1;
-    m_lowered.clear();
-    m_lowered.reserve(total);
+    for (const Name &n : m_names)
+        total += n.end - n.begin + 1;
+    QByteArray folded(total, Qt::Uninitialized);
     m_starts.clear();
     m_starts.reserve(m_names.size());
-    for (const QString &n : m_names) {
-        m_starts.push_back(static_cast<int>(m_lowered.size()));
-        // Lower-casing may change the length of a few letters, so each name is lowered on its own.
-        m_lowered += n.toLower();
-        m_lowered += QChar(0);
+    m_frequency.assign(256, 0);
+    char *out = folded.data();
+    for (const Name &n : m_names) {
+        m_starts.push_back(static_cast<int>(out - folded.constData()));
+        foldUtf8(n.utf8(), [&](uchar b) {
+            ++m_frequency[b];
+            *out++ = char(b);
+        });
+        *out++ = 0;
     }
-    m_lowered.squeeze();
-    m_frequency.assign(0x10000, 0);
-    for (QChar c : std::as_const(m_lowered))
-        ++m_frequency[c.unicode()];
+    folded.truncate(out - folded.constData());
+    folded.squeeze();
+    m_folded = std::move(folded);
 }
 
 void LiveSearch::clear() {
+    m_prepared = false;
     m_names.clear();
-    m_lowered.clear();
+    m_folded.clear();
     m_starts.clear();
     m_frequency.clear();
+}
+
+bool LiveSearch::matches(int i, const QString &needle) const {
+    return name(i).toLower().contains(needle);
 }
 
 void LiveSearch::find(const QString &typed, std::vector<int> &out) const {
@@ -46,30 +116,43 @@ void LiveSearch::find(const QString &typed, std::vector<int> &out) const {
     // A NUL in the typed text could match across two names.
     if (needle.contains(QChar(0)))
         return;
-    // Scan (vectorised) for the needle's rarest letter in the lowered names, then compare the rest
-    // in place: few false starts, and no table to build per keystroke.
+    prepare();
+    QByteArray folded;
+    bool other = false; // a letter without a byte of its own: each match is checked on the name
+    foldUtf8(needle.toUtf8(), [&](uchar b) {
+        folded += char(b);
+        other = other || b == kOther;
+    });
+    // Scan (vectorised) for the needle's rarest byte, then compare the rest in place: few false
+    // starts, and no table to build per keystroke.
     qsizetype anchor = 0;
-    for (qsizetype i = 1; i < needle.size(); ++i)
-        if (m_frequency[needle.at(i).unicode()] < m_frequency[needle.at(anchor).unicode()])
+    for (qsizetype i = 1; i < folded.size(); ++i)
+        if (m_frequency[uchar(folded.at(i))] < m_frequency[uchar(folded.at(anchor))])
             anchor = i;
-    const QChar anchorChar = needle.at(anchor);
-    const QStringView hay(m_lowered);
-    const QStringView whole(needle);
+    const char anchorByte = folded.at(anchor);
+    const QByteArrayView hay(m_folded);
+    const QByteArrayView whole(folded);
     const qsizetype size = hay.size();
     const size_t count = m_starts.size();
     size_t k = 0; // the name that holds the last match; matches only move forward
     qsizetype from = anchor;
     while (from < size) {
-        const qsizetype pos = hay.indexOf(anchorChar, from);
+        const qsizetype pos = hay.indexOf(anchorByte, from);
         if (pos < 0)
             break;
         const qsizetype begin = pos - anchor;
-        if (begin + whole.size() > size || hay.mid(begin, whole.size()) != whole) {
+        if (begin < 0 || begin + whole.size() > size || hay.sliced(begin, whole.size()) != whole) {
             from = pos + 1;
             continue;
         }
         while (k + 1 < count && m_starts[k + 1] <= begin)
             ++k;
+        if (other && !matches(static_cast<int>(k), needle)) {
+            if (k + 1 >= count)
+                break;
+            from = m_starts[k + 1] + anchor;
+            continue;
+        }
         out.push_back(static_cast<int>(k));
         // One entry per name: go on with the next one.
         if (k + 1 >= count)

@@ -1,33 +1,51 @@
 #pragma once
 // Live search over the whole current price list (what FDQueryFindPrice holds): a plain,
 // case-insensitive substring match on the rate names, in list order. The names are lower-cased once
-// when the list is read and kept joined in one text, so a keystroke is one scan of memory.
+// (before the first search, or on the thread that read the list) and kept joined in one byte string, one byte
+// per letter (Latin and Cyrillic letters, digits and signs have a byte of their own; any other letter shares
+// one byte and a match through it is checked against the name itself), so a keystroke is one scan of half the
+// memory the names take.
 
 #include "PriceRows.h"
 
 #include <QAbstractListModel>
+#include <QByteArray>
 #include <QString>
 #include <vector>
 
 class LiveSearch {
 public:
-    // Takes the names of every row of the list (section and subsection titles included).
+    // Takes the names of every row of the list (section and subsection titles included). They are
+    // lower-cased for searching by prepare(), or by the first search.
     void load(const std::vector<RateRow> &rows);
     void loadNames(const std::vector<QString> &names);
+    void prepare() const;
     void clear();
 
     int size() const { return static_cast<int>(m_names.size()); }
-    const QString &name(int i) const { return m_names[static_cast<size_t>(i)]; }
+    QString name(int i) const;
 
     // Indices of the names that hold `typed` (lower-cased, not trimmed), in list order.
     void find(const QString &typed, std::vector<int> &out) const;
     std::vector<int> find(const QString &typed) const;
 
 private:
-    std::vector<QString> m_names;     // shares the text of the grid rows
-    QString m_lowered;                // lower-cased names, each followed by a NUL
-    std::vector<int> m_starts;        // start of each name in m_lowered
-    std::vector<quint32> m_frequency; // how often each UTF-16 unit occurs in m_lowered
+    bool matches(int i, const QString &needle) const;
+
+    // A name as the list had it when it was read: the UTF-8 text of its row (shared with the row) and
+    // where the name lies in it.
+    struct Name {
+        QByteArray text;
+        quint32 begin = 0;
+        quint32 end = 0;
+        QByteArrayView utf8() const { return QByteArrayView(text).sliced(begin, end - begin); }
+    };
+    std::vector<Name> m_names;
+    // Made by prepare():
+    mutable bool m_prepared = false;
+    mutable QByteArray m_folded;              // the names lower-cased, a byte per letter, NUL after each
+    mutable std::vector<int> m_starts;        // start of each name in m_folded
+    mutable std::vector<quint32> m_frequency; // how often each byte occurs in m_folded
 };
 
 // MemoPrice's list: the names found by the last keystroke.

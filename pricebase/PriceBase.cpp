@@ -2,6 +2,18 @@
 
 #include "storage/ModuleSQL.h"
 
+#include <QSqlError>
+#include <QUuid>
+#include <QtConcurrent>
+
+struct PriceBase::Loaded {
+    PriceListData data;
+    LiveSearch search;
+    bool withSearch = false;
+    bool ok = false;
+    QString error;
+};
+
 PriceBase::PriceBase(TModuleSQL *module, QObject *parent) : QObject(parent), m_module(module) {}
 
 QSqlDatabase PriceBase::priceDb(QString *error) {
@@ -46,18 +58,64 @@ QString PriceBase::resourcesTable() const {
     return {};
 }
 
-void PriceBase::take(PriceListData &data, bool rebuild) {
+void PriceBase::take(PriceListData &data, bool rebuild, LiveSearch *search) {
     if (rebuild)
         m_sections = std::move(data.sections);
     m_remoteFiltered = isRemote() && !rebuild;
     m_model.setRows(std::move(data.rows));
     // FDQueryFindPrice always holds the whole current list; a filtered remote read leaves it alone.
-    if (rebuild && m_liveSearch)
-        m_search.load(m_model.allRows());
+    if (rebuild && m_liveSearch) {
+        if (search)
+            m_search = std::move(*search);
+        else
+            m_search.load(m_model.allRows());
+    }
     emit listRead(rebuild);
 }
 
+void PriceBase::readInBackground() {
+    QString error;
+    QSqlDatabase db = isRemote() || !showsRates() ? QSqlDatabase() : priceDb(&error);
+    if (!db.isOpen()) {
+        // The remote list, the materials tab, or no price base: as a read always does.
+        if (!read(&error))
+            emit readFailed(error);
+        return;
+    }
+    // The data module's connection has brought the file up to date; the worker only reads.
+    delete m_pending;
+    m_pending = new QFutureWatcher<std::shared_ptr<Loaded>>(this);
+    connect(m_pending, &QFutureWatcherBase::finished, this, &PriceBase::takeLoaded);
+    m_pending->setFuture(QtConcurrent::run(loadList, db.databaseName(), table(), m_currency, m_liveSearch));
+}
+
+void PriceBase::waitForRead() {
+    if (!m_pending)
+        return;
+    m_pending->waitForFinished();
+    takeLoaded();
+}
+
+void PriceBase::takeLoaded() {
+    if (!m_pending)
+        return;
+    const std::shared_ptr<Loaded> loaded = m_pending->result();
+    m_pending->deleteLater();
+    m_pending = nullptr;
+    if (!loaded->ok) {
+        emit readFailed(loaded->error);
+        return;
+    }
+    take(loaded->data, true, loaded->withSearch ? &loaded->search : nullptr);
+}
+
 bool PriceBase::read(QString *error) {
+    // A read in the background is overtaken: its rows would be older than these.
+    if (m_pending) {
+        m_pending->disconnect(this);
+        m_pending->deleteLater();
+        m_pending = nullptr;
+    }
     PriceListData data;
     if (!showsRates()) {
         take(data, true);
@@ -138,4 +196,30 @@ bool PriceBase::connectServer(const ServerSettings &settings, QString *error) {
 
 void PriceBase::disconnectServer() {
     m_remote.disconnect();
+}
+
+// Runs on a worker thread: the list read through a connection of that thread's own.
+std::shared_ptr<PriceBase::Loaded> PriceBase::loadList(const QString &path, const QString &table,
+                                                       int currency, bool withSearch) {
+    auto out = std::make_shared<Loaded>();
+    const QString name =
+        QStringLiteral("virn-price-reader-") + QUuid::createUuid().toString(QUuid::WithoutBraces);
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        db.setDatabaseName(path);
+        db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY;QSQLITE_BUSY_TIMEOUT=5000"));
+        if (!db.open()) {
+            out->error = db.lastError().text();
+        } else {
+            out->ok = PriceStore::readList(db, table, currency, out->data, &out->error);
+            if (out->ok && withSearch) {
+                out->search.load(out->data.rows);
+                out->search.prepare(); // here rather than at the first keystroke
+                out->withSearch = true;
+            }
+        }
+        db.close();
+    }
+    QSqlDatabase::removeDatabase(name);
+    return out;
 }

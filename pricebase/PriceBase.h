@@ -8,7 +8,9 @@
 #include "RateGridModel.h"
 #include "RemotePriceList.h"
 
+#include <QFutureWatcher>
 #include <QObject>
+#include <memory>
 
 class TModuleSQL;
 
@@ -48,6 +50,14 @@ public:
     // ReadSqlRAS / ReadMySqlRAS: the whole current list into the model, the section index rebuilt, the
     // live-search names reloaded.
     bool read(QString *error = nullptr);
+    // The same for a local list on a thread of its own (its own connection to price.db; the
+    // live-search names are made there too): the window is usable at once and the grid fills when the
+    // list is there (listRead, or readFailed). A read() meanwhile leaves this one's rows unused. The
+    // remote list is read at once.
+    void readInBackground();
+    bool reading() const { return m_pending != nullptr; }
+    // Waits for a read in the background and takes its rows (nothing to do when none runs).
+    void waitForRead();
     // ComboBox2Select: section S (1..) or all (0). Local lists filter the grid; the remote list is read
     // again with "Rascenka LIKE 'S-%'" (and rebuilt for 0).
     bool showSection(int section, QString *error = nullptr);
@@ -68,9 +78,16 @@ public:
 signals:
     // The model was filled again; `rebuilt` tells whether the section index was rebuilt too.
     void listRead(bool rebuilt);
+    // A read in the background failed (the grid stays empty).
+    void readFailed(const QString &error);
 
 private:
-    void take(PriceListData &data, bool rebuild);
+    struct Loaded;
+    static std::shared_ptr<Loaded> loadList(const QString &path, const QString &table, int currency,
+                                            bool withSearch);
+    // search: live-search names made with the rows (null: made here when live search is on).
+    void take(PriceListData &data, bool rebuild, LiveSearch *search = nullptr);
+    void takeLoaded();
     // price.db, or an invalid handle (and *error) without a data module.
     QSqlDatabase priceDb(QString *error);
 
@@ -84,4 +101,5 @@ private:
     int m_currency = 0;
     bool m_liveSearch = true;
     bool m_remoteFiltered = false;
+    QFutureWatcher<std::shared_ptr<Loaded>> *m_pending = nullptr;
 };

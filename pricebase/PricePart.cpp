@@ -24,6 +24,10 @@
 #include <QMenu>
 #include <QTableView>
 
+PricePart::PricePart(QObject *parent) : ShellPart(parent), m_needs(std::make_unique<MaterialNeeds>()) {}
+
+PricePart::~PricePart() = default;
+
 void PricePart::attach(MainShell &shell) {
     m_shell = &shell;
     m_doc = &shell.document();
@@ -52,15 +56,25 @@ void PricePart::attach(MainShell &shell) {
         else
             m_priceBase->setCurrency(currency);
     });
-    // Quantities edited, rows deleted, undone or redone: the materials of those rates follow. An
-    // insertion's own step is left alone, its materials wait for a quantity.
-    connect(&m_doc->editor(), &EstimateEditor::ratesAffected, this,
-            [this](const QList<QPair<QString, QString>> &rates) {
-                if (m_inserting)
+    // Quantities edited, rows deleted, undone or redone: the needs of materials move by the rows the
+    // step changed, and the materials of those rates follow. An insertion's own step is only counted,
+    // its materials wait for a quantity.
+    connect(&m_doc->editor(), &EstimateEditor::rateRowsChanged, this,
+            [this](const QList<RowDiff::Change> &changes) {
+                TModuleSQL *module = m_shell->module();
+                if (!module)
                     return;
-                for (const auto &rate : rates)
-                    SearchAndWriteResurse(rate.first, rate.second);
+                QString error;
+                if (!m_needs->update(module->database(Db::Price), changes, &error))
+                    dialogs().tell(Captions::error,
+                                   QStringLiteral("Не удалось прочитать ресурсы расценок: %1").arg(error),
+                                   Dialogs::Icon::Error);
+                if (!m_inserting)
+                    writeMaterials(RowDiff::ratesOf(changes));
             });
+    // The list read again (its rates may have changed): the resources and the needs are gathered again
+    // when next asked.
+    connect(m_priceBase, &PriceBase::listRead, this, [this] { m_needs->clear(); });
 }
 
 void PricePart::buildOptions() {
@@ -120,6 +134,11 @@ void PricePart::start() {
     m_priceBase->setCurrency(m_doc->header().currency);
     m_priceBase->setLiveSearchEnabled(option("CheckBoxLiveSearch"));
     m_panel->start();
+}
+
+void PricePart::documentLoaded() {
+    // Another document: its rates' resources are read when first needed.
+    m_needs->clear();
 }
 
 bool PricePart::settleBeforeClose() {
@@ -256,13 +275,17 @@ void PricePart::showDuplicate(int gridRow) {
 }
 
 void PricePart::SearchAndWriteResurse(const QString &rec, const QString &table) {
+    writeMaterials({{rec, table}});
+}
+
+void PricePart::writeMaterials(const QList<QPair<QString, QString>> &rates) {
     TModuleSQL *module = m_shell->module();
-    if (!module || rec.trimmed().isEmpty())
+    if (!module || rates.isEmpty())
         return;
     bool changed = false;
     QString error;
-    if (!RateResources::searchAndWriteResurse(module->database(Db::Price), module->database(Db::Smeta),
-                                              m_doc->grid(), rec, table, &changed, &error))
+    if (!m_needs->write(module->database(Db::Price), module->database(Db::Smeta), m_doc->grid(), rates,
+                        &changed, &error))
         dialogs().tell(Captions::error, QStringLiteral("Не удалось пересчитать материалы: %1").arg(error),
                        Dialogs::Icon::Error);
     if (changed)

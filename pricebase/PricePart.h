@@ -5,11 +5,16 @@
 
 #include "ui/MainShell.h"
 
+#include <QList>
+#include <QPair>
+#include <memory>
+
 class CellEditorWatcher;
 class EditorPart;
 class EstimateDocument;
 class LiveSearchList;
 class LiveSearchModel;
+class MaterialNeeds;
 class PriceBase;
 class QAction;
 class TRatePanel;
@@ -17,10 +22,12 @@ class TRatePanel;
 class PricePart : public ShellPart {
     Q_OBJECT
 public:
-    using ShellPart::ShellPart;
+    explicit PricePart(QObject *parent = nullptr);
+    ~PricePart() override;
 
     void attach(MainShell &shell) override;
     void start() override;
+    void documentLoaded() override;
     bool settleBeforeClose() override;
 
     PriceBase *priceBase() const { return m_priceBase; }
@@ -35,6 +42,8 @@ public:
     void MemoPriceDblClick(int row);
     // The estimate's materials of one rate again from the quantities and the norms.
     void SearchAndWriteResurse(const QString &rec, const QString &table);
+    // The same for several rates (rec, resources table) at once.
+    void writeMaterials(const QList<QPair<QString, QString>> &rates);
 
 private:
     void buildOptions();
@@ -50,5 +59,6 @@ private:
     LiveSearchList *m_memo = nullptr;
     LiveSearchModel *m_liveModel = nullptr;
     CellEditorWatcher *m_cellWatcher = nullptr;
-    bool m_inserting = false; // an insertion's own step needs no recomputing of materials
+    std::unique_ptr<MaterialNeeds> m_needs; // what the estimate needs of each material, by the norms
+    bool m_inserting = false;               // an insertion's own step needs no recomputing of materials
 };

@@ -1,37 +1,52 @@
 #include "PriceRows.h"
 
+#include <cstring>
+
 RateRow::RateRow(const Cells &cells) {
     pack(cells);
 }
 
 void RateRow::pack(const Cells &cells) {
-    m_name = cells[PriceCol::Name];
-    qsizetype total = 0;
-    for (int c = 0; c < PriceCol::TextCount; ++c)
-        if (c != PriceCol::Name)
-            total += cells[static_cast<size_t>(c)].size();
-    QString packed;
-    packed.reserve(total);
+    QByteArray text;
     for (int c = 0; c < PriceCol::TextCount; ++c) {
-        if (c == PriceCol::Name)
-            continue;
-        packed += cells[static_cast<size_t>(c)];
-        m_ends[static_cast<size_t>(slot(c))] = static_cast<quint32>(packed.size());
+        text += cells[static_cast<size_t>(c)].toUtf8();
+        if (c < PriceCol::TextCount - 1)
+            m_ends[static_cast<size_t>(c)] = static_cast<quint32>(text.size());
     }
-    m_packed = std::move(packed);
+    text.squeeze();
+    m_text = std::move(text);
+}
+
+RateRow RateRow::fromUtf8(const std::array<QByteArrayView, PriceCol::TextCount> &cells) {
+    RateRow row;
+    qsizetype bytes = 0;
+    for (const QByteArrayView &cell : cells)
+        bytes += cell.size();
+    if (bytes == 0)
+        return row;
+    QByteArray text(bytes, Qt::Uninitialized);
+    char *out = text.data();
+    for (int c = 0; c < PriceCol::TextCount; ++c) {
+        const QByteArrayView cell = cells[static_cast<size_t>(c)];
+        if (!cell.isEmpty())
+            memcpy(out, cell.data(), static_cast<size_t>(cell.size()));
+        out += cell.size();
+        if (c < PriceCol::TextCount - 1)
+            row.m_ends[static_cast<size_t>(c)] = static_cast<quint32>(out - text.constData());
+    }
+    row.m_text = std::move(text);
+    return row;
+}
+
+QByteArrayView RateRow::utf8(int col) const {
+    if (col < 0 || col >= PriceCol::TextCount)
+        return {};
+    return QByteArrayView(m_text).sliced(begin(col), end(col) - begin(col));
 }
 
 QString RateRow::operator[](int col) const {
-    if (col == PriceCol::Name)
-        return m_name;
-    if (col < 0 || col >= PriceCol::TextCount)
-        return {};
-    const int i = slot(col);
-    const quint32 begin = i == 0 ? 0 : m_ends[static_cast<size_t>(i - 1)];
-    const quint32 end = m_ends[static_cast<size_t>(i)];
-    if (end == begin)
-        return {};
-    return m_packed.mid(begin, end - begin);
+    const QByteArrayView cell = utf8(col);
+    return cell.isEmpty() ? QString() : QString::fromUtf8(cell);
 }
 
 RateRow::Cells RateRow::cells() const {
@@ -42,10 +57,6 @@ RateRow::Cells RateRow::cells() const {
 }
 
 void RateRow::set(int col, const QString &text) {
-    if (col == PriceCol::Name) {
-        m_name = text;
-        return;
-    }
     if (col < 0 || col >= PriceCol::TextCount)
         return;
     Cells c = cells();
@@ -54,7 +65,7 @@ void RateRow::set(int col, const QString &text) {
 }
 
 bool RateRow::isBlank() const {
-    return m_name.trimmed().isEmpty() && m_packed.trimmed().isEmpty();
+    return QString::fromUtf8(m_text).trimmed().isEmpty();
 }
 
 QString RateRow::bound(int col) const {
@@ -62,14 +73,24 @@ QString RateRow::bound(int col) const {
     return c.isNull() ? QStringLiteral("") : c;
 }
 
+PriceRowKind priceRowKind(QByteArrayView edras, QByteArrayView edizm) {
+    if (!edras.contains('-'))
+        return PriceRowKind::Section;
+    // "пв" in any letter case takes four bytes of UTF-8; only such a unit needs a closer look.
+    if (edizm.size() != 4)
+        return PriceRowKind::Rate;
+    return priceRowKind(QStringLiteral("-"), QString::fromUtf8(edizm));
+}
+
 bool isSubsectionUnit(const QString &edizm) {
     return edizm.trimmed().toLower() == QStringLiteral("пв");
 }
 
-PriceRowKind priceRowKind(const QString &edras, const QString &edizm) {
+PriceRowKind priceRowKind(QStringView edras, QStringView edizm) {
     if (!edras.contains(QLatin1Char('-')))
         return PriceRowKind::Section;
-    return edizm.toLower() == QStringLiteral("пв") ? PriceRowKind::Subsection : PriceRowKind::Rate;
+    return edizm.size() == 2 && edizm.compare(u"пв", Qt::CaseInsensitive) == 0 ? PriceRowKind::Subsection
+                                                                               : PriceRowKind::Rate;
 }
 
 void renumberRates(std::vector<RateRow> &rows) {
@@ -107,9 +128,12 @@ QStringList currencyCaptions() {
 }
 
 void addToSectionIndex(SectionIndex &index, const RateRow &row) {
-    const QString &number = row[PriceCol::Ras];
+    const QString number = row[PriceCol::Ras];
+    const PriceRowKind kind = priceRowKind(number, row[PriceCol::Unit]);
+    if (kind == PriceRowKind::Rate)
+        return;
     const QString text = number + QLatin1Char(' ') + row[PriceCol::Name];
-    switch (priceRowKind(row)) {
+    switch (kind) {
     case PriceRowKind::Section:
         // Blank rows (a row added in edit mode and left empty) open no section.
         if (number.trimmed().isEmpty() && row[PriceCol::Name].trimmed().isEmpty())

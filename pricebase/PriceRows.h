@@ -2,8 +2,12 @@
 // Rows of a price list as the rate grid shows them, the row kinds that the rate numbers encode, the
 // renumbering rule and the section index (tree and combo) built from a list.
 
+#include <QByteArray>
+#include <QByteArrayView>
+#include <QPair>
 #include <QString>
 #include <QStringList>
+#include <QStringView>
 #include <array>
 #include <vector>
 
@@ -25,18 +29,27 @@ enum : int {
 };
 }
 
-// One row of the rate grid: nine text cells and the tick. A list holds 100,000 rows, so the cells
-// are kept compactly: the name on its own (live search shares it), the other eight packed into one
-// text with their end offsets.
+// One row of the rate grid: nine text cells and the tick. A list holds 100,000 rows, so a row keeps
+// its cells in one UTF-8 text (as SQLite gives them: read without decoding, one allocation a row) with
+// the ends of the cells; a cell becomes a QString when it is asked for (the rows on screen, the row
+// inserted into the estimate).
 class RateRow {
 public:
     using Cells = std::array<QString, PriceCol::TextCount>;
 
     RateRow() = default;
     explicit RateRow(const Cells &cells);
+    // The cells as UTF-8, as SQLite gives them, kept as they come.
+    static RateRow fromUtf8(const std::array<QByteArrayView, PriceCol::TextCount> &cells);
 
     QString operator[](int col) const;
-    const QString &name() const { return m_name; }
+    // A cell as UTF-8, without a copy, valid while the row is not changed.
+    QByteArrayView utf8(int col) const;
+    QString name() const { return (*this)[PriceCol::Name]; }
+    // The row's text (shared, not copied) and where its name lies in it: live search keeps the names of
+    // a list this way.
+    const QByteArray &text() const { return m_text; }
+    QPair<quint32, quint32> nameSpan() const { return {begin(PriceCol::Name), end(PriceCol::Name)}; }
     void set(int col, const QString &text);
     Cells cells() const;
     bool isBlank() const;
@@ -47,21 +60,28 @@ public:
     bool checked = false;
 
 private:
-    static constexpr int kPacked = PriceCol::TextCount - 1;
-    // Index of a column other than the name among the packed ones.
-    static int slot(int col) { return col < PriceCol::Name ? col : col - 1; }
     void pack(const Cells &cells);
+    quint32 begin(int col) const { return col == 0 ? 0 : m_ends[static_cast<size_t>(col - 1)]; }
+    // The last cell ends with the text: one end fewer to keep.
+    quint32 end(int col) const {
+        return col < PriceCol::TextCount - 1 ? m_ends[static_cast<size_t>(col)]
+                                             : static_cast<quint32>(m_text.size());
+    }
 
-    QString m_name;
-    QString m_packed;
-    std::array<quint32, kPacked> m_ends{};
+    QByteArray m_text; // UTF-8, the cells in column order
+    std::array<quint32, PriceCol::TextCount - 1> m_ends{};
 };
 
 enum class PriceRowKind { Section, Subsection, Rate };
 
 // Section title: no "-" in the number; subsection title: a "-" and the unit "пв" in any letter case;
 // everything else is a rate.
-PriceRowKind priceRowKind(const QString &edras, const QString &edizm);
+PriceRowKind priceRowKind(QStringView edras, QStringView edizm);
+inline PriceRowKind priceRowKind(const QString &edras, const QString &edizm) {
+    return priceRowKind(QStringView(edras), QStringView(edizm));
+}
+// The same for the texts as UTF-8 (a list being read).
+PriceRowKind priceRowKind(QByteArrayView edras, QByteArrayView edizm);
 inline PriceRowKind priceRowKind(const RateRow &row) {
     return priceRowKind(row[PriceCol::Ras], row[PriceCol::Unit]);
 }

@@ -3,6 +3,7 @@
 #include "storage/Catalogue.h"
 #include "storage/Money.h"
 #include "storage/Schema.h"
+#include "storage/SqliteRows.h"
 #include "storage/TextValues.h"
 #include "storage/Transaction.h"
 
@@ -72,18 +73,39 @@ bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData
     if (!knownTable(table))
         return fail(error, QStringLiteral("Неизвестная таблица расценок «%1»").arg(table));
     const bool list1 = table == QLatin1String("price1");
-    const QString sql = QStringLiteral("SELECT id, edras, nameras, edizm,") + currencyColumn(currency) +
-                        QStringLiteral(", rec, link, mat") + (list1 ? QStringLiteral(",koef") : QString()) +
-                        QStringLiteral(" FROM ") + table + QStringLiteral(" WHERE 1");
-    QSqlQuery q(db);
-    // The count first: the rows are laid out once, without the spare room of a growing vector.
-    if (q.exec(QStringLiteral("SELECT count(*) FROM ") + table) && q.next())
-        out.rows.reserve(static_cast<size_t>(q.value(0).toLongLong()));
-    q.finish();
-    q.setForwardOnly(true);
-    if (!q.exec(sql))
-        return failQuery(error, q);
-    readRows(q, list1, out);
+    {
+        // Room for the rows first (the largest id, found in the key without a scan, is the count of a
+        // list written whole): laid out once, without the spare room of a growing vector.
+        SqliteRows last(db, QStringLiteral("SELECT max(id) FROM ") + table);
+        if (last.next())
+            out.rows.reserve(static_cast<size_t>(qBound(0LL, last.utf8(0).toLongLong(), 10'000'000LL)));
+    }
+    // A list holds 100,000 rows: read through the C interface, each text decoded once into its row.
+    SqliteRows q(db, QStringLiteral("SELECT id, edras, nameras, edizm,") + currencyColumn(currency) +
+                         QStringLiteral(", rec, link, mat") + (list1 ? QStringLiteral(",koef") : QString()) +
+                         QStringLiteral(" FROM ") + table + QStringLiteral(" WHERE 1"));
+    std::array<QByteArrayView, PriceCol::TextCount> cells;
+    while (q.next()) {
+        cells[PriceCol::Id] = q.utf8(0);
+        cells[PriceCol::Ras] = q.utf8(1);
+        cells[PriceCol::Name] = q.utf8(2);
+        cells[PriceCol::Unit] = q.utf8(3);
+        cells[PriceCol::Price] = q.utf8(4);
+        cells[PriceCol::Rec] = q.utf8(5);
+        cells[PriceCol::Link] = q.utf8(6);
+        cells[PriceCol::Koef] = list1 ? q.utf8(8) : QByteArrayView();
+        const PriceRowKind kind = priceRowKind(cells[PriceCol::Ras], cells[PriceCol::Unit]);
+        // Titles carry no price and no crew price; a section title shows no unit either.
+        if (kind != PriceRowKind::Rate)
+            cells[PriceCol::Price] = cells[PriceCol::Link] = QByteArrayView();
+        if (kind == PriceRowKind::Section)
+            cells[PriceCol::Unit] = QByteArrayView();
+        out.rows.push_back(RateRow::fromUtf8(cells));
+        if (kind != PriceRowKind::Rate)
+            addToSectionIndex(out.sections, out.rows.back());
+    }
+    if (!q.ok())
+        return fail(error, q.error());
     return true;
 }
 
@@ -92,38 +114,43 @@ bool writeList(QSqlDatabase db, const QString &table, int currency, const std::v
     if (!knownTable(table))
         return fail(error, QStringLiteral("Неизвестная таблица расценок «%1»").arg(table));
     const bool list1 = table == QLatin1String("price1");
-    Transaction t(db);
-    if (!t.active())
-        return fail(error, t.error());
-    QSqlQuery q(db);
-    // The list is written whole: the table is emptied (its layout and indexes stay, its ids start
-    // from 1 again, as for a table just made) and every row inserted again.
-    if (!Schema::clearTables(db, {table}, error))
-        return false;
-    const QString sql = QStringLiteral("INSERT INTO ") + table + QStringLiteral(" (edras,nameras,edizm,") +
-                        currencyColumn(currency) + QStringLiteral(",rec") +
-                        (list1 ? QStringLiteral(",koef,link) values (?,?,?,?,?,?,?)")
-                               : QStringLiteral(") values (?,?,?,?,?)"));
-    if (!q.prepare(sql))
-        return failQuery(error, q);
-    for (const RateRow &row : rows) {
-        // A row left empty in edit mode carries nothing worth keeping.
-        if (row.isBlank())
-            continue;
-        for (int c : {PriceCol::Ras, PriceCol::Name, PriceCol::Unit, PriceCol::Price, PriceCol::Rec})
-            q.addBindValue(row.bound(c));
-        if (list1) {
-            q.addBindValue(row.bound(PriceCol::Koef));
-            q.addBindValue(row.bound(PriceCol::Link));
+    {
+        Transaction t(db);
+        if (!t.active())
+            return fail(error, t.error());
+        // The list is written whole: the table is emptied (its layout and indexes stay, its ids start
+        // from 1 again, as for a table just made) and every row inserted again.
+        if (!Schema::clearTables(db, {table}, error))
+            return false;
+        SqliteRows insert(db, QStringLiteral("INSERT INTO ") + table +
+                                  QStringLiteral(" (edras,nameras,edizm,") + currencyColumn(currency) +
+                                  QStringLiteral(",rec") +
+                                  (list1 ? QStringLiteral(",koef,link) values (?,?,?,?,?,?,?)")
+                                         : QStringLiteral(") values (?,?,?,?,?)")));
+        if (!insert.ok())
+            return fail(error, insert.error());
+        for (const RateRow &row : rows) {
+            // A row left empty in edit mode carries nothing worth keeping.
+            if (row.isBlank())
+                continue;
+            insert.bindUtf8(0, row.utf8(PriceCol::Ras));
+            insert.bindUtf8(1, row.utf8(PriceCol::Name));
+            insert.bindUtf8(2, row.utf8(PriceCol::Unit));
+            insert.bindUtf8(3, row.utf8(PriceCol::Price));
+            insert.bindUtf8(4, row.utf8(PriceCol::Rec));
+            if (list1) {
+                insert.bindUtf8(5, row.utf8(PriceCol::Koef));
+                insert.bindUtf8(6, row.utf8(PriceCol::Link));
+            }
+            if (!insert.run())
+                return fail(error, insert.error());
         }
-        if (!q.exec())
-            return failQuery(error, q);
+        if (!t.commit())
+            return fail(error, t.error());
     }
-    q.finish();
-    if (!t.commit())
-        return fail(error, t.error());
-    QSqlQuery vacuum(db);
-    vacuum.exec(QStringLiteral("VACUUM;")); // only compacts the file; the data is already committed
+    // A list written again reuses the pages of the list it replaced: the file is compacted only when
+    // much of it is free (a list cut down), not after every write.
+    Schema::compactIfWorthIt(db);
     return true;
 }
 

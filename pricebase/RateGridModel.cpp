@@ -1,5 +1,7 @@
 #include "RateGridModel.h"
 
+#include <QtConcurrent>
+
 #include <QFont>
 #include <QIODevice>
 #include <QMimeData>
@@ -13,6 +15,10 @@ RateGridModel::RateGridModel(QObject *parent) : QAbstractTableModel(parent) {}
 
 void RateGridModel::setRows(std::vector<RateRow> rows) {
     beginResetModel();
+    // The rows shown before (100,000 of them, two texts each) are freed on a worker thread: the user
+    // does not wait for that.
+    if (m_rows.size() > kFreeElsewhere)
+        (void)QtConcurrent::run([old = std::move(m_rows)] {});
     m_rows = std::move(rows);
     m_filtered = false;
     m_visible.clear();

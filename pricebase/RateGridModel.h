@@ -90,6 +90,7 @@ private:
     void rebuildVisible();
     int placeholderRow() const { return visibleCount() == 0 ? 0 : -1; }
 
+    static constexpr size_t kFreeElsewhere = 10000; // rows worth freeing on a worker thread
     std::vector<RateRow> m_rows;
     std::vector<int> m_visible; // indices into m_rows while filtered
     bool m_filtered = false;

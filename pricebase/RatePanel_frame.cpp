@@ -45,6 +45,9 @@ TRatePanel::TRatePanel(PriceBase &base, QWidget *parent) : QWidget(parent), m_ba
             rebuildNavigation();
         cursorToStart();
     });
+    connect(&m_base, &PriceBase::readFailed, this, [this](const QString &error) {
+        tell(QStringLiteral("Не удалось прочитать расценки: %1").arg(error));
+    });
     connect(&m_base.model(), &RateGridModel::listEdited, this, [this] { m_edited = true; });
     // A typed name, unit or price can change what a row is: the numbers follow.
     connect(&m_base.model(), &RateGridModel::cellEdited, this, [this](int, int col) {
@@ -219,7 +222,8 @@ void TRatePanel::start() {
     m_started = true;
     if (m_base.crewMode())
         UpdateSqlPriceBrig();
-    readCurrent();
+    // The window is usable before a long list is read; the grid fills when it is there.
+    m_base.readInBackground();
 }
 
 void TRatePanel::readCurrent() {

@@ -412,3 +412,7 @@ QStringList tableNames(Db db) {
 bool isShared(Db db) {
     return db != Db::Smeta;
 }
+
+bool isScratch(Db db) {
+    return db == Db::Smeta || db == Db::ReturnAction;
+}

@@ -55,3 +55,6 @@ QStringList tableNames(Db db);
 // A file that two running programs may write at once: every database but the working estimate, which
 // belongs to one program. Such files are kept in write-ahead-log mode.
 bool isShared(Db db);
+// Kept for one session only: the working estimate (replaced by every open, copied durably by a save)
+// and the undo journal (emptied for every document). Their commits do not wait for the disk.
+bool isScratch(Db db);

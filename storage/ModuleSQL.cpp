@@ -4,6 +4,7 @@
 
 #include <QAtomicInt>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -38,6 +39,22 @@ bool TModuleSQL::isOpen(Db db) const {
 }
 
 QSqlDatabase TModuleSQL::database(Db db) {
+    // The working estimate is scratch (replaced by every open, written without waiting for the disk):
+    // one that a power cut left damaged is made again rather than leave the estimate unusable.
+    const bool scratch = isScratch(db) && !isShared(db) && QFileInfo::exists(filePath(db));
+    {
+        QSqlDatabase con = open(db, !scratch);
+        if (con.isOpen() || !scratch)
+            return con;
+    }
+    const QString path = filePath(db);
+    close(db);
+    for (const char *suffix : {"", "-journal", "-wal", "-shm"})
+        QFile::remove(path + QLatin1String(suffix));
+    return open(db, true);
+}
+
+QSqlDatabase TModuleSQL::open(Db db, bool report) {
     const QString name = connectionName(db);
     if (QSqlDatabase::contains(name)) {
         QSqlDatabase existing = QSqlDatabase::database(name, false);
@@ -66,12 +83,14 @@ QSqlDatabase TModuleSQL::database(Db db) {
             // one writer at a time.
             if (isShared(db))
                 Schema::shareConnection(con);
+            if (isScratch(db))
+                Schema::scratchConnection(con);
             reason = Schema::upgrade(con, db);
         }
     }
     if (!reason.isEmpty()) {
         con.close();
-        if (!m_failures.contains(db)) {
+        if (report && !m_failures.contains(db)) {
             QString text = QStringLiteral("Не удалось открыть базу данных «%1»: %2. Эта часть программы "
                                           "недоступна, остальное работает.")
                                .arg(QDir::toNativeSeparators(path), reason.trimmed());

@@ -24,7 +24,8 @@ public:
 
     // The open connection; opened and completed with its tables on first call. When the file cannot
     // be opened or is not a database, an invalid (closed) handle is returned, failed(db) is true and
-    // the failure is reported once through the failure handler.
+    // the failure is reported once through the failure handler. A damaged working estimate (scratch)
+    // is made anew instead.
     QSqlDatabase database(Db db);
     bool isOpen(Db db) const;
     bool failed(Db db) const { return m_failures.contains(db); }
@@ -44,6 +45,9 @@ public:
     }
 
 private:
+    // Opens and upgrades the file; a failure is recorded and (report) told to the handler.
+    QSqlDatabase open(Db db, bool report);
+
     QString m_dataFolder;
     QString m_instanceTag;
     QHash<Db, QString> m_paths;

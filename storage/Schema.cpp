@@ -240,4 +240,21 @@ QString shareConnection(QSqlDatabase db) {
     return {};
 }
 
+void scratchConnection(QSqlDatabase db) {
+    QSqlQuery q(db);
+    q.exec(QStringLiteral("PRAGMA synchronous = OFF"));
+    q.exec(QStringLiteral("PRAGMA secure_delete = ON"));
+}
+
+void compactIfWorthIt(QSqlDatabase db) {
+    QSqlQuery q(db);
+    const qint64 free =
+        q.exec(QStringLiteral("PRAGMA freelist_count")) && q.next() ? q.value(0).toLongLong() : 0;
+    const qint64 pages =
+        q.exec(QStringLiteral("PRAGMA page_count")) && q.next() ? q.value(0).toLongLong() : 0;
+    q.finish();
+    if (pages > 0 && free * 4 >= pages)
+        q.exec(QStringLiteral("VACUUM"));
+}
+
 } // namespace Schema

@@ -50,4 +50,16 @@ bool clearTables(QSqlDatabase db, const QStringList &tables, QString *error = nu
 inline constexpr int kBusyTimeoutMs = 5000;
 QString shareConnection(QSqlDatabase db);
 
+// Settings of a connection to a file kept for one session (see isScratch): the working estimate,
+// which every open replaces and a save copies durably into the document file (flushed there), and the
+// undo journal. Their commits do not wait for the disk (their journal still keeps each commit whole
+// if the program stops), and what is deleted is overwritten at once, so that a document file made
+// from the working estimate keeps no remains of the document before it.
+void scratchConnection(QSqlDatabase db);
+
+// Gives the file's free pages back (VACUUM: a rewrite of the whole file) when at least a quarter of
+// it is free, e.g. after a list was cut down or a journal emptied. Only the size of the file depends
+// on it.
+void compactIfWorthIt(QSqlDatabase db);
+
 } // namespace Schema

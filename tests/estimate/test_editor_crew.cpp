@@ -80,12 +80,12 @@ TEST_F(CrewTest, GlobalAndPerRowCoefficients) {
 }
 
 TEST_F(CrewTest, CrewPriceBroughtByTheRateWins) {
-    editor->crew()->setPriceLookup(
-        [](const QString &idRas, const QString &namePrice) -> std::optional<Decimal> {
-            if (namePrice == "resurs1" && idRas == "17")
-                return Decimal::whole(250);
-            return std::nullopt;
-        });
+    editor->crew()->setPriceLookup([](const QList<CrewSheet::Rate> &rates) {
+        std::vector<std::optional<Decimal>> answers;
+        for (const CrewSheet::Rate &rate : rates)
+            answers.push_back(rate == CrewSheet::Rate{"17", "resurs1"} ? Decimal::whole(250) : std::nullopt);
+        return answers;
+    });
     editor->crew()->setGlobalKoef("0,5");
     work(2, "Плитка", "4", "1000");
     type(2, IdRas, "17");

@@ -169,15 +169,30 @@ TEST(RateGridModel, TicksAreKeptPerRowInListOrder) {
 TEST(LiveSearch, SubstringAnywhereInAnyLetterCase) {
     LiveSearch s;
     s.loadNames({"ШТУКАТУРКА стен", "Покраска стен", "Демонтаж плитки", "Укладка ПЛИТКИ на пол",
-                 "Ёлочный паркет", "Quote ' and \\ back"});
+                 "Ёлочный паркет", "Quote ' and \\ back", "Кабель 2×1,5 мм²", "Кабель 2x1,5", "Émail ÄRGER"});
     struct Case {
         QString typed;
         std::vector<int> expected;
     };
     const Case cases[] = {
-        {"штук", {0}},     {"СТЕН", {0, 1}},       {"плитк", {2, 3}}, {"а", {0, 1, 2, 3, 4}},
-        {"ёлоч", {4}},     {"ка ст", {0, 1}},      {" пол", {3}},     {"кирпич", {}},
-        {"' and \\", {5}}, {"т", {0, 1, 2, 3, 4}}, {"стенx", {}},
+        {"штук", {0}},
+        {"СТЕН", {0, 1}},
+        {"плитк", {2, 3}},
+        {"а", {0, 1, 2, 3, 4, 6, 7}},
+        {"ёлоч", {4}},
+        {"ка ст", {0, 1}},
+        {" пол", {3}},
+        {"кирпич", {}},
+        {"' and \\", {5}},
+        {"т", {0, 1, 2, 3, 4}},
+        {"стенx", {}},
+        // Letters other than Latin and Cyrillic are told apart too.
+        {"2×1", {6}},
+        {"2x1", {7}},
+        {"мм²", {6}},
+        {"émail ä", {8}},
+        {"örger", {}},
+        {"ÉMAIL", {8}},
     };
     for (const Case &c : cases)
         EXPECT_EQ(s.find(c.typed), c.expected) << c.typed.toStdString();

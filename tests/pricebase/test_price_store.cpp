@@ -4,6 +4,8 @@
 #include "pricebase/PriceBase.h"
 #include "pricebase/PriceStore.h"
 
+#include <QDir>
+#include <QFile>
 #include <QSqlQuery>
 #include <gtest/gtest.h>
 
@@ -142,6 +144,49 @@ TEST(PriceBase, CurrentListFollowsTabAndCrewSwitch) {
         EXPECT_EQ(base.table(), c.table);
         EXPECT_EQ(base.resourcesTable(), c.resources);
     }
+}
+
+// Start-up reads the list on a worker thread: the same rows, sections and live-search names as a read
+// in the window's thread, and a read in between wins over the older rows.
+TEST(PriceBase, AListReadInTheBackgroundIsTheSameAndAnEarlierReadWins) {
+    PriceFixture f;
+    f.addRates("price1", kList);
+    PriceBase direct(f.module.get());
+    ASSERT_TRUE(direct.read());
+    PriceBase background(f.module.get());
+    QStringList reads;
+    QObject::connect(&background, &PriceBase::listRead, [&] { reads << "read"; });
+    QObject::connect(&background, &PriceBase::readFailed, [&](const QString &e) { reads << e; });
+    background.readInBackground();
+    EXPECT_TRUE(background.reading());
+    background.waitForRead();
+    EXPECT_FALSE(background.reading());
+    EXPECT_EQ(reads, QStringList{"read"});
+    ASSERT_EQ(background.model().allRows().size(), direct.model().allRows().size());
+    for (size_t i = 0; i < direct.model().allRows().size(); ++i)
+        EXPECT_EQ(background.model().allRows()[i].cells(), direct.model().allRows()[i].cells());
+    EXPECT_EQ(background.sections().size(), direct.sections().size());
+    EXPECT_EQ(background.liveSearch().find("обо"), direct.liveSearch().find("обо"));
+
+    // Read again meanwhile (another tab): the rows of the background read are not taken.
+    background.readInBackground();
+    background.setTab(PriceTab::Price2);
+    ASSERT_TRUE(background.read());
+    background.waitForRead();
+    EXPECT_TRUE(background.model().allRows().empty()); // price list 2 is empty
+    // A price base that is not there: the background read says so.
+    TestFolder other;
+    QDir(other.path()).mkpath("Sp");
+    QFile junk(other.file("Sp/price.db"));
+    ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
+    junk.write(QByteArray(4096, 'x'));
+    junk.close();
+    TModuleSQL broken(other.path());
+    PriceBase failing(&broken);
+    QObject::connect(&failing, &PriceBase::readFailed, [&](const QString &) { reads << "failed"; });
+    failing.readInBackground();
+    failing.waitForRead();
+    EXPECT_EQ(reads.last(), "failed");
 }
 
 TEST(PriceBase, LiveSearchHoldsTheWholeListWhileTheGridIsFiltered) {

@@ -5,6 +5,7 @@
 #include "estimate/EstimateGrid.h"
 #include "pricebase/RateInsertion.h"
 #include "pricebase/Resources.h"
+#include "storage/TextValues.h"
 
 #include <QSqlQuery>
 #include <gtest/gtest.h>
@@ -197,6 +198,45 @@ TEST(RateInsertion, MaterialQuantitiesFollowNormsAndQuantityZeroRemovesThem) {
     // A table name from elsewhere is refused without touching anything.
     EXPECT_TRUE(RateResources::searchAndWriteResurse(price, smeta, grid, "3", "price1; DROP", &changed));
     EXPECT_FALSE(changed);
+}
+
+// 250 rates with resources: the look-up of the rates' resources grows its table while the totals are
+// gathered (a crash on the first quantity edit when it kept pointers into that table).
+TEST(RateInsertion, MaterialQuantitiesOfManyDistinctRates) {
+    PriceFixture f;
+    constexpr int kRates = 250;
+    QStringList rows;
+    {
+        QSqlDatabase price = f.price();
+        price.transaction();
+        for (int rec = 1; rec <= kRates; ++rec) {
+            f.addResource("resurs1", QStringLiteral("Материал %1").arg(rec % 7), "кг", "10",
+                          QString::number(rec), "0,5");
+            f.addResource("resurs1", "Грунт", "л", "100", QString::number(rec), "0,1");
+            rows << QStringLiteral("|Работа %1|%1|%2").arg(rec).arg(rec % 3 + 1);
+        }
+        price.commit();
+    }
+    EstimateGrid grid;
+    layout(grid, rows);
+    bool changed = false;
+    QString error;
+    ASSERT_TRUE(
+        RateResources::searchAndWriteResurse(f.price(), f.smeta(), grid, "7", "resurs1", &changed, &error))
+        << error.toStdString();
+    EXPECT_TRUE(changed);
+    // "Грунт" needs Σ quantity × 0,1 over every row, "Материал 0" (rates 7, 14, …, 245) Σ quantity × 0,5.
+    int all = 0, sevenths = 0;
+    for (int rec = 1; rec <= kRates; ++rec) {
+        all += rec % 3 + 1;
+        if (rec % 7 == 0)
+            sevenths += rec % 3 + 1;
+    }
+    const QString material0 = TextValues::formatQuantity(*Decimal::of(sevenths * 5, 1));
+    const QString primer = TextValues::formatQuantity(*Decimal::of(all, 1));
+    EXPECT_EQ(f.materials(),
+              (QStringList{QStringLiteral("Материал 0|%1|10|%2,00").arg(material0).arg(sevenths * 5),
+                           QStringLiteral("Грунт|%1|100|%2,00").arg(primer).arg(all * 10)}));
 }
 
 TEST(RateInsertion, LiveSearchChoiceMovesToTheNextRow) {

@@ -83,6 +83,38 @@ TEST(ModuleSQL, AFileThatIsNotADatabaseIsReportedOnceAndTheRestWorks) {
     EXPECT_FALSE(module.failed(Db::Price));
 }
 
+// The working estimate is scratch: a damaged one (a power cut while it was written without waiting for
+// the disk) is made anew, with every table, and nobody is told of a failure.
+TEST(ModuleSQL, ADamagedWorkingEstimateIsMadeAnew) {
+    ensureApplication();
+    TestFolder folder;
+    QDir(folder.path()).mkpath("Sp");
+    QFile junk(folder.file("Sp/smeta.db"));
+    ASSERT_TRUE(junk.open(QIODevice::WriteOnly));
+    junk.write(QByteArray(4096, 'x'));
+    junk.close();
+    TModuleSQL module(folder.path());
+    QStringList reports;
+    module.setFailureHandler([&](Db, const QString &text) { reports << text; });
+    QSqlDatabase smeta = module.database(Db::Smeta);
+    ASSERT_TRUE(smeta.isOpen());
+    EXPECT_TRUE(reports.isEmpty());
+    EXPECT_FALSE(module.failed(Db::Smeta));
+    QSqlQuery q(smeta);
+    EXPECT_TRUE(q.exec("SELECT count(*) FROM smeta") && q.next() && q.value(0).toInt() == 0);
+    // The commits of the files kept for one session do not wait for the disk (0 = OFF), and what they
+    // delete is overwritten; the other files' commits wait.
+    for (Db db : kAllDatabases) {
+        QSqlQuery p(module.database(db));
+        ASSERT_TRUE(p.exec("PRAGMA synchronous") && p.next());
+        EXPECT_EQ(p.value(0).toInt() == 0, isScratch(db)) << relativePath(db).toStdString();
+        ASSERT_TRUE(p.exec("PRAGMA secure_delete") && p.next());
+        if (isScratch(db)) {
+            EXPECT_EQ(p.value(0).toInt(), 1) << relativePath(db).toStdString();
+        }
+    }
+}
+
 TEST(ModuleSQL, TwoModulesKeepTheirOwnConnections) {
     ensureApplication();
     TestFolder a, b;

@@ -13,6 +13,7 @@
 #include "estimate/EstimateGrid.h"
 #include "estimate/HeaderPart.h"
 #include "estimate/OutputPart.h"
+#include "pricebase/PriceBase.h"
 #include "pricebase/PricePart.h"
 #include "storage/MainSettings.h"
 #include "storage/ModuleSQL.h"
@@ -34,6 +35,8 @@ protected:
         module = std::make_unique<TModuleSQL>(window->dataFolder());
         window->attachModule(module.get());
         window->FormShow();
+        // The rate grid fills after the window shows; the tests work on the whole list.
+        window->part<PricePart>()->priceBase()->waitForRead();
     }
     void TearDown() override {
         window.reset();
