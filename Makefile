@@ -2,7 +2,7 @@
 BUILD ?= build
 JOBS ?= 2
 
-.PHONY: all deps configure build run test bench clean format
+.PHONY: all deps configure build run test bench install clean format
 
 all: build
 
@@ -23,6 +23,10 @@ test: build
 
 bench: build
 	@scripts/run-bench.sh $(BUILD)
+
+# The program, its menu entry, icon and document types; PREFIX defaults to ~/.local.
+install: build
+	@cmake --install $(BUILD) $(if $(PREFIX),--prefix $(PREFIX))
 
 format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i

@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace AutosaveName {
 
@@ -51,8 +52,6 @@ Autosave::Autosave(QObject *parent) : QObject(parent) {
     TimerAutosave = new QTimer(this);
     TimerAutosave->setObjectName(QStringLiteral("TimerAutosave"));
     TimerAutosave->setInterval(kDefaultInterval);
-    // A copy is due only after an edit: the tick does not repeat by itself.
-    TimerAutosave->setSingleShot(true);
     connect(TimerAutosave, &QTimer::timeout, this, &Autosave::tick);
 
     TimerDelAutosaveTimer = new QTimer(this);
@@ -73,7 +72,15 @@ Autosave::~Autosave() {
 }
 
 void Autosave::setInterval(int ms) {
-    TimerAutosave->setInterval(ms > 0 ? ms : kDefaultInterval);
+    const int interval = ms > 0 ? ms : kDefaultInterval;
+    // QTimer restarts a running timer on every setInterval: a copy would then wait for a pause in
+    // the typing. A new interval counts from the next start.
+    if (interval == TimerAutosave->interval())
+        return;
+    if (TimerAutosave->isActive())
+        m_pendingInterval = interval;
+    else
+        TimerAutosave->setInterval(interval);
 }
 
 void Autosave::setRetention(int keepDays, int maxCopies) {
@@ -82,8 +89,11 @@ void Autosave::setRetention(int keepDays, int maxCopies) {
 }
 
 void Autosave::arm() {
-    if (!TimerAutosave->isActive())
-        TimerAutosave->start();
+    if (TimerAutosave->isActive())
+        return;
+    if (m_pendingInterval > 0)
+        TimerAutosave->setInterval(std::exchange(m_pendingInterval, 0));
+    TimerAutosave->start();
 }
 
 void Autosave::disarm() {

@@ -48,7 +48,8 @@ void EstimateHeaderPanel::build() {
     spdDateNumericSmetaWord = named(new QToolButton(this), QStringLiteral("spdDateNumericSmetaWord"));
     spdDateNumericSmetaWord->setCheckable(true);
     spdDateNumericSmetaWord->setText(QStringLiteral("Д"));
-    spdDateNumericSmetaWord->setToolTip(QStringLiteral("Нумерация по дате"));
+    spdDateNumericSmetaWord->setToolTip(
+        QStringLiteral("Нумерация по дате: текстовая часть номера — дата сметы"));
     NumericSmeta = named(new QSpinBox(this), QStringLiteral("NumericSmeta"));
     NumericSmeta->setRange(0, 999999);
     NumericSmeta->setValue(1);

@@ -1,11 +1,23 @@
 // The main window's life: start in an empty folder, the changed flag, the close question.
 
 #include "MainWindowFixture.h"
+#include "app/About.h"
+#include "app/Startup.h"
+#include "customers/ZakazAndObject_frame.h"
+#include "ui/WidgetDialogs.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFile>
+#include <QInputDialog>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
 #include <QTabWidget>
+#include <QTest>
+#include <QTimer>
 
 namespace {
 
@@ -20,7 +32,8 @@ TEST_F(MainWindowTest, StartInAnEmptyFolderCreatesTheTreeAndTheWorkingDatabase) 
     q.exec("SELECT COUNT(*) FROM sqlite_master WHERE type='table' AND name NOT LIKE 'sqlite_%'");
     ASSERT_TRUE(q.next());
     EXPECT_EQ(q.value(0).toInt(), tableNames(Db::Smeta).size()) << "every table of the catalogue";
-    EXPECT_EQ(window->windowTitle(), QStringLiteral("Вирн-Смета"));
+    EXPECT_EQ(window->windowTitle(), QStringLiteral("Новый документ[*] — Вирн-Смета"));
+    EXPECT_FALSE(window->isWindowModified());
     EXPECT_EQ(child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))->tabText(0),
               QStringLiteral("Новый документ"));
     EXPECT_EQ(child<QTabWidget>(window.get(), QStringLiteral("PageControlDoc"))->tabText(1),
@@ -90,6 +103,110 @@ TEST_F(MainWindowTest, YesSavesBeforeClosingAndCancelInTheSaveDialogKeepsTheWind
     ASSERT_TRUE(q.next());
     EXPECT_EQ(q.value(0).toString(), QStringLiteral("Окраска"));
     doc.close();
+}
+
+TEST(Startup, QtsOwnDialogsSpeakRussian) {
+    ensureApplication();
+    // What the program does before its first window.
+    ASSERT_TRUE(prepareApplication(*qobject_cast<QApplication *>(QCoreApplication::instance())));
+    QDialogButtonBox box(QDialogButtonBox::Cancel | QDialogButtonBox::Save | QDialogButtonBox::Open |
+                         QDialogButtonBox::Close);
+    EXPECT_EQ(box.button(QDialogButtonBox::Cancel)->text(), "Отмена");
+    EXPECT_EQ(box.button(QDialogButtonBox::Save)->text(), "Сохранить");
+    EXPECT_EQ(box.button(QDialogButtonBox::Open)->text(), "Открыть");
+    EXPECT_EQ(box.button(QDialogButtonBox::Close)->text(), "Закрыть");
+    // The file dialog's overwrite question and the print dialog.
+    EXPECT_TRUE(QCoreApplication::translate("QFileDialog", "%1 already exists.\nDo you want to replace it?")
+                    .startsWith("%1 уже существует"));
+    EXPECT_EQ(QCoreApplication::translate("QPrintDialog", "Print"), "Печать");
+    EXPECT_EQ(QLocale().decimalPoint(), ",");
+}
+
+TEST_F(MainWindowTest, AboutShowsTheVersionAndTheBuildDay) {
+    child<QAction>(window.get(), QStringLiteral("MAbout"))->trigger();
+    ASSERT_EQ(dialogs->shown().size(), 1);
+    EXPECT_EQ(dialogs->lastCaption(), "О программе");
+    const QDate built = About::buildDate();
+    ASSERT_TRUE(built.isValid());
+    EXPECT_LE(built, QDate::currentDate());
+    EXPECT_FALSE(About::version().isEmpty());
+    EXPECT_TRUE(dialogs->lastText().contains(
+        QStringLiteral("Версия %1, сборка от %2").arg(About::version(), built.toString("dd.MM.yyyy"))))
+        << dialogs->lastText().toStdString();
+}
+
+// The real dialogs, answered by a timer: the box is looked at while it is shown, then closed.
+class RealDialogsTest : public MainWindowTest {
+protected:
+    void SetUp() override {
+        MainWindowTest::SetUp();
+        previous = installDialogs(std::make_unique<WidgetDialogs>());
+        ::dialogs().setParentWidget(window.get());
+    }
+    void TearDown() override {
+        installDialogs(std::move(previous));
+        MainWindowTest::TearDown();
+    }
+    // Runs look() on the modal box as soon as it is up, then closes it.
+    void whenShown(std::function<void(QWidget *)> look) {
+        QTimer::singleShot(50, [look] {
+            QWidget *box = QApplication::activeModalWidget();
+            look(box);
+            if (auto *dialog = qobject_cast<QDialog *>(box))
+                dialog->reject();
+        });
+    }
+    std::unique_ptr<Dialogs> previous;
+};
+
+TEST_F(RealDialogsTest, AMessageBoxBelongsToTheWindowTheUserWorksIn) {
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    window->part<CustomersPart>()->MZakazAndObjectClick();
+    auto *customers = window->findChild<TZakazAndObject *>();
+    ASSERT_NE(customers, nullptr);
+    // A secondary window is a window of its own, owned by the main window: it stays above it.
+    EXPECT_TRUE(customers->isWindow());
+    EXPECT_EQ(customers->parentWidget(), window.get());
+    customers->activateWindow();
+    ASSERT_TRUE(QTest::qWaitFor([customers] { return QApplication::activeWindow() == customers; }));
+    QWidget *owner = nullptr;
+    whenShown([&owner](QWidget *box) { owner = box ? box->parentWidget() : nullptr; });
+    ::dialogs().tell(Captions::info, "Проверка");
+    EXPECT_EQ(owner, customers)
+        << "the box belongs to the customers' window, not the main window; it went to "
+        << (owner ? owner->metaObject()->className() : "nobody") << " "
+        << (owner ? owner->objectName().toStdString() : "");
+
+    // With the main window active the box is the main window's.
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return QApplication::activeWindow() == window.get(); }));
+    whenShown([&owner](QWidget *box) { owner = box ? box->parentWidget() : nullptr; });
+    ::dialogs().tell(Captions::info, "Проверка");
+    EXPECT_EQ(owner, window.get());
+    customers->close();
+}
+
+TEST_F(RealDialogsTest, TheInputBoxIsWideEnoughForItsTexts) {
+    int width = 0, labelNeeds = 0, labelHas = 0;
+    QString cancel;
+    whenShown([&](QWidget *box) {
+        auto *input = qobject_cast<QInputDialog *>(box);
+        ASSERT_NE(input, nullptr);
+        width = input->width();
+        const auto *label = input->findChild<QLabel *>();
+        ASSERT_NE(label, nullptr);
+        labelNeeds = label->sizeHint().width();
+        labelHas = label->width();
+        for (auto *b : input->findChildren<QPushButton *>())
+            if (b->text() == "Отмена")
+                cancel = b->text();
+    });
+    QString name;
+    EXPECT_FALSE(::dialogs().input("Создать раздел", "Название раздела:", &name));
+    EXPECT_GE(width, 400);
+    EXPECT_GE(labelHas, labelNeeds);
+    EXPECT_EQ(cancel, "Отмена");
 }
 
 } // namespace
