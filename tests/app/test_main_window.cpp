@@ -4,6 +4,7 @@
 #include "app/About.h"
 #include "app/Startup.h"
 #include "customers/ZakazAndObject_frame.h"
+#include "estimate/HeaderPanel.h"
 #include "ui/WidgetDialogs.h"
 
 #include <QAction>
@@ -15,11 +16,29 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
 #include <QTabWidget>
+#include <QTableView>
 #include <QTest>
 #include <QTimer>
 
 namespace {
+
+// These tests run on a screen of 1280 × 720, the smallest the program is made for (the offscreen
+// platform reads its screens from a file named before the application starts).
+const bool kSmallScreen = [] {
+    const QString config =
+        QDir::temp().filePath(QStringLiteral("virn-screen-%1.json").arg(QCoreApplication::applicationPid()));
+    QFile f(config);
+    if (!f.open(QIODevice::WriteOnly))
+        return false;
+    f.write(R"({"screens": [{"name": "small", "x": 0, "y": 0, "width": 1280, "height": 720,
+                "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})");
+    f.close();
+    qputenv("QT_QPA_PLATFORM", QByteArrayLiteral("offscreen:configfile=") + config.toLocal8Bit());
+    return true;
+}();
 
 using MainWindowTest = MainWindowFixture;
 
@@ -103,6 +122,77 @@ TEST_F(MainWindowTest, YesSavesBeforeClosingAndCancelInTheSaveDialogKeepsTheWind
     ASSERT_TRUE(q.next());
     EXPECT_EQ(q.value(0).toString(), QStringLiteral("Окраска"));
     doc.close();
+}
+
+// Every child widget of `root` that is shown and lies partly outside `root` (cut off).
+QStringList cutOff(QWidget *root) {
+    QStringList out;
+    for (QWidget *w : root->findChildren<QWidget *>()) {
+        if (!w->isVisible() || w->isWindow() || w->width() <= 1)
+            continue;
+        // Widgets inside a scrolled area are meant to be partly out of sight.
+        bool scrolled = false;
+        for (QWidget *p = w->parentWidget(); p && p != root && !scrolled; p = p->parentWidget())
+            scrolled = p->objectName() == QLatin1String("qt_scrollarea_viewport") || p->inherits("QTabBar") ||
+                       p->inherits("QToolBar") || p->inherits("QMenuBar");
+        if (scrolled || w->inherits("QScrollBar"))
+            continue;
+        const QRect r(w->mapTo(root, QPoint(0, 0)), w->size());
+        if (!root->rect().contains(r))
+            out << QStringLiteral("%1 %2").arg(QString::fromLatin1(w->metaObject()->className()),
+                                               w->objectName());
+    }
+    return out;
+}
+
+TEST_F(MainWindowTest, TheWindowFitsTheScreenDownTo1280x720AndComesBackWhereItWasLeft) {
+    ASSERT_TRUE(kSmallScreen);
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    ASSERT_EQ(screen.size(), QSize(1280, 720));
+    // The first start fills the screen.
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    EXPECT_TRUE(window->isMaximized());
+    EXPECT_TRUE(screen.contains(window->frameGeometry())) << window->frameGeometry().width();
+    // The layout asks no more than the screen has (less a task bar and a title bar).
+    EXPECT_LE(window->minimumSizeHint().width(), 1280);
+    EXPECT_LE(window->minimumSizeHint().height(), 720 - 80);
+    // Smaller still: every field visible, the header in three lines.
+    window->showNormal();
+    window->setGeometry(0, 0, 1280, 720 - 80);
+    QTest::qWait(50);
+    EXPECT_EQ(window->size(), QSize(1280, 720 - 80));
+    EXPECT_EQ(cutOff(window.get()), QStringList());
+    auto *header = window->findChild<EstimateHeaderPanel *>();
+    ASSERT_NE(header, nullptr);
+    EXPECT_TRUE(header->isNarrow());
+    EXPECT_TRUE(child<QLineEdit>(window.get(), "Edit5")->isVisible());
+    // The estimate's work columns up to the amount are in sight without scrolling sideways; the name
+    // gives way but stays readable.
+    auto *grid = child<QTableView>(window.get(), "StringGridDoc");
+    const QRect sum = grid->visualRect(grid->model()->index(0, EstimateCol::Sum));
+    EXPECT_TRUE(grid->viewport()->rect().contains(sum)) << sum.right() << " > " << grid->viewport()->width();
+    EXPECT_GE(grid->columnWidth(EstimateCol::Name), 220);
+    // Wide again: two lines.
+    window->setGeometry(0, 0, 1920, 1000);
+    QTest::qWait(50);
+    EXPECT_FALSE(header->isNarrow());
+    EXPECT_FALSE(grid->horizontalScrollBar()->isVisible()) << "all the columns fit a wide window";
+    EXPECT_EQ(cutOff(window.get()), QStringList());
+
+    // Where the user leaves the window is where it opens next time.
+    const QRect left(40, 30, 1100, 620);
+    window->setGeometry(left);
+    QTest::qWait(50);
+    ASSERT_TRUE(window->FormCloseQuery());
+    window.reset();
+    window = std::make_unique<TForm1>(QStringList{});
+    window->attachModule(module.get());
+    window->FormShow();
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    EXPECT_FALSE(window->isMaximized());
+    EXPECT_EQ(window->geometry(), left);
 }
 
 TEST(Startup, QtsOwnDialogsSpeakRussian) {
