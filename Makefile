@@ -1,8 +1,11 @@
-# Quick start: `make run` opens the program on a fresh sample data folder; `make test` runs every test.
+# Quick start: `make run` opens the program on a fresh sample data folder; `make test` runs every test;
+# `make sanitize` runs every test built with the address and undefined-behaviour sanitizers.
 BUILD ?= build
 JOBS ?= 2
 
-.PHONY: all deps configure build run test bench install clean format
+SANITIZE_BUILD ?= build-sanitize
+
+.PHONY: all deps configure build run test bench install sanitize clean format
 
 all: build
 
@@ -27,6 +30,13 @@ bench: build
 # The program, its menu entry, icon and document types; PREFIX defaults to ~/.local.
 install: build
 	@cmake --install $(BUILD) $(if $(PREFIX),--prefix $(PREFIX))
+
+# The whole suite built with AddressSanitizer and UndefinedBehaviorSanitizer, in a build folder of its own.
+sanitize: deps
+	@cmake -S . -B $(SANITIZE_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVIRN_SANITIZE=ON \
+		-DVIRN_BENCH=OFF -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g" >/dev/null
+	@cmake --build $(SANITIZE_BUILD) -j $(JOBS)
+	@scripts/run-tests.sh $(SANITIZE_BUILD)
 
 format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i

@@ -3,21 +3,21 @@
 // (StringGridDocCanEditCell), moving rows by dragging them by the "№" column, and the name column
 // taking the width the others leave.
 
+#include "ui/ShortTextDelegate.h"
+
 #include <QKeySequence>
 #include <QList>
 #include <QObject>
-#include <QStyledItemDelegate>
 #include <functional>
 
 class QTableView;
 
-// Creates no editor where the rule says the cell is not to be edited.
-class CanEditDelegate : public QStyledItemDelegate {
+// Creates no editor where the rule says the cell is not to be edited (and shows long texts short).
+class CanEditDelegate : public ShortTextDelegate {
     Q_OBJECT
 public:
     using Rule = std::function<bool(int gridRow, int col)>;
-    CanEditDelegate(Rule rule, QObject *parent = nullptr)
-        : QStyledItemDelegate(parent), m_rule(std::move(rule)) {}
+    CanEditDelegate(Rule rule, QObject *parent = nullptr) : ShortTextDelegate(parent), m_rule(std::move(rule)) {}
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const override;
 
