@@ -21,7 +21,8 @@ constexpr qint64 kMaxRows = 2'000'000;
 
 // A length of OpenDocument ("1.5cm", "0.3937in", "10pt") in points; 0 when it is not one.
 double points(QStringView text) {
-    static const QRegularExpression re(QStringLiteral("^\\s*([-+]?[0-9]*\\.?[0-9]+)\\s*(cm|mm|in|pt|pc|px)?\\s*$"));
+    static const QRegularExpression re(
+        QStringLiteral("^\\s*([-+]?[0-9]*\\.?[0-9]+)\\s*(cm|mm|in|pt|pc|px)?\\s*$"));
     const QRegularExpressionMatch m = re.match(text);
     if (!m.hasMatch())
         return 0;
@@ -100,7 +101,8 @@ bool read(const QByteArray &fods, Layout *layout, QString *error) {
                 tableDone = true;
             } else if (name == QLatin1String("table:table-header-rows")) {
                 inHeaderRows = false;
-            } else if (name == QLatin1String("style:header-style") || name == QLatin1String("style:footer-style")) {
+            } else if (name == QLatin1String("style:header-style") ||
+                       name == QLatin1String("style:footer-style")) {
                 in = In::None;
             }
             continue;
@@ -159,10 +161,12 @@ bool read(const QByteArray &fods, Layout *layout, QString *error) {
                 }
             } else if (name == QLatin1String("style:master-page")) {
                 master = a.value(QLatin1String("style:name")).toString();
-                masters.insert(master, {a.value(QLatin1String("style:page-layout-name")).toString(), false, false});
+                masters.insert(master,
+                               {a.value(QLatin1String("style:page-layout-name")).toString(), false, false});
             } else if (name == QLatin1String("style:header") || name == QLatin1String("style:footer")) {
                 const bool shown = a.value(QLatin1String("style:display")) != QLatin1String("false");
-                (name == QLatin1String("style:header") ? masters[master].header : masters[master].footer) = shown;
+                (name == QLatin1String("style:header") ? masters[master].header : masters[master].footer) =
+                    shown;
             } else if (name == QLatin1String("table:table") && !tableDone) {
                 inTable = true;
                 tableStyle = a.value(QLatin1String("table:style-name")).toString();
@@ -188,7 +192,8 @@ bool read(const QByteArray &fods, Layout *layout, QString *error) {
             run.repeated = inHeaderRows;
             runs << run;
             column = 0;
-        } else if ((name == QLatin1String("table:table-cell") || name == QLatin1String("table:covered-table-cell")) &&
+        } else if ((name == QLatin1String("table:table-cell") ||
+                    name == QLatin1String("table:covered-table-cell")) &&
                    !runs.isEmpty()) {
             const int repeat = std::max(1, intAttr(a, "table:number-columns-repeated", 1));
             const int span = std::max(1, intAttr(a, "table:number-columns-spanned", 1));
@@ -197,7 +202,8 @@ bool read(const QByteArray &fods, Layout *layout, QString *error) {
                 lastColumn = std::max(lastColumn, column + std::max(repeat, span) - 1);
             }
             column += repeat;
-        } else if ((name == QLatin1String("text:p") || name == QLatin1String("draw:frame")) && !runs.isEmpty()) {
+        } else if ((name == QLatin1String("text:p") || name == QLatin1String("draw:frame")) &&
+                   !runs.isEmpty()) {
             runs.last().content = true;
             lastColumn = std::max(lastColumn, column - 1);
         }
@@ -222,9 +228,9 @@ bool read(const QByteArray &fods, Layout *layout, QString *error) {
             *error = QStringLiteral("Лист пуст или слишком длинный для разметки страниц.");
         return false;
     }
-    const Master m = masters.value(tableMasters.value(tableStyle),
-                                   masters.value(QStringLiteral("Default"),
-                                                 masters.isEmpty() ? Master() : masters.cbegin().value()));
+    const Master m = masters.value(
+        tableMasters.value(tableStyle),
+        masters.value(QStringLiteral("Default"), masters.isEmpty() ? Master() : masters.cbegin().value()));
     const PageStyle page = pageStyles.value(m.layout);
     double zoom = page.scale;
     if (page.fitWidth) {
@@ -303,7 +309,9 @@ QVector<int> breaksToAdd(Layout &layout, const Together &together) {
                 continue;
             while (k - 1 > starts[p - 1] && keep(k - 1))
                 --k;
-            if (k > starts[p - 1] && !layout.manualBreak[k])
+            // A page of nothing but headings stays as it is: moving them leaves the same on the next.
+            const bool wholePage = k - 1 == starts[p - 1] && keep(k - 1);
+            if (k > starts[p - 1] && !wholePage && !layout.manualBreak[k])
                 breakAt = k;
         }
         // The closing block on one page, with rows of the table above it.
@@ -334,10 +342,10 @@ QVector<int> breaksToAdd(Layout &layout, const Together &together) {
 
 bool keepTogether(OfficeEngine &engine, const Together &together, QVector<int> *added, QString *error) {
     static int counter = 0;
-    const QString path = QDir(engine.tempDir())
-                             .filePath(QStringLiteral("pages-%1-%2.fods")
-                                           .arg(QCoreApplication::applicationPid())
-                                           .arg(++counter));
+    const QString path =
+        QDir(engine.tempDir())
+            .filePath(
+                QStringLiteral("pages-%1-%2.fods").arg(QCoreApplication::applicationPid()).arg(++counter));
     if (!engine.saveAs(path, QStringLiteral("fods"))) {
         if (error)
             *error = engine.error();

@@ -19,12 +19,12 @@ class OfficeEngine;
 namespace SheetPages {
 
 struct Layout {
-    double pageHeight = 0;          // printable height of a page, points
-    QVector<double> rows;           // height of each row of the printed area (from the first row), points
-    QVector<bool> manualBreak;      // a manual break above the row
-    int repeatFirst = -1;           // rows repeated at the top of every page; -1 when none
+    double pageHeight = 0;     // printable height of a page, points
+    QVector<double> rows;      // height of each row of the printed area (from the first row), points
+    QVector<bool> manualBreak; // a manual break above the row
+    int repeatFirst = -1;      // rows repeated at the top of every page; -1 when none
     int repeatLast = -1;
-    bool scaledToPages = false;     // "fit to N pages tall": the engine shrinks rows, pages are not counted
+    bool scaledToPages = false; // "fit to N pages tall": the engine shrinks rows, pages are not counted
 
     double repeatHeight() const;
 };

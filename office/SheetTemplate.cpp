@@ -160,7 +160,8 @@ SheetPages::Together together(const Layout &layout, const SheetData &data) {
                 t.keepWithNext[first + i] = true;
     }
     const Block &main = layout.blocks.first();
-    t.closingFirst = main.firstRow + shiftAbove(layout, data, main.firstRow) + data.lists.at(main.list).rows.size();
+    t.closingFirst =
+        main.firstRow + shiftAbove(layout, data, main.firstRow) + data.lists.at(main.list).rows.size();
     return t;
 }
 

@@ -48,7 +48,7 @@ struct SheetList {
     QStringList kinds;                // the kinds this list's template rows may have
     QHash<QString, QString> fallback; // kind -> kind used when the template has no row of it
     QVector<SheetRow> rows;
-    QStringList headingKinds;         // rows of these kinds never end a printed page
+    QStringList headingKinds; // rows of these kinds never end a printed page
 };
 
 struct SheetData {

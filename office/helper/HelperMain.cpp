@@ -390,7 +390,8 @@ private:
             const int row = v.toInt();
             if (row < 2)
                 continue;
-            if (!goTo(SheetText::cellName(row - 1, 0), error) || !m_s.uno(".uno:InsertRowBreak", "", kStep, error))
+            if (!goTo(SheetText::cellName(row - 1, 0), error) ||
+                !m_s.uno(".uno:InsertRowBreak", "", kStep, error))
                 return false;
         }
         return true;

@@ -92,7 +92,8 @@ TEST_F(PrintedPages, TheClosingBlockStaysWithTheLastRowsOfTheTable) {
         EXPECT_EQ(total, kept.size() - 1) << n << ": the totals are on the last page";
         EXPECT_GE(works(kept[total]), 2) << n << ": rows of the table go with the totals";
         EXPECT_TRUE(kept[total].contains(QStringLiteral("Всего по смете:"))) << n;
-        EXPECT_TRUE(kept[total].contains(QStringLiteral("М. П."))) << n << ": the signatures are not split off";
+        EXPECT_TRUE(kept[total].contains(QStringLiteral("М. П.")))
+            << n << ": the signatures are not split off";
         int all = 0;
         for (const QString &page : kept)
             all += works(page);

@@ -142,8 +142,9 @@ TEST(SheetPages, LayoutOfAFlatSheet) {
     EXPECT_NEAR(l.pageHeight, (29.7 - 2 - 1.5 - 0.5 - 0.25) * cm, 0.01);
     const double zoom = 0.77; // 17 cm of page for 22 cm of columns, in whole percents
     ASSERT_EQ(l.rows.size(), 8);
-    const QVector<double> expected = {1 * cm * zoom, 1 * cm * zoom, 1 * cm * zoom, 1 * cm * zoom,
-                                      1 * cm * zoom, 36 * zoom,    0,            1 * cm * zoom};
+    const QVector<double> expected = {
+        1 * cm * zoom, 1 * cm * zoom, 1 * cm * zoom, 1 * cm * zoom, 1 * cm * zoom, 36 * zoom, 0,
+        1 * cm * zoom};
     for (int r = 0; r < expected.size(); ++r)
         EXPECT_NEAR(l.rows[r], expected[r], 0.01) << "row " << r;
     EXPECT_EQ(l.manualBreak, (QVector<bool>{false, false, false, false, false, true, false, false}));
