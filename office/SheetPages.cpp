@@ -231,7 +231,13 @@ bool read(const QByteArray &fods, Layout *layout, QString *error) {
     const Master m = masters.value(
         tableMasters.value(tableStyle),
         masters.value(QStringLiteral("Default"), masters.isEmpty() ? Master() : masters.cbegin().value()));
-    const PageStyle page = pageStyles.value(m.layout);
+    PageStyle page = pageStyles.value(m.layout);
+    // A sheet that names no paper (the templates made from ".xls" files) is printed on the paper of the
+    // system's locale: A4 in Russia and in the C locale.
+    if (page.height <= 0 || page.width <= 0) {
+        page.height = 29.7 * 72.0 / 2.54;
+        page.width = 21.0 * 72.0 / 2.54;
+    }
     double zoom = page.scale;
     if (page.fitWidth) {
         double used = 0;
