@@ -71,7 +71,6 @@ SheetRow namedRow(const QString &kind, const QString &name, const SheetValue &su
 SheetList estimateRows(const EstimatePrint &p, bool runningNumbers) {
     SheetList list;
     list.kinds = {rowWork, rowSection, rowSubsection, rowSectionTotal, rowSubsectionTotal};
-    list.headingKinds = {rowSection, rowSubsection}; // a section's title never ends a page
     list.fallback = {{rowSubsection, rowSection},
                      {rowSubsectionTotal, rowSectionTotal},
                      {rowSection, rowWork},

@@ -388,14 +388,6 @@ bool OfficeEngine::paste(const QString &range) {
                    kDefaultLimitMs);
 }
 
-bool OfficeEngine::insertRowBreaks(const QVector<int> &rows) {
-    QJsonArray list;
-    for (int r : rows)
-        list.append(r);
-    return request({{QStringLiteral("op"), QStringLiteral("rowBreaks")}, {QStringLiteral("rows"), list}},
-                   kDefaultLimitMs + 20 * static_cast<int>(rows.size()));
-}
-
 bool OfficeEngine::insertImage(const QString &cell, const QString &path) {
     return request({{QStringLiteral("op"), QStringLiteral("insertImage")},
                     {QStringLiteral("cell"), cell},

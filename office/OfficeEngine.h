@@ -76,8 +76,6 @@ public:
     bool paste(const QString &range);
     // A picture file (PNG, …) with its top left corner at the cell ("B5"), in the size its file gives.
     bool insertImage(const QString &cell, const QString &path);
-    // A manual page break above each of the rows (from 1).
-    bool insertRowBreaks(const QVector<int> &rows);
 
     struct Input {
         enum class Type { Text, Number, Formula };
@@ -94,8 +92,6 @@ public:
     qint64 processId() const;
     int starts() const { return m_starts; }
     QString profileDir() const { return m_profileDir; }
-    // The engine's scratch folder (private to this program).
-    QString tempDir() const { return m_tempDir; }
     // Stops the helper (the next request starts it again).
     void stop();
     // Caps the time limit of every request, start included (0: each request's own limit).

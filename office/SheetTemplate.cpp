@@ -1,7 +1,6 @@
 #include "SheetTemplate.h"
 
 #include "office/OfficeEngine.h"
-#include "office/SheetPages.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -110,21 +109,18 @@ bool cellInput(const QString &cell, const QString &text, const SheetData &data,
     return true;
 }
 
-// How far a template row moved down once the blocks above it were filled (rows gained or lost).
-int shiftAbove(const Layout &layout, const SheetData &data, int row) {
-    int shift = 0;
-    for (const Block &b : layout.blocks)
-        if (b.lastRow < row)
-            shift += data.lists.at(b.list).rows.size() - (b.lastRow - b.firstRow + 1);
-    return shift;
-}
-
 // The rows that received values get the height their contents need (the heights stored in a template
 // fit its placeholders). Named rows and blocks are given as in the template; their rows moved by the
 // rows each block above them gained or lost.
 bool fitFilledRows(OfficeEngine &engine, const Layout &layout, const SheetData &data,
                    const QVector<int> &namedRows) {
-    auto shiftAbove = [&](int row) { return SheetTemplate::shiftAbove(layout, data, row); };
+    auto shiftAbove = [&](int row) {
+        int shift = 0;
+        for (const Block &b : layout.blocks)
+            if (b.lastRow < row)
+                shift += data.lists.at(b.list).rows.size() - (b.lastRow - b.firstRow + 1);
+        return shift;
+    };
     QVector<int> rows;
     for (int r : namedRows)
         rows << r + shiftAbove(r);
@@ -142,27 +138,6 @@ bool fitFilledRows(OfficeEngine &engine, const Layout &layout, const SheetData &
             ranges.append({r + 1, 1});
     }
     return ranges.isEmpty() || engine.fitRows(ranges);
-}
-
-// What belongs together on the printed pages of the filled sheet: the heading rows of the lists, and
-// the closing block from the row under the first list on.
-SheetPages::Together together(const Layout &layout, const SheetData &data) {
-    SheetPages::Together t;
-    if (layout.blocks.isEmpty())
-        return t;
-    for (const Block &b : layout.blocks) {
-        const SheetList &list = data.lists.at(b.list);
-        const int first = b.firstRow + shiftAbove(layout, data, b.firstRow);
-        if (t.keepWithNext.size() < first + list.rows.size())
-            t.keepWithNext.resize(first + list.rows.size());
-        for (int i = 0; i < list.rows.size(); ++i)
-            if (list.headingKinds.contains(list.rows.at(i).kind))
-                t.keepWithNext[first + i] = true;
-    }
-    const Block &main = layout.blocks.first();
-    t.closingFirst =
-        main.firstRow + shiftAbove(layout, data, main.firstRow) + data.lists.at(main.list).rows.size();
-    return t;
 }
 
 // The texts entered that hold a bracket, as the cells show them: what a filled cell may hold without
@@ -403,11 +378,6 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
         if (!engine.enter({textInput(cell, QString())}) ||
             (!it.value().isEmpty() && !engine.insertImage(cell, it.value())))
             return engineFailed();
-    }
-
-    if (data.keepTogether && !SheetPages::keepTogether(engine, together(layout, data), nullptr, error)) {
-        engine.close();
-        return false;
     }
 
     Grid filled;

@@ -48,7 +48,6 @@ struct SheetList {
     QStringList kinds;                // the kinds this list's template rows may have
     QHash<QString, QString> fallback; // kind -> kind used when the template has no row of it
     QVector<SheetRow> rows;
-    QStringList headingKinds; // rows of these kinds never end a printed page
 };
 
 struct SheetData {
@@ -57,9 +56,6 @@ struct SheetData {
     // Named items whose rows are left out of the document when the item has no data or an empty text
     // (optional lines, such as a second and third service of an invoice).
     QStringList dropRowsWithout;
-    // Printed pages: what stands below the first list (its totals, the signatures) is kept on one page
-    // with the list's last rows, and headings never end a page (manual page breaks where needed).
-    bool keepTogether = true;
     // Pictures: item name -> picture file. The cell holding "[name]" is emptied and the picture put
     // with its top left corner there, in the size its file gives; with an empty file name the cell is
     // only emptied (a picture left out). A template without the cell gets no picture.

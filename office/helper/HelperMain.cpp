@@ -136,8 +136,6 @@ public:
             ok = enterCells(req.value(QStringLiteral("cells")).toArray(), &error);
         } else if (op == QLatin1String("insertImage")) {
             ok = insertImage(req, &error);
-        } else if (op == QLatin1String("rowBreaks")) {
-            ok = rowBreaks(req.value(QStringLiteral("rows")).toArray(), &error);
         } else {
             error = "неизвестная операция: " + op.toStdString();
         }
@@ -382,19 +380,6 @@ private:
                m_s.uno(".uno:InsertGraphic",
                        stringArg("FileName", QString::fromStdString(toUrl(path))).toStdString(), kStep,
                        error);
-    }
-
-    // A manual page break above each row (from 1).
-    bool rowBreaks(const QJsonArray &rows, std::string *error) {
-        for (const QJsonValue &v : rows) {
-            const int row = v.toInt();
-            if (row < 2)
-                continue;
-            if (!goTo(SheetText::cellName(row - 1, 0), error) ||
-                !m_s.uno(".uno:InsertRowBreak", "", kStep, error))
-                return false;
-        }
-        return true;
     }
 
     LokSession &m_s;
