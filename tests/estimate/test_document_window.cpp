@@ -207,8 +207,9 @@ TEST_F(DocumentWindowTest, AutosaveCountsFromTheFirstEditAndKeepsCopyingWhileThe
     for (int i = 0; clock.elapsed() < 1100; ++i) {
         edit(QStringLiteral("правка %1").arg(i));
         QTest::qWait(50);
-        if (clock.elapsed() < 350)
+        if (clock.elapsed() < 350) {
             EXPECT_EQ(autosave.TimerAutosave->timerId(), timer) << "an edit restarted the timer";
+        }
     }
     autosave.waitForCopy();
     EXPECT_GE(copies.size(), 2);
