@@ -5,7 +5,7 @@ JOBS ?= 2
 
 SANITIZE_BUILD ?= build-sanitize
 
-.PHONY: all deps configure build run test bench sanitize clean format
+.PHONY: all deps configure build run test bench install sanitize clean format
 
 all: build
 
@@ -26,6 +26,10 @@ test: build
 
 bench: build
 	@scripts/run-bench.sh $(BUILD)
+
+# The program, its menu entry, icon and document types; PREFIX defaults to ~/.local.
+install: build
+	@cmake --install $(BUILD) $(if $(PREFIX),--prefix $(PREFIX))
 
 # The whole suite built with AddressSanitizer and UndefinedBehaviorSanitizer, in a build folder of its own.
 sanitize: deps

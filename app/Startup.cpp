@@ -1,5 +1,6 @@
 #include "Startup.h"
 
+#include "About.h"
 #include "TForm1.h"
 #include "documents/PackageCommand.h"
 #include "estimate/EstimateDocument.h"
@@ -11,9 +12,11 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QLibraryInfo>
 #include <QLocale>
 #include <QTextStream>
 #include <QTimer>
+#include <QTranslator>
 
 namespace {
 
@@ -79,6 +82,24 @@ void usage() {
 
 } // namespace
 
+bool prepareApplication(QApplication &app) {
+    QApplication::setApplicationName(QStringLiteral("Вирн-Смета"));
+    QApplication::setOrganizationName(QStringLiteral("Вирн"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Вирн-Смета"));
+    QApplication::setApplicationVersion(About::version());
+    QApplication::setDesktopFileName(QStringLiteral("virn-smeta"));
+    const QLocale russian(QLocale::Russian, QLocale::Russia);
+    QLocale::setDefault(russian);
+    // Qt's own texts: "Отмена", "Сохранить", the file and print dialogs, the overwrite question.
+    auto *translator = new QTranslator(&app);
+    if (!translator->load(russian, QStringLiteral("qtbase"), QStringLiteral("_"),
+                          QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        delete translator;
+        return false;
+    }
+    return QApplication::installTranslator(translator);
+}
+
 int virnMain(int argc, char **argv) {
     if (argc >= 2 && (qstrcmp(argv[1], "--help") == 0 || qstrcmp(argv[1], "-h") == 0)) {
         QCoreApplication core(argc, argv);
@@ -103,10 +124,10 @@ int virnMain(int argc, char **argv) {
         return prepareData(QString::fromLocal8Bit(argv[2]));
     }
     QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Вирн-Смета"));
-    QApplication::setOrganizationName(QStringLiteral("Вирн"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Вирн-Смета"));
-    QLocale::setDefault(QLocale(QLocale::Russian, QLocale::Russia));
+    if (!prepareApplication(app))
+        err() << "Переводы Qt на русский (qtbase_ru.qm, пакет qt6-translations-l10n) не найдены: "
+                 "стандартные окна Qt будут на английском."
+              << Qt::endl;
 
     QStringList args = app.arguments().mid(1);
     QString screenshot;
@@ -128,8 +149,7 @@ int virnMain(int argc, char **argv) {
     window.FormShow();
 
     if (!screenshot.isEmpty()) {
-        // Draw the window once, save the picture and leave without questions.
-        window.resize(1600, 1000);
+        // Draw the window once as it opens on this screen, save the picture and leave without questions.
         QTimer::singleShot(300, &window, [&window, screenshot] {
             const bool ok = window.grab().save(screenshot);
             err() << (ok ? "screenshot: " : "screenshot failed: ") << screenshot << Qt::endl;

@@ -1,5 +1,6 @@
 #include "TForm1.h"
 
+#include "About.h"
 #include "estimate/DocumentFilePart.h"
 #include "estimate/EstimateDocument.h"
 #include "storage/DataFolder.h"
@@ -22,6 +23,11 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
+namespace {
+const QString kViewSection = QStringLiteral("View");
+const QString kGeometryKey = QStringLiteral("FormGeometry");
+} // namespace
+
 TForm1::TForm1(const QStringList &arguments, QWidget *parent)
     : QMainWindow(parent), m_settings(std::make_unique<MainSettings>()) {
     setObjectName(QStringLiteral("Form1"));
@@ -33,7 +39,8 @@ TForm1::TForm1(const QStringList &arguments, QWidget *parent)
     m_dataFolder = d.folder;
     m_startupDocument = d.documentFile;
 
-    // 2. The whole screen; larger tool icons on wide screens.
+    // 2. The whole screen (the show step maximises the window unless it was left elsewhere); larger
+    // tool icons on wide screens.
     if (QScreen *screen = QGuiApplication::primaryScreen()) {
         const QRect g = screen->availableGeometry();
         resize(g.size());
@@ -46,6 +53,10 @@ TForm1::TForm1(const QStringList &arguments, QWidget *parent)
     m_startupError = DataFolder::ensureTree(m_dataFolder);
 
     m_document = new EstimateDocument(this);
+    // The title names the document and marks it while it has unsaved changes.
+    showTitle();
+    connect(m_document, &EstimateDocument::fileNameChanged, this, &TForm1::showTitle);
+    connect(m_document, &EstimateDocument::changedStateChanged, this, &QWidget::setWindowModified);
     buildMenus();
     buildCentral();
     m_parts = makeShellParts(this);
@@ -80,12 +91,9 @@ void TForm1::buildMenus() {
     connect(exit, &QAction::triggered, this, &QWidget::close);
     file->addAction(exit);
     QAction *about = help->addAction(QStringLiteral("О программе"));
-    connect(about, &QAction::triggered, this, [this] {
-        dialogs().tell(
-            QStringLiteral("О программе"),
-            QStringLiteral("Вирн-Смета\nСметы на строительные и ремонтные работы.\nПапка данных: %1")
-                .arg(QDir::toNativeSeparators(m_dataFolder)));
-    });
+    about->setObjectName(QStringLiteral("MAbout"));
+    connect(about, &QAction::triggered, this,
+            [this] { dialogs().tell(QStringLiteral("О программе"), About::text(m_dataFolder)); });
 
     m_mainBar = addToolBar(QStringLiteral("Файл"));
     m_mainBar->setObjectName(QStringLiteral("ToolBarMain"));
@@ -117,6 +125,10 @@ void TForm1::buildCentral() {
     m_splitter->setStretchFactor(0, 2);
     m_splitter->setStretchFactor(1, 3);
     setCentralWidget(m_splitter);
+}
+
+void TForm1::showTitle() {
+    setWindowTitle(QStringLiteral("%1[*] — Вирн-Смета").arg(m_document->caption()));
 }
 
 QMenu *TForm1::menu(ShellMenu which) {
@@ -252,6 +264,10 @@ void TForm1::applySettings() {
             !MainSettings::sectionOf(a->objectName()).isEmpty())
             a->setChecked(m_settings->flag(a->objectName()));
     }
+    // Where the user left the window; the first start fills the screen.
+    if (!m_settingsStore || !restoreGeometry(QByteArray::fromBase64(
+                                m_settingsStore->text(kViewSection, kGeometryKey).toLatin1())))
+        setWindowState(windowState() | Qt::WindowMaximized);
     const int left = m_settings->integer(QStringLiteral("PanelRasLeft"), 0);
     const int right = m_settings->integer(QStringLiteral("PanelRasRight"), 0);
     if (left > 0 && right > 0)
@@ -271,6 +287,8 @@ void TForm1::collectSettings() {
     }
     for (ShellPart *part : m_parts)
         part->collectSettings();
+    if (m_settingsStore)
+        m_settingsStore->setText(kViewSection, kGeometryKey, QString::fromLatin1(saveGeometry().toBase64()));
 }
 
 bool TForm1::FormCloseQuery() {

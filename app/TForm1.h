@@ -58,6 +58,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    void showTitle();
     void buildMenus();
     void buildCentral();
     void applySettings();

@@ -9,6 +9,7 @@
 #include <QTimer>
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace AutosaveName {
 
@@ -52,8 +53,6 @@ Autosave::Autosave(QObject *parent) : QObject(parent) {
     TimerAutosave = new QTimer(this);
     TimerAutosave->setObjectName(QStringLiteral("TimerAutosave"));
     TimerAutosave->setInterval(kDefaultInterval);
-    // A copy is due only after an edit: the tick does not repeat by itself.
-    TimerAutosave->setSingleShot(true);
     connect(TimerAutosave, &QTimer::timeout, this, &Autosave::tick);
 
     TimerDelAutosaveTimer = new QTimer(this);
@@ -74,7 +73,15 @@ Autosave::~Autosave() {
 }
 
 void Autosave::setInterval(int ms) {
-    TimerAutosave->setInterval(ms > 0 ? ms : kDefaultInterval);
+    const int interval = ms > 0 ? ms : kDefaultInterval;
+    // QTimer restarts a running timer on every setInterval: a copy would then wait for a pause in
+    // the typing. A new interval counts from the next start.
+    if (interval == TimerAutosave->interval())
+        return;
+    if (TimerAutosave->isActive())
+        m_pendingInterval = interval;
+    else
+        TimerAutosave->setInterval(interval);
 }
 
 void Autosave::setRetention(int keepDays, int maxCopies) {
@@ -83,8 +90,11 @@ void Autosave::setRetention(int keepDays, int maxCopies) {
 }
 
 void Autosave::arm() {
-    if (!TimerAutosave->isActive())
-        TimerAutosave->start();
+    if (TimerAutosave->isActive())
+        return;
+    if (m_pendingInterval > 0)
+        TimerAutosave->setInterval(std::exchange(m_pendingInterval, 0));
+    TimerAutosave->start();
 }
 
 void Autosave::disarm() {

@@ -36,11 +36,14 @@ public:
     explicit Autosave(QObject *parent = nullptr);
     ~Autosave() override; // waits for a copy in progress
 
-    QTimer *TimerAutosave = nullptr;         // one tick, restarted by the next edit
+    // Started by the first edit after a save (never restarted by later edits), it ticks every interval
+    // until the document is saved; a tick copies only what changed since the last copy.
+    QTimer *TimerAutosave = nullptr;
     QTimer *TimerDelAutosaveTimer = nullptr; // removal of old copies
 
     void setFolder(const QString &folder) { m_folder = folder; }
     QString folder() const { return m_folder; }
+    // The interval of the next start (a running timer keeps its count).
     void setInterval(int ms);
     void setRetention(int keepDays, int maxCopies);
 
@@ -77,6 +80,7 @@ private:
     void finishCopy();
 
     QString m_folder;
+    int m_pendingInterval = 0;
     int m_keepDays = kDefaultKeepDays;
     int m_maxCopies = kDefaultMaxCopies;
     QThread *m_worker = nullptr;

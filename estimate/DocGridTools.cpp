@@ -2,6 +2,7 @@
 
 #include "EstimateGrid.h"
 
+#include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -95,4 +96,24 @@ bool RowDragMover::eventFilter(QObject *, QEvent *event) {
     default:
         return false;
     }
+}
+
+FitColumn::FitColumn(QTableView *view, int column, int minimum)
+    : QObject(view), m_view(view), m_column(column), m_minimum(minimum) {
+    view->viewport()->installEventFilter(this);
+}
+
+void FitColumn::fit() {
+    const QHeaderView *header = m_view->horizontalHeader();
+    int others = 0;
+    for (int c = 0; c < header->count(); ++c)
+        if (c != m_column && !header->isSectionHidden(c))
+            others += header->sectionSize(c);
+    m_view->setColumnWidth(m_column, std::max(m_minimum, m_view->viewport()->width() - others));
+}
+
+bool FitColumn::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == m_view->viewport() && event->type() == QEvent::Resize)
+        fit();
+    return QObject::eventFilter(watched, event);
 }

@@ -1,6 +1,7 @@
 #pragma once
 // Helpers of the estimate grid's view: the editing rights asked before every edit
-// (StringGridDocCanEditCell), and moving rows by dragging them by the "№" column.
+// (StringGridDocCanEditCell), moving rows by dragging them by the "№" column, and the name column
+// taking the width the others leave.
 
 #include "ui/ShortTextDelegate.h"
 
@@ -58,4 +59,22 @@ private:
     int m_last = -1;
     int m_pressRow = -1;
     bool m_dragging = false;
+};
+
+// The column takes the width the view's other columns leave (never less than minimum), whenever the
+// view is resized: the whole row fits a narrow window without scrolling sideways. The user may still
+// widen or narrow the column by hand; the next resize of the view fits it again.
+class FitColumn : public QObject {
+    Q_OBJECT
+public:
+    FitColumn(QTableView *view, int column, int minimum);
+    void fit();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    QTableView *m_view;
+    int m_column;
+    int m_minimum;
 };

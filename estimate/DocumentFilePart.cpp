@@ -104,6 +104,9 @@ void DocumentFilePart::attach(MainShell &shell) {
     showChanged(m_doc->isChanged());
     connect(m_doc, &EstimateDocument::changedStateChanged, this, showChanged);
     connect(m_doc, &EstimateDocument::recentChanged, this, &DocumentFilePart::LastDocMenu);
+    connect(&m_doc->autosave(), &Autosave::copied, this, [this](const QString &path) {
+        m_shell->showStatus(QStringLiteral("Автосохранение: копия документа записана в %1").arg(shown(path)));
+    });
     connect(m_doc, &EstimateDocument::autosaveFailed, this, [this](const QString &message) {
         if (m_shell->window()->isVisible())
             dialogs().tell(Captions::warning, message, Dialogs::Icon::Warning);
@@ -190,8 +193,13 @@ bool DocumentFilePart::spdSaveClick() {
         dialogs().tell(Captions::error, r.error, Dialogs::Icon::Error);
         return false;
     }
+    showSaved();
     tellWarning(r.warning);
     return true;
+}
+
+void DocumentFilePart::showSaved() {
+    m_shell->showStatus(QStringLiteral("Документ сохранён: %1").arg(shown(m_doc->fileName())));
 }
 
 bool DocumentFilePart::spdSaveKakClick() {
@@ -224,6 +232,7 @@ bool DocumentFilePart::spdSaveKakClick() {
         return false;
     }
     m_openDir = QFileInfo(m_doc->fileName()).absolutePath();
+    showSaved();
     tellWarning(r.warning);
     return true;
 }
@@ -236,6 +245,7 @@ bool DocumentFilePart::OpenMyFile(const QString &fileName) {
         return false;
     }
     m_openDir = QFileInfo(m_doc->fileName()).absolutePath();
+    m_shell->showStatus(QStringLiteral("Открыт документ: %1").arg(shown(m_doc->fileName())));
     tellWarning(r.warning);
     return true;
 }

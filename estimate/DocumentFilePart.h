@@ -41,6 +41,8 @@ public:
 
 private:
     void tellWarning(const QString &text);
+    // "Документ сохранён: <path>" in the status bar.
+    void showSaved();
     QString dialogFolder() const;
 
     MainShell *m_shell = nullptr;

@@ -40,6 +40,18 @@ void EditorPart::moveCurrentTo(int gridRow, int col) {
 
 namespace {
 
+// A row as the user sees it: its number in the "№" column, else (section, total or empty row) its
+// name, else its place among the rows.
+QString shownRow(const EstimateGrid &grid, int gridRow) {
+    const QString number = grid.cell(gridRow, EstimateCol::Num).trimmed();
+    if (!number.isEmpty())
+        return QStringLiteral("№ ") + number;
+    const QString name = grid.cell(gridRow, EstimateCol::Name).trimmed();
+    if (!name.isEmpty())
+        return QStringLiteral("«%1»").arg(name);
+    return QStringLiteral("%1 (пустую)").arg(gridRow - EstimateGrid::kFixedRows + 1);
+}
+
 void refused(const EstimateEditor &editor) {
     if (!editor.lastError().isEmpty())
         dialogs().tell(Captions::warning, editor.lastError(), Dialogs::Icon::Warning);
@@ -58,7 +70,7 @@ void EditorPart::NInsertRowClick() {
 void EditorPart::NDeleteRowClick() {
     const auto [first, last] = selectedDocRows();
     const QString text = first == last
-                             ? QStringLiteral("Удалить строку %1?").arg(first - 1)
+                             ? QStringLiteral("Удалить строку %1?").arg(shownRow(m_doc->grid(), first))
                              : QStringLiteral("Удалить выделенные строки (%1)?").arg(last - first + 1);
     if (dialogs().ask(Captions::deletion, text) != Dialogs::Answer::Yes)
         return;

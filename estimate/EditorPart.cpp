@@ -11,6 +11,7 @@
 #include "SmetaMaterials_frame.h"
 #include "TwoRowHeader.h"
 #include "storage/MainSettings.h"
+#include "storage/SettingsStore.h"
 #include "storage/TextValues.h"
 #include "ui/Dialogs.h"
 
@@ -24,11 +25,19 @@
 #include <QMainWindow>
 #include <QMenu>
 #include <QSignalBlocker>
+#include <QSplitter>
 #include <QStyle>
 #include <QTabWidget>
 #include <QTableView>
 #include <QToolBar>
 #include <QVBoxLayout>
+
+namespace {
+// Where the border between the grid and the coefficient panel was left.
+const QString kKoefSplitterKey = QStringLiteral("SplitterKoef");
+// The narrowest the work's name gets when the window is narrow.
+constexpr int kNameMinimum = 220;
+} // namespace
 
 void EditorPart::attach(MainShell &shell) {
     m_shell = &shell;
@@ -49,17 +58,28 @@ void EditorPart::buildPages() {
     m_estimatePage->setObjectName(QStringLiteral("TabSheet1"));
     auto *docLayout = new QVBoxLayout(m_estimatePage);
     docLayout->setContentsMargins(2, 2, 2, 2);
-    m_view = new QTableView(m_estimatePage);
+    // The grid and the coefficient panel share the height as the user drags their border.
+    m_koefSplitter = new QSplitter(Qt::Vertical, m_estimatePage);
+    m_koefSplitter->setObjectName(QStringLiteral("SplitterKoef"));
+    m_koefSplitter->setChildrenCollapsible(false);
+    auto *gridArea = new QWidget(m_koefSplitter);
+    auto *gridLayout = new QVBoxLayout(gridArea);
+    gridLayout->setContentsMargins(0, 0, 0, 0);
+    m_view = new QTableView(gridArea);
     m_view->setObjectName(QStringLiteral("StringGridDoc"));
-    docLayout->addWidget(m_view, 1);
+    gridLayout->addWidget(m_view, 1);
     // How many cells need fixing, right under the grid.
-    docLayout->addWidget(new TProblemsLine(&m_doc->editor(), m_estimatePage));
-    auto *koefPanel = new QWidget(m_estimatePage);
+    gridLayout->addWidget(new TProblemsLine(&m_doc->editor(), gridArea));
+    auto *koefPanel = new QWidget(m_koefSplitter);
     koefPanel->setObjectName(QStringLiteral("PanelKoef"));
     auto *koefLayout = new QVBoxLayout(koefPanel);
     koefLayout->setContentsMargins(0, 0, 0, 0);
     koefLayout->addWidget(new TKoefPanel(m_doc->editor().koef(), koefPanel));
-    docLayout->addWidget(koefPanel);
+    m_koefSplitter->addWidget(gridArea);
+    m_koefSplitter->addWidget(koefPanel);
+    m_koefSplitter->setStretchFactor(0, 1);
+    m_koefSplitter->setStretchFactor(1, 0);
+    docLayout->addWidget(m_koefSplitter, 1);
 
     auto *totalsPanel = new QWidget(m_estimatePage);
     totalsPanel->setObjectName(QStringLiteral("PanelTotals"));
@@ -115,6 +135,8 @@ void EditorPart::buildPages() {
     m_view->setColumnWidth(EstimateCol::Itogo, 100);
     for (int c = EstimateCol::IdRas; c <= EstimateCol::Machine; ++c)
         m_view->setColumnHidden(c, true);
+    // The work's name takes what the numbers leave: a row fits the window without scrolling sideways.
+    new FitColumn(m_view, EstimateCol::Name, kNameMinimum);
     // The grid asks before every edit; rows move by dragging their number.
     m_view->setItemDelegate(new CanEditDelegate(
         [this](int gridRow, int col) { return StringGridDocCanEditCell(gridRow, col); }, m_view));
@@ -152,6 +174,7 @@ void EditorPart::buildPages() {
     m_crewView->setColumnWidth(CrewCol::Num, 40);
     m_crewView->setColumnWidth(CrewCol::Ras, 65);
     m_crewView->setColumnWidth(CrewCol::Name, 380);
+    new FitColumn(m_crewView, CrewCol::Name, kNameMinimum);
     for (int c : {int(CrewCol::Unit), int(CrewCol::Qty), int(CrewCol::Koef)})
         m_crewView->setColumnWidth(c, 60);
     for (int c :
@@ -262,6 +285,11 @@ void EditorPart::buildCommands() {
 }
 
 void EditorPart::start() {
+    if (const SettingsStore *store = m_shell->settingsStore()) {
+        const QStringList sizes = store->text(QStringLiteral("View"), kKoefSplitterKey).split(u',');
+        if (sizes.size() == 2 && sizes[0].toInt() > 0 && sizes[1].toInt() > 0)
+            m_koefSplitter->setSizes({sizes[0].toInt(), sizes[1].toInt()});
+    }
     QFont f = m_view->font();
     f.setPointSize(std::clamp(m_shell->settings().integer(QStringLiteral("FontSizeTable"), 10), 6, 28));
     m_view->setFont(f);
@@ -270,6 +298,10 @@ void EditorPart::start() {
 
 void EditorPart::collectSettings() {
     m_shell->settings().setInteger(QStringLiteral("FontSizeTable"), m_view->font().pointSize());
+    const QList<int> sizes = m_koefSplitter->sizes();
+    if (SettingsStore *store = m_shell->settingsStore(); store && sizes.size() == 2 && sizes[1] > 0)
+        store->setText(QStringLiteral("View"), kKoefSplitterKey,
+                       QStringLiteral("%1,%2").arg(sizes[0]).arg(sizes[1]));
 }
 
 void EditorPart::documentLoaded() {

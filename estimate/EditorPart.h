@@ -14,6 +14,7 @@ class QAction;
 class QComboBox;
 class QLineEdit;
 class QMenu;
+class QSplitter;
 class QTableView;
 class TSmetaMaterials;
 
@@ -71,6 +72,7 @@ private:
     EstimateDocument *m_doc = nullptr;
     QTableView *m_view = nullptr;
     QTableView *m_crewView = nullptr;
+    QSplitter *m_koefSplitter = nullptr;
     QMenu *m_popup = nullptr;
     QLineEdit *m_works = nullptr;
     QLineEdit *m_materials = nullptr;

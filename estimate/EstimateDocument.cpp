@@ -162,7 +162,8 @@ void EstimateDocument::edit() {
     if (m_loading)
         return;
     setChanged(true);
-    // The first edit after a save or a copy starts the autosave timer.
+    m_editedSinceCopy = true;
+    // The first edit after a save starts the autosave timer; later edits leave its count alone.
     if (option(QStringLiteral("CheckBoxAutosave"))) {
         m_autosave->setInterval(
             m_settings->integer(QStringLiteral("AutosaveTime"), Autosave::kDefaultInterval));
@@ -537,12 +538,13 @@ QString EstimateDocument::touchRecent() {
 }
 
 void EstimateDocument::autosaveTick() {
-    if (!m_changed || !option(QStringLiteral("CheckBoxAutosave")))
-        return;
-    if (m_autosave->isCopying()) {
-        m_autosave->arm(); // the previous copy is still being written: try at the next tick
+    if (!m_changed || !option(QStringLiteral("CheckBoxAutosave")) || !m_editedSinceCopy) {
+        // Nothing new to copy: the next edit starts the timer again.
+        m_autosave->disarm();
         return;
     }
+    if (m_autosave->isCopying())
+        return; // the previous copy is still being written: the next tick copies
     QString error;
     if (!writeWorkingDatabase(&error) && !error.isEmpty()) {
         emit m_autosave->copyFailed(QStringLiteral("Автосохранение не удалось. %1").arg(error));
@@ -551,6 +553,7 @@ void EstimateDocument::autosaveTick() {
     const QString fallback = m_fileName.isEmpty() ? caption() : QFileInfo(m_fileName).completeBaseName();
     const QString id = AutosaveName::identification(m_header.customer, m_header.object,
                                                     QString::number(m_header.number), fallback);
-    m_autosave->startCopy(m_module->filePath(Db::Smeta),
-                          AutosaveName::fileName(QDateTime::currentDateTime(), id));
+    if (m_autosave->startCopy(m_module->filePath(Db::Smeta),
+                              AutosaveName::fileName(QDateTime::currentDateTime(), id)))
+        m_editedSinceCopy = false;
 }

@@ -168,6 +168,7 @@ private:
     EstimateHeader::Values m_header;
     QString m_fileName;
     QString m_autosaveReported;
+    bool m_editedSinceCopy = false; // an edit the last autosave copy does not hold
     bool m_draft = false;
     bool m_changed = false;
     int m_loading = 0;

@@ -9,6 +9,7 @@
 #include "EstimateStructure.h"
 #include "EstimateTotals.h"
 #include "KoefModel.h"
+#include "KoefUndo.h"
 #include "MaterialsUndo.h"
 #include "RowClipboard.h"
 #include "RowDiff.h"
@@ -23,6 +24,8 @@ struct EstimateEditor::Snapshot {
     std::vector<RowDiff::Row> rows;
     // The estimate's materials as a scope found them: a step of a scope takes their changes too.
     std::vector<MaterialsStore::Material> materials;
+    // The coefficient lines as the scope found them.
+    std::vector<QStringList> koef;
     bool materialsTaken = false;
 };
 
@@ -95,6 +98,11 @@ EstimateEditor::EstimateEditor(EstimateGrid *grid, CrewGrid *crew, DatabaseProvi
     connect(m_materials.get(), &EstimateMaterials::totalChanged, this,
             &EstimateEditor::recomputeCoefficients);
     connect(m_koef.get(), &KoefModel::linesChanged, this, &EstimateEditor::recomputeCoefficients);
+    // Every edit of the coefficient panel is a step of its own.
+    m_koef->setEditWrapper([this](const QString &title, const std::function<void()> &change) {
+        Scope step(this, title);
+        change();
+    });
     connect(m_crew.get(), &CrewSheet::totalsChanged, this, &EstimateEditor::totalsChanged);
     connect(m_crew.get(), &CrewSheet::settingsChanged, this, &EstimateEditor::storeCrewSettings);
     // Marks come and go with the cells' values; the count follows them.
@@ -183,6 +191,7 @@ void EstimateEditor::beginStep(const QString &title) {
     m_snapshot->materialsTaken = smeta.isOpen();
     m_snapshot->materials =
         m_snapshot->materialsTaken ? MaterialsStore::readAll(smeta) : std::vector<MaterialsStore::Material>();
+    m_snapshot->koef = m_snapshot->materialsTaken ? KoefUndo::readAll(smeta) : std::vector<QStringList>();
     m_totals->hold();
     m_crew->hold();
 }
@@ -217,19 +226,21 @@ void EstimateEditor::commitPending(const QString &title) {
         now.rows.push_back({m_grid->rowCells(r), m_crew->rowKoef(r)});
     const std::vector<RowDiff::Op> ops = RowDiff::diff(m_snapshot->rows, now.rows, EstimateGrid::kFixedRows);
     m_snapshot->rows = std::move(now.rows);
-    std::vector<MaterialsUndo::Op> materialOps;
+    std::vector<MaterialsUndo::Op> materialOps, koefOps;
     if (m_snapshot->materialsTaken) {
         m_snapshot->materialsTaken = false;
         const QSqlDatabase smeta = m_databases ? m_databases(Db::Smeta) : QSqlDatabase();
         materialOps = MaterialsUndo::diff(m_snapshot->materials, MaterialsStore::readAll(smeta));
+        koefOps = KoefUndo::diff(m_snapshot->koef, KoefUndo::readAll(smeta));
         m_snapshot->materials.clear();
+        m_snapshot->koef.clear();
     }
-    if (ops.empty() && materialOps.empty())
+    if (ops.empty() && materialOps.empty() && koefOps.empty())
         return;
     if (!m_journal)
         m_journal =
             std::make_unique<UndoJournal>(m_databases ? m_databases(Db::ReturnAction) : QSqlDatabase());
-    m_journal->record(title, ops, materialOps);
+    m_journal->record(title, ops, materialOps, koefOps);
     emit undoStateChanged();
 
     // Rows of rates that came, went or changed quantity or rate.
@@ -268,9 +279,9 @@ bool EstimateEditor::applyStep(bool undoing) {
         return false;
     commitPending(kPendingTitle);
     std::vector<RowDiff::Op> ops;
-    std::vector<MaterialsUndo::Op> materialOps;
-    if (!m_journal ||
-        !(undoing ? m_journal->takeUndo(ops, &materialOps) : m_journal->takeRedo(ops, &materialOps))) {
+    std::vector<MaterialsUndo::Op> materialOps, koefOps;
+    if (!m_journal || !(undoing ? m_journal->takeUndo(ops, &materialOps, &koefOps)
+                                : m_journal->takeRedo(ops, &materialOps, &koefOps))) {
         if (m_journal)
             m_error = m_journal->error();
         return false;
@@ -335,6 +346,15 @@ bool EstimateEditor::applyStep(bool undoing) {
             return false;
         }
         materialsChanged();
+    }
+    if (!koefOps.empty()) {
+        const QSqlDatabase smeta = m_databases ? m_databases(Db::Smeta) : QSqlDatabase();
+        if (!KoefUndo::apply(smeta, koefOps, undoing, &m_error)) {
+            emit undoStateChanged();
+            return false;
+        }
+        m_koef->reload();
+        emit m_koef->linesChanged(); // the totals follow, the document is changed
     }
     emit undoStateChanged();
     if (!changes.isEmpty())

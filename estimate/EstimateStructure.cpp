@@ -8,6 +8,14 @@ bool isGrandTotalName(const QString &name) {
     return name.startsWith(QStringLiteral("Итого"));
 }
 
+int closingRow(const EstimateGrid &grid) {
+    const int last = grid.gridRowCount() - 1;
+    return grid.isDataRow(last) && grid.kind(last) == RowKind::Work &&
+                   isGrandTotalName(grid.cell(last, EstimateCol::Name))
+               ? last
+               : -1;
+}
+
 QString sectionTitle(const QString &name) {
     static const QRegularExpression prefix(QStringLiteral("^\\s*(раздел\\s+)?\\d+\\s*\\.?\\s*"),
                                            QRegularExpression::CaseInsensitiveOption);

@@ -12,6 +12,9 @@ namespace EstimateStructure {
 // The caption of a closing row of the whole estimate: a work row whose name begins "Итого".
 inline const QString grandTotalName = QStringLiteral("Итого по смете");
 bool isGrandTotalName(const QString &name);
+// The grid row of the estimate's closing "Итого" row (its last data row, a work row whose name begins
+// "Итого"), or -1 when the estimate does not end with one. Nothing is ever placed below it.
+int closingRow(const EstimateGrid &grid);
 
 // The user's part of a section (subsection) row's text: "РАЗДЕЛ 2. Кухня" -> "Кухня",
 // "       § 2.1. Плитка" -> "Плитка". Text without the prefix or number is taken whole.

@@ -8,6 +8,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QResizeEvent>
 #include <QScopedValueRollback>
 #include <QSpinBox>
 #include <QToolButton>
@@ -48,33 +49,35 @@ void EstimateHeaderPanel::build() {
     spdDateNumericSmetaWord = named(new QToolButton(this), QStringLiteral("spdDateNumericSmetaWord"));
     spdDateNumericSmetaWord->setCheckable(true);
     spdDateNumericSmetaWord->setText(QStringLiteral("Д"));
-    spdDateNumericSmetaWord->setToolTip(QStringLiteral("Нумерация по дате"));
+    spdDateNumericSmetaWord->setToolTip(
+        QStringLiteral("Нумерация по дате: текстовая часть номера — дата сметы"));
     NumericSmeta = named(new QSpinBox(this), QStringLiteral("NumericSmeta"));
     NumericSmeta->setRange(0, 999999);
     NumericSmeta->setValue(1);
     EditNameWork = named(new QLineEdit(this), QStringLiteral("EditNameWork"));
     EditNameWork->setPlaceholderText(QStringLiteral("Наименование работ"));
 
-    grid->addWidget(new QLabel(QStringLiteral("Заказчик:"), this), 0, 0);
-    grid->addWidget(ComboBoxZakaz, 0, 1);
-    grid->addWidget(new QLabel(QStringLiteral("Объект:"), this), 0, 2);
-    grid->addWidget(ComboBoxObject, 0, 3);
-    grid->addWidget(new QLabel(QStringLiteral("Подрядчик:"), this), 0, 4);
-    grid->addWidget(ComboBoxPodryad, 0, 5, 1, 3);
-    grid->addWidget(ComboBoxShablon, 1, 0, 1, 2);
-    grid->addWidget(new QLabel(QStringLiteral("№"), this), 1, 2, Qt::AlignRight);
-    auto *number = new QHBoxLayout;
+    // The number and the date travel together.
+    m_numberAndDate = new QWidget(this);
+    auto *number = new QHBoxLayout(m_numberAndDate);
+    number->setContentsMargins(0, 0, 0, 0);
+    number->addWidget(new QLabel(QStringLiteral("№"), m_numberAndDate));
     number->addWidget(NumericSmetaWord);
     number->addWidget(spdDateNumericSmetaWord);
     number->addWidget(NumericSmeta);
-    grid->addLayout(number, 1, 3);
-    grid->addWidget(new QLabel(QStringLiteral("от"), this), 1, 4, Qt::AlignRight);
-    grid->addWidget(DateSmeta, 1, 5);
-    grid->addWidget(new QLabel(QStringLiteral("Работы:"), this), 1, 6);
-    grid->addWidget(EditNameWork, 1, 7);
-    grid->setColumnStretch(1, 2);
-    grid->setColumnStretch(3, 2);
-    grid->setColumnStretch(7, 3);
+    number->addSpacing(8);
+    number->addWidget(new QLabel(QStringLiteral("от"), m_numberAndDate));
+    number->addWidget(DateSmeta);
+    m_customerLabel = new QLabel(QStringLiteral("Заказчик:"), this);
+    m_objectLabel = new QLabel(QStringLiteral("Объект:"), this);
+    m_contractorLabel = new QLabel(QStringLiteral("Подрядчик:"), this);
+    m_worksLabel = new QLabel(QStringLiteral("Работы:"), this);
+    // The widths of both arrangements, measured once.
+    arrange(false);
+    m_wideWidth = grid->minimumSize().width();
+    arrange(true);
+    m_narrowWidth = grid->minimumSize().width();
+    arrange(false);
 
     auto edited = [this] {
         if (!m_quiet)
@@ -110,6 +113,61 @@ void EstimateHeaderPanel::build() {
         if (!m_quiet)
             emit dateNumberingToggled(on);
     });
+}
+
+void EstimateHeaderPanel::arrange(bool narrow) {
+    auto *grid = static_cast<QGridLayout *>(layout());
+    m_narrow = narrow;
+    while (QLayoutItem *item = grid->takeAt(0))
+        delete item; // the widgets stay
+    for (int c = 0; c < grid->columnCount(); ++c)
+        grid->setColumnStretch(c, 0);
+    if (!narrow) {
+        // Заказчик [  ] Объект [  ] Подрядчик [      ]
+        // [Заголовок     ] № [ ][Д][ ] от [ ]  Работы: [ ]
+        grid->addWidget(m_customerLabel, 0, 0);
+        grid->addWidget(ComboBoxZakaz, 0, 1);
+        grid->addWidget(m_objectLabel, 0, 2);
+        grid->addWidget(ComboBoxObject, 0, 3);
+        grid->addWidget(m_contractorLabel, 0, 4);
+        grid->addWidget(ComboBoxPodryad, 0, 5);
+        grid->addWidget(ComboBoxShablon, 1, 0, 1, 2);
+        grid->addWidget(m_numberAndDate, 1, 2, 1, 2);
+        grid->addWidget(m_worksLabel, 1, 4);
+        grid->addWidget(EditNameWork, 1, 5);
+        grid->setColumnStretch(1, 2);
+        grid->setColumnStretch(3, 2);
+        grid->setColumnStretch(5, 3);
+    } else {
+        // Заказчик [  ] Объект [  ]
+        // Подрядчик [  ] Работы: [  ]
+        // [Заголовок   ] № [ ][Д][ ] от [ ]
+        grid->addWidget(m_customerLabel, 0, 0);
+        grid->addWidget(ComboBoxZakaz, 0, 1);
+        grid->addWidget(m_objectLabel, 0, 2);
+        grid->addWidget(ComboBoxObject, 0, 3);
+        grid->addWidget(m_contractorLabel, 1, 0);
+        grid->addWidget(ComboBoxPodryad, 1, 1);
+        grid->addWidget(m_worksLabel, 1, 2);
+        grid->addWidget(EditNameWork, 1, 3);
+        grid->addWidget(ComboBoxShablon, 2, 0, 1, 2);
+        grid->addWidget(m_numberAndDate, 2, 2, 1, 2);
+        grid->setColumnStretch(1, 1);
+        grid->setColumnStretch(3, 1);
+    }
+    updateGeometry();
+}
+
+QSize EstimateHeaderPanel::minimumSizeHint() const {
+    // As narrow as the three-line arrangement allows: the panel wraps instead of widening the window.
+    return {m_narrowWidth, layout()->minimumSize().height()};
+}
+
+void EstimateHeaderPanel::resizeEvent(QResizeEvent *event) {
+    const bool narrow = event->size().width() < m_wideWidth;
+    if (narrow != m_narrow)
+        arrange(narrow);
+    QWidget::resizeEvent(event);
 }
 
 void EstimateHeaderPanel::attach(TModuleSQL *module) {

@@ -1,13 +1,15 @@
 #pragma once
 // The estimate's header above the grid: customer and object (the object list follows the customer),
 // contractor, date, number and text number, name of the works and the document title. The lists come from
-// the registers; the values go to and from EstimateHeader::Values.
+// the registers; the values go to and from EstimateHeader::Values. Two lines when there is room, three on
+// a narrow window.
 
 #include "EstimateHeader.h"
 
 #include <QWidget>
 
 class QComboBox;
+class QLabel;
 class QDateEdit;
 class QLineEdit;
 class QSpinBox;
@@ -45,6 +47,10 @@ public:
     QToolButton *spdDateNumericSmetaWord = nullptr;
     QLineEdit *EditNameWork = nullptr;
 
+    QSize minimumSizeHint() const override;
+    // True while the fields stand in three lines.
+    bool isNarrow() const { return m_narrow; }
+
 signals:
     // The user changed something in the header (the document changed).
     void edited();
@@ -54,8 +60,12 @@ signals:
     void titleChanged(const QString &title);
     void dateNumberingToggled(bool on);
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     void build();
+    void arrange(bool narrow);
     void fillObjects(const QString &select);
     void applyDateNumber();
     static void choose(QComboBox *box, const QString &text);
@@ -63,4 +73,10 @@ private:
     TModuleSQL *m_module = nullptr;
     bool m_quiet = false; // set while values are shown programmatically
     bool m_yearFirst = false;
+    QWidget *m_numberAndDate = nullptr;
+    QLabel *m_customerLabel = nullptr, *m_objectLabel = nullptr, *m_contractorLabel = nullptr,
+           *m_worksLabel = nullptr;
+    bool m_narrow = false;
+    int m_wideWidth = 0;
+    int m_narrowWidth = 0;
 };

@@ -41,6 +41,13 @@ void KoefModel::setResult(const KoefResult &result) {
         emit dataChanged(index(0, 0), index(rowCount() - 1, KoefCol::Count - 1));
 }
 
+void KoefModel::asStep(const QString &title, const std::function<void()> &change) {
+    if (m_wrapper)
+        m_wrapper(title, change);
+    else
+        change();
+}
+
 bool KoefModel::store(const KoefLine &line) {
     QSqlDatabase db = m_database();
     m_error.clear();
@@ -69,7 +76,10 @@ int KoefModel::addLine() {
                         QStringLiteral("proc"),
                         QString()};
     m_error.clear();
-    if (!db.isOpen() || !Coefficients::insert(db, line, &m_error))
+    bool ok = false;
+    asStep(QStringLiteral("Добавить коэффициент"),
+           [&] { ok = db.isOpen() && Coefficients::insert(db, line, &m_error); });
+    if (!ok)
         return -1;
     reload();
     emit linesChanged();
@@ -81,7 +91,11 @@ bool KoefModel::removeLine(int row) {
         return false;
     QSqlDatabase db = m_database();
     m_error.clear();
-    if (!db.isOpen() || !Coefficients::remove(db, m_lines[static_cast<size_t>(row)].id, &m_error))
+    bool ok = false;
+    asStep(QStringLiteral("Удалить коэффициент"), [&] {
+        ok = db.isOpen() && Coefficients::remove(db, m_lines[static_cast<size_t>(row)].id, &m_error);
+    });
+    if (!ok)
         return false;
     reload();
     emit linesChanged();
@@ -197,7 +211,9 @@ bool KoefModel::setData(const QModelIndex &index, const QVariant &value, int rol
     } else {
         return false;
     }
-    if (!store(l))
+    bool ok = false;
+    asStep(QStringLiteral("Изменение коэффициента «%1»").arg(l.title.trimmed()), [&] { ok = store(l); });
+    if (!ok)
         return false;
     m_lines[static_cast<size_t>(index.row())] = l;
     emit dataChanged(this->index(index.row(), 0), this->index(index.row(), KoefCol::Count - 1));

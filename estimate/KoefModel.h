@@ -17,6 +17,11 @@ class KoefModel : public QAbstractTableModel {
 public:
     explicit KoefModel(std::function<QSqlDatabase()> database, QObject *parent = nullptr);
 
+    // Runs a change of the table (change) as one undoable step named title: the estimate editor sets
+    // it; without one the change just runs.
+    using EditWrapper = std::function<void(const QString &title, const std::function<void()> &change)>;
+    void setEditWrapper(EditWrapper wrapper) { m_wrapper = std::move(wrapper); }
+
     // Reads the lines again from the table.
     void reload();
     const std::vector<KoefLine> &lines() const { return m_lines; }
@@ -50,8 +55,10 @@ signals:
 private:
     QString display(const KoefLine &line, int column) const;
     bool store(const KoefLine &line);
+    void asStep(const QString &title, const std::function<void()> &change);
 
     std::function<QSqlDatabase()> m_database;
+    EditWrapper m_wrapper;
     std::vector<KoefLine> m_lines;
     std::vector<KoefLine> m_applied;
     KoefResult m_result;

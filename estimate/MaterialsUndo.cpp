@@ -19,27 +19,37 @@ MaterialsStore::Material material(const QStringList &f) {
     return m;
 }
 
-std::vector<Op> diff(const std::vector<MaterialsStore::Material> &before,
-                     const std::vector<MaterialsStore::Material> &after) {
+std::vector<Op> diffRows(const std::vector<QStringList> &before, const std::vector<QStringList> &after) {
     std::vector<Op> ops;
-    QHash<QString, const MaterialsStore::Material *> old;
-    for (const auto &m : before)
-        old.insert(m.id, &m);
-    for (const auto &m : after) {
-        const auto it = old.constFind(m.id);
+    QHash<QString, const QStringList *> old;
+    for (const QStringList &row : before)
+        old.insert(row.value(0), &row);
+    for (const QStringList &row : after) {
+        const auto it = old.constFind(row.value(0));
         if (it == old.constEnd()) {
-            ops.push_back({Op::Insert, {}, fields(m)});
+            ops.push_back({Op::Insert, {}, row});
             continue;
         }
-        const QStringList was = fields(**it), now = fields(m);
-        if (was != now)
-            ops.push_back({Op::Edit, was, now});
+        if (**it != row)
+            ops.push_back({Op::Edit, **it, row});
         old.erase(it);
     }
-    for (const auto &m : before)
-        if (old.contains(m.id))
-            ops.push_back({Op::Delete, fields(m), {}});
+    for (const QStringList &row : before)
+        if (old.contains(row.value(0)))
+            ops.push_back({Op::Delete, row, {}});
     return ops;
+}
+
+std::vector<Op> diff(const std::vector<MaterialsStore::Material> &before,
+                     const std::vector<MaterialsStore::Material> &after) {
+    auto rows = [](const std::vector<MaterialsStore::Material> &materials) {
+        std::vector<QStringList> out;
+        out.reserve(materials.size());
+        for (const auto &m : materials)
+            out.push_back(fields(m));
+        return out;
+    };
+    return diffRows(rows(before), rows(after));
 }
 
 bool apply(QSqlDatabase db, const std::vector<Op> &ops, bool undoing, QString *error) {

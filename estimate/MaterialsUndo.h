@@ -24,6 +24,8 @@ MaterialsStore::Material material(const QStringList &fields);
 // What turned `before` into `after` (both in _id order).
 std::vector<Op> diff(const std::vector<MaterialsStore::Material> &before,
                      const std::vector<MaterialsStore::Material> &after);
+// The same for any rows whose first field is their key.
+std::vector<Op> diffRows(const std::vector<QStringList> &before, const std::vector<QStringList> &after);
 
 // Undoes (or redoes) the ops in one transaction; false with *error, and then nothing changed.
 bool apply(QSqlDatabase db, const std::vector<Op> &ops, bool undoing, QString *error = nullptr);

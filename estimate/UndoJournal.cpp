@@ -83,8 +83,9 @@ bool UndoJournal::clear() {
 }
 
 bool UndoJournal::record(const QString &title, const std::vector<RowDiff::Op> &ops,
-                         const std::vector<MaterialsUndo::Op> &materials) {
-    if (ops.empty() && materials.empty())
+                         const std::vector<MaterialsUndo::Op> &materials,
+                         const std::vector<MaterialsUndo::Op> &koef) {
+    if (ops.empty() && materials.empty() && koef.empty())
         return true;
     QSqlDatabase d = db();
     Transaction t(d);
@@ -118,28 +119,34 @@ bool UndoJournal::record(const QString &title, const std::vector<RowDiff::Op> &o
                                  op.kind != RowDiff::Op::Delete ? &op.after : nullptr));
         ok = q.exec();
     }
-    for (const MaterialsUndo::Op &op : materials) {
-        if (!ok)
-            break;
-        // The material's name, unit, quantity, price and amount in the named columns, for reading.
-        const QStringList &shown = op.kind == MaterialsUndo::Op::Delete ? op.before : op.after;
-        q.addBindValue(shown.value(9));
-        q.addBindValue(shown.value(1));
-        for (int i : {2, 3, 4, 5, 6})
-            q.addBindValue(shown.value(i));
-        for (int i = 0; i < 3; ++i)
-            q.addBindValue(QString());
-        q.addBindValue(op.kind == MaterialsUndo::Op::Insert   ? QStringLiteral("mat-insert")
-                       : op.kind == MaterialsUndo::Op::Delete ? QStringLiteral("mat-delete")
-                                                              : QStringLiteral("mat-edit"));
-        q.addBindValue(shown.value(0));
-        q.addBindValue(shown.value(0));
-        q.addBindValue(title);
-        q.addBindValue(step);
-        q.addBindValue(cellsJson(op.kind != MaterialsUndo::Op::Insert ? &op.before : nullptr,
-                                 op.kind != MaterialsUndo::Op::Delete ? &op.after : nullptr));
-        ok = q.exec();
-    }
+    // Records of the materials and the coefficient lines: `shownAt` picks the fields shown in the
+    // named columns numpos, edras, nameras, edizm, kolvo, price, summa (-1 leaves one empty).
+    auto recordFields = [&](const std::vector<MaterialsUndo::Op> &fieldOps, const QString &prefix,
+                            std::initializer_list<int> shownAt) {
+        for (const MaterialsUndo::Op &op : fieldOps) {
+            if (!ok)
+                break;
+            const QStringList &shown = op.kind == MaterialsUndo::Op::Delete ? op.before : op.after;
+            for (int i : shownAt)
+                q.addBindValue(i < 0 ? QString() : shown.value(i));
+            for (int i = 0; i < 3; ++i)
+                q.addBindValue(QString());
+            q.addBindValue(prefix + (op.kind == MaterialsUndo::Op::Insert   ? QStringLiteral("insert")
+                                     : op.kind == MaterialsUndo::Op::Delete ? QStringLiteral("delete")
+                                                                            : QStringLiteral("edit")));
+            q.addBindValue(shown.value(0));
+            q.addBindValue(shown.value(0));
+            q.addBindValue(title);
+            q.addBindValue(step);
+            q.addBindValue(cellsJson(op.kind != MaterialsUndo::Op::Insert ? &op.before : nullptr,
+                                     op.kind != MaterialsUndo::Op::Delete ? &op.after : nullptr));
+            ok = q.exec();
+        }
+    };
+    // A material: position, rate, name, unit, quantity, price, amount; a coefficient line: its order,
+    // title and value.
+    recordFields(materials, QStringLiteral("mat-"), {9, 1, 2, 3, 4, 5, 6});
+    recordFields(koef, QStringLiteral("koef-"), {1, -1, 3, -1, 4, -1, -1});
     if (!ok) {
         m_error = q.lastError().text();
         return false;
@@ -152,10 +159,12 @@ bool UndoJournal::record(const QString &title, const std::vector<RowDiff::Op> &o
     return true;
 }
 
-bool UndoJournal::read(int step, std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials) {
+bool UndoJournal::read(int step, std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials,
+                       std::vector<MaterialsUndo::Op> *koef) {
     ops.clear();
-    if (materials)
-        materials->clear();
+    for (std::vector<MaterialsUndo::Op> *fieldOps : {materials, koef})
+        if (fieldOps)
+            fieldOps->clear();
     bool any = false;
     QSqlQuery q(db());
     q.setForwardOnly(true);
@@ -169,10 +178,12 @@ bool UndoJournal::read(int step, std::vector<RowDiff::Op> &ops, std::vector<Mate
     while (q.next()) {
         any = true;
         QString action = q.value(0).toString();
-        if (action.startsWith(QLatin1String("mat-"))) {
-            if (!materials)
+        const bool isKoef = action.startsWith(QLatin1String("koef-"));
+        if (isKoef || action.startsWith(QLatin1String("mat-"))) {
+            std::vector<MaterialsUndo::Op> *target = isKoef ? koef : materials;
+            if (!target)
                 continue;
-            action = action.mid(4);
+            action = action.mid(action.indexOf(u'-') + 1);
             MaterialsUndo::Op op;
             op.kind = action == QLatin1String("insert")   ? MaterialsUndo::Op::Insert
                       : action == QLatin1String("delete") ? MaterialsUndo::Op::Delete
@@ -182,7 +193,7 @@ bool UndoJournal::read(int step, std::vector<RowDiff::Op> &ops, std::vector<Mate
                 op.before << v.toString();
             for (const QJsonValue &v : cells.value(QStringLiteral("new")).toArray())
                 op.after << v.toString();
-            materials->push_back(std::move(op));
+            target->push_back(std::move(op));
             continue;
         }
         RowDiff::Op op;
@@ -207,15 +218,17 @@ bool UndoJournal::read(int step, std::vector<RowDiff::Op> &ops, std::vector<Mate
     return true;
 }
 
-bool UndoJournal::takeUndo(std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials) {
-    if (!canUndo() || !read(m_position, ops, materials))
+bool UndoJournal::takeUndo(std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials,
+                           std::vector<MaterialsUndo::Op> *koef) {
+    if (!canUndo() || !read(m_position, ops, materials, koef))
         return false;
     --m_position;
     return true;
 }
 
-bool UndoJournal::takeRedo(std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials) {
-    if (!canRedo() || !read(m_position + 1, ops, materials))
+bool UndoJournal::takeRedo(std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials,
+                           std::vector<MaterialsUndo::Op> *koef) {
+    if (!canRedo() || !read(m_position + 1, ops, materials, koef))
         return false;
     ++m_position;
     return true;

@@ -7,7 +7,8 @@
 // {"old": [...], "new": [...]} with every cell of the row and its crew coefficient), from which a
 // step is undone and redone exactly.
 // A step may change the estimate's materials too: their records have `_action` "mat-edit",
-// "mat-insert" or "mat-delete", `MouseDownRow` the material's _id and `cells` its fields.
+// "mat-insert" or "mat-delete", `MouseDownRow` the material's _id and `cells` its fields; and the
+// coefficient lines: "koef-edit", "koef-insert", "koef-delete", `MouseDownRow` the line's id.
 // Undone steps stay for redo until a new step is recorded.
 
 #include "MaterialsUndo.h"
@@ -30,7 +31,8 @@ public:
 
     // Records one step after the current position, dropping the undone steps.
     bool record(const QString &title, const std::vector<RowDiff::Op> &ops,
-                const std::vector<MaterialsUndo::Op> &materials = {});
+                const std::vector<MaterialsUndo::Op> &materials = {},
+                const std::vector<MaterialsUndo::Op> &koef = {});
 
     int count() const { return m_count; }
     int position() const { return m_position; }
@@ -41,14 +43,17 @@ public:
 
     // The ops of the step to undo (moves the position back) or to redo (moves it on); false when
     // there is none or it cannot be read.
-    // The step's materials ops go to *materials when given.
-    bool takeUndo(std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials = nullptr);
-    bool takeRedo(std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials = nullptr);
+    // The step's materials and coefficient ops go to *materials and *koef when given.
+    bool takeUndo(std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials = nullptr,
+                  std::vector<MaterialsUndo::Op> *koef = nullptr);
+    bool takeRedo(std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials = nullptr,
+                  std::vector<MaterialsUndo::Op> *koef = nullptr);
 
     QString error() const { return m_error; }
 
 private:
-    bool read(int step, std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials);
+    bool read(int step, std::vector<RowDiff::Op> &ops, std::vector<MaterialsUndo::Op> *materials,
+              std::vector<MaterialsUndo::Op> *koef);
     QString title(int step) const;
 
     // The connection is looked up by name for every use: the journal must not keep the data module's

@@ -1,5 +1,6 @@
 #include "FCustomPreview_frame.h"
 
+#include "office/CupsPrinting.h"
 #include "ui/Dialogs.h"
 
 #include <QAction>
@@ -238,12 +239,21 @@ void TFCustomPreview::updateState() {
     }
 }
 
-bool TFCustomPreview::printOn(QPrinter &printer, const PdfPrinting::Job &job, QString *error) {
+bool TFCustomPreview::printOn(QPrinter &printer, const PdfPrinting::Job &job, QString *error,
+                              const PdfPrinting::Progress &progress, int *jobId) {
+    if (jobId)
+        *jobId = 0;
     if (pageCount() <= 0) {
         *error = QStringLiteral("Нет документа для печати.");
         return false;
     }
-    return PdfPrinting::print(*m_document, printer, job, error);
+    if (printer.outputFormat() == QPrinter::NativeFormat && CupsPrinting::takesPdf(printer.printerName())) {
+        const int id = CupsPrinting::print(printer.printerName(), m_pdfPath, m_title, job, error);
+        if (jobId)
+            *jobId = id;
+        return id > 0;
+    }
+    return PdfPrinting::print(*m_document, printer, job, error, progress);
 }
 
 void TFCustomPreview::spdPrintClick() {
@@ -272,7 +282,7 @@ void TFCustomPreview::spdPrintClick() {
     progress.setWindowModality(Qt::WindowModal);
     progress.setMinimumDuration(500);
     QString error;
-    const bool ok = PdfPrinting::print(*m_document, printer, job, &error, [&](int done, int total) {
+    const bool ok = printOn(printer, job, &error, [&](int done, int total) {
         progress.setMaximum(total);
         progress.setValue(done);
         QApplication::processEvents();

@@ -48,8 +48,11 @@ public:
     void spdPrintClick();
     void spdSaveClick();
 
-    // Prints the open document on a printer already set up (used by spdPrintClick and by the tests).
-    bool printOn(QPrinter &printer, const PdfPrinting::Job &job, QString *error);
+    // Prints the open document on a printer already set up (used by spdPrintClick and by the tests): a
+    // print queue that takes PDF gets the file as it is, anything else (a file, another queue) the
+    // pages rendered. *jobId (when given) receives the queue's job number, 0 for rendered pages.
+    bool printOn(QPrinter &printer, const PdfPrinting::Job &job, QString *error,
+                 const PdfPrinting::Progress &progress = {}, int *jobId = nullptr);
 
 signals:
     void pageChanged(int page);

@@ -1,8 +1,11 @@
 #pragma once
-// Printing a PDF the engine wrote: every page is rendered at the printer's own resolution, in bands so
-// that a 600 dpi page does not need a page-sized picture in memory, and fitted into the printable
-// area with its proportions kept; each page is printed in its own orientation. Copies are made here,
-// collated or not as the printer settings ask, so that they come out the same on every printer.
+// Printing a PDF the engine wrote on a printer that cannot take PDF (or into a file): every page is
+// rendered at the printer's own resolution, in bands so that a 600 dpi page does not need a page-sized
+// picture in memory, and fitted into the printable area with its proportions kept; each page is printed in
+// its own orientation. Copies are made here, collated or not as the printer settings ask, so that they come
+// out the same on every printer.
+
+#include "office/PrintJob.h"
 
 #include <QString>
 #include <functional>
@@ -12,12 +15,7 @@ class QPrinter;
 
 namespace PdfPrinting {
 
-struct Job {
-    int copies = 1;
-    bool collate = true; // 1 2 3, 1 2 3 … rather than 1 1, 2 2, 3 3
-    int fromPage = 1;    // pages from 1; 0 in both = all pages
-    int toPage = 0;
-};
+using Job = PrintJob;
 
 // Called after each printed page with (done, total); returning false stops the job.
 using Progress = std::function<bool(int done, int total)>;

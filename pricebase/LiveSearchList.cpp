@@ -27,10 +27,8 @@ void LiveSearchList::popUpUnder(const QRect &cell) {
     }
     m_moved = false;
     setCurrentIndex(model()->index(0, 0));
-    const int rows = std::min(model()->rowCount(), 12);
-    const int rowHeight = std::max(sizeHintForRow(0), fontMetrics().height() + 2);
     const int width = std::max(cell.width(), 420);
-    QRect r(cell.left(), cell.bottom() + 1, width, rows * rowHeight + 2 * frameWidth() + 2);
+    QRect r(cell.left(), cell.bottom() + 1, width, kHeight);
     if (QWidget *p = parentWidget()) {
         // Above the cell when there is no room below it.
         if (r.bottom() > p->height() && cell.top() - r.height() >= 0)

@@ -13,10 +13,13 @@ class QAbstractItemView;
 class LiveSearchList : public QListView {
     Q_OBJECT
 public:
+    // The list's height, whatever the number of names (it scrolls).
+    static constexpr int kHeight = 175;
+
     explicit LiveSearchList(QWidget *parent = nullptr);
 
-    // Shows the list under `cell` (a rectangle in the parent's coordinates) with its first entry
-    // selected; hides it when the model is empty.
+    // Shows the list under `cell` (above it when there is no room below) (a rectangle in the parent's
+    // coordinates) with its first entry selected; hides it when the model is empty.
     void popUpUnder(const QRect &cell);
     // Up/Down typed in the cell editor move the selection; true once the user moved into the list.
     void step(int delta);

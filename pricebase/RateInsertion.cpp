@@ -3,6 +3,7 @@
 #include "PriceStore.h"
 #include "Resources.h"
 #include "estimate/EstimateGrid.h"
+#include "estimate/EstimateStructure.h"
 #include "storage/TextValues.h"
 #include "storage/Transaction.h"
 
@@ -14,6 +15,24 @@
 namespace {
 QString positionNumber(int gridRow) {
     return QString::number(gridRow - 1);
+}
+
+// A new empty row at the end of the estimate, above its closing "Итого" row when it has one.
+int addRowAtEnd(EstimateGrid &grid) {
+    const int closing = EstimateStructure::closingRow(grid);
+    if (closing < 0) {
+        grid.setGridRowCount(grid.gridRowCount() + 1);
+        return grid.gridRowCount() - 1;
+    }
+    grid.insertGridRows(closing, 1);
+    return closing;
+}
+
+// The current row of an insertion: an insertion at (or past) the closing "Итого" goes into a new row
+// above it.
+int insertionRow(EstimateGrid &grid, int currentRow) {
+    const int closing = EstimateStructure::closingRow(grid);
+    return closing >= 0 && currentRow >= closing ? addRowAtEnd(grid) : currentRow;
 }
 } // namespace
 
@@ -80,10 +99,9 @@ InsertOutcome RateInsertion::insertFromGrid(const RateRow &rate, const QString &
             return out;
         }
     }
-    if (!m_grid.cell(currentRow, EstimateCol::Name).isEmpty()) {
-        m_grid.setGridRowCount(m_grid.gridRowCount() + 1);
-        currentRow = m_grid.gridRowCount() - 1;
-    }
+    currentRow = insertionRow(m_grid, currentRow);
+    if (!m_grid.cell(currentRow, EstimateCol::Name).isEmpty())
+        currentRow = addRowAtEnd(m_grid);
     m_grid.setCell(currentRow, EstimateCol::Name, name);
     out.row = currentRow;
     if (rate[PriceCol::Unit].toLower() == QStringLiteral("пв")) {
@@ -116,6 +134,7 @@ InsertOutcome RateInsertion::insertFromLiveSearch(const QString &chosen, const R
                                                   const QString &resourcesTable, int &currentRow) {
     InsertOutcome out;
     currentRow = std::clamp(currentRow, int(EstimateGrid::kFixedRows), m_grid.gridRowCount() - 1);
+    currentRow = insertionRow(m_grid, currentRow);
     m_grid.setCell(currentRow, EstimateCol::Name, chosen);
     out.row = currentRow;
     if (!rate) {
@@ -131,9 +150,9 @@ InsertOutcome RateInsertion::insertFromLiveSearch(const QString &chosen, const R
         out.kind = InsertOutcome::Failed;
         return out;
     }
-    // On to the next row, ready for the next name.
-    if (currentRow == m_grid.gridRowCount() - 1)
-        m_grid.setGridRowCount(m_grid.gridRowCount() + 1);
+    // On to the next row, ready for the next name; the closing "Итого" is never taken over.
+    if (currentRow + 1 >= m_grid.gridRowCount() || currentRow + 1 == EstimateStructure::closingRow(m_grid))
+        addRowAtEnd(m_grid);
     ++currentRow;
     // An unnumbered work row is taken over as a fresh row; section rows are never cleared.
     if (m_grid.cell(currentRow, EstimateCol::Num).isEmpty() && m_grid.kind(currentRow) == RowKind::Work) {

@@ -37,7 +37,7 @@ const QString kHintDisconnect = QStringLiteral("Отключиться от се
 
 TRatePanel::TRatePanel(PriceBase &base, QWidget *parent) : QWidget(parent), m_base(base) {
     setObjectName(QStringLiteral("RatePanel"));
-    setMinimumWidth(460);
+    setMinimumWidth(320); // the tool bar folds its last buttons into its extension menu
     buildActions();
     buildWidgets();
     connect(&m_base, &PriceBase::listRead, this, [this](bool rebuilt) {

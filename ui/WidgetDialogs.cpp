@@ -1,13 +1,20 @@
 #include "WidgetDialogs.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFileDialog>
+#include <QFontMetrics>
 #include <QInputDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRegularExpression>
 
+#include <algorithm>
+
 namespace {
+
+constexpr int kInputWidth = 420;
 
 QMessageBox::Icon boxIcon(Dialogs::Icon icon) {
     switch (icon) {
@@ -25,8 +32,16 @@ QMessageBox::Icon boxIcon(Dialogs::Icon icon) {
 
 } // namespace
 
+QWidget *WidgetDialogs::owner() const {
+    if (QWidget *modal = QApplication::activeModalWidget())
+        return modal;
+    if (QWidget *active = QApplication::activeWindow())
+        return active;
+    return m_parent;
+}
+
 Dialogs::Answer WidgetDialogs::ask(const QString &caption, const QString &text, Buttons buttons, Icon icon) {
-    QMessageBox box(boxIcon(icon), caption, text, QMessageBox::NoButton, m_parent);
+    QMessageBox box(boxIcon(icon), caption, text, QMessageBox::NoButton, owner());
     QPushButton *yes = nullptr, *no = nullptr, *cancel = nullptr, *ok = nullptr;
     switch (buttons) {
     case Buttons::Ok:
@@ -58,18 +73,24 @@ Dialogs::Answer WidgetDialogs::ask(const QString &caption, const QString &text, 
 }
 
 void WidgetDialogs::tell(const QString &caption, const QString &text, Icon icon) {
-    QMessageBox box(boxIcon(icon), caption, text, QMessageBox::NoButton, m_parent);
+    QMessageBox box(boxIcon(icon), caption, text, QMessageBox::NoButton, owner());
     box.addButton(QStringLiteral("ОК"), QMessageBox::AcceptRole);
     box.exec();
 }
 
 bool WidgetDialogs::input(const QString &caption, const QString &prompt, QString *value) {
-    QInputDialog dlg(m_parent);
+    QInputDialog dlg(owner());
     dlg.setWindowTitle(caption);
     dlg.setLabelText(prompt);
     dlg.setTextValue(value ? *value : QString());
     dlg.setOkButtonText(QStringLiteral("ОК"));
     dlg.setCancelButtonText(QStringLiteral("Отмена"));
+    // Room for a name of a few words and for the caption in the title bar (the dialog's layout takes
+    // its size from its widgets).
+    const QFontMetrics metrics = dlg.fontMetrics();
+    if (auto *edit = dlg.findChild<QLineEdit *>())
+        edit->setMinimumWidth(std::max(
+            {kInputWidth, metrics.horizontalAdvance(prompt) + 40, metrics.horizontalAdvance(caption) + 140}));
     if (dlg.exec() != QDialog::Accepted)
         return false;
     if (value)
@@ -85,12 +106,12 @@ QString WidgetDialogs::openFile(const QString &caption, const QString &folder, c
     for (const QString &f : filter.split(QStringLiteral(";;")))
         if (shownPatterns.match(f).hasMatch())
             options |= QFileDialog::HideNameFilterDetails;
-    return QFileDialog::getOpenFileName(m_parent, caption, folder, filter, nullptr, options);
+    return QFileDialog::getOpenFileName(owner(), caption, folder, filter, nullptr, options);
 }
 
 QString WidgetDialogs::saveFile(const QString &caption, const QString &folder, const QString &fileName,
                                 const QString &filter, const QString &defaultSuffix) {
-    QFileDialog dlg(m_parent, caption, folder, filter);
+    QFileDialog dlg(owner(), caption, folder, filter);
     dlg.setAcceptMode(QFileDialog::AcceptSave);
     dlg.setFileMode(QFileDialog::AnyFile);
     dlg.setDefaultSuffix(defaultSuffix);
@@ -103,5 +124,5 @@ QString WidgetDialogs::saveFile(const QString &caption, const QString &folder, c
 }
 
 QString WidgetDialogs::chooseFolder(const QString &caption, const QString &folder) {
-    return QFileDialog::getExistingDirectory(m_parent, caption, folder);
+    return QFileDialog::getExistingDirectory(owner(), caption, folder);
 }

@@ -17,6 +17,11 @@ public:
     QString chooseFolder(const QString &caption, const QString &folder) override;
     void setParentWidget(QWidget *parent) override { m_parent = parent; }
 
+    // The window a box belongs to: the window the user works in (a secondary window, a modal dialog),
+    // else the main window. A box parented to it stays above it, and when it closes the user is back
+    // in that window instead of the main window rising over it.
+    QWidget *owner() const;
+
 private:
     QPointer<QWidget> m_parent;
 };

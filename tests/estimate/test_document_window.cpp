@@ -7,11 +7,14 @@
 #include "Widgets.h"
 #include <QAction>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QMenu>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSignalSpy>
 #include <QSqlQuery>
+#include <QStatusBar>
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
@@ -58,6 +61,14 @@ TEST_F(DocumentWindowTest, SaveAsRegistersAndListsTheFileAndOpenBringsItBack) {
     EXPECT_FALSE(child<QAction>(window.get(), QStringLiteral("МSaveFile"))->isEnabled());
     EXPECT_EQ(tab(), "Кухня.sim");
     EXPECT_EQ(window->document().xlsFileName(), folder.file("Sm/Кухня.xls"));
+    // The title names the file and marks unsaved changes; the status bar says what was written where.
+    EXPECT_EQ(window->windowTitle(), "Кухня.sim[*] — Вирн-Смета");
+    EXPECT_FALSE(window->isWindowModified());
+    EXPECT_EQ(window->statusBar()->currentMessage(), "Документ сохранён: " + QDir::toNativeSeparators(saved));
+    edit("Ещё правка");
+    EXPECT_TRUE(window->isWindowModified());
+    ASSERT_TRUE(window->spdSaveClick());
+    EXPECT_FALSE(window->isWindowModified());
     ASSERT_FALSE(child<QMenu>(window.get(), QStringLiteral("MLastDoc"))->actions().isEmpty());
     EXPECT_EQ(child<QMenu>(window.get(), QStringLiteral("MLastDoc"))->actions().first()->data().toString(),
               saved);
@@ -178,6 +189,40 @@ TEST_F(DocumentWindowTest, AnEditStartsAutosaveAndTheTickCopiesTheDocument) {
     child<QAction>(window.get(), QStringLiteral("CheckBoxAutosave"))->setChecked(false);
     edit("ещё");
     EXPECT_FALSE((&window->document().autosave())->TimerAutosave->isActive());
+}
+
+TEST_F(DocumentWindowTest, AutosaveCountsFromTheFirstEditAndKeepsCopyingWhileTheUserTypes) {
+    Autosave &autosave = window->document().autosave();
+    window->settings().setInteger("AutosaveTime", 400);
+    child<QAction>(window.get(), QStringLiteral("CheckBoxAutosave"))->setChecked(true);
+    edit("первая правка");
+    ASSERT_TRUE(autosave.TimerAutosave->isActive());
+    EXPECT_EQ(autosave.TimerAutosave->interval(), 400);
+    const int timer = autosave.TimerAutosave->timerId();
+    QSignalSpy copies(&autosave, &Autosave::copied);
+    // Typing on, an edit every 50 ms: the count goes on from the first edit, and the copies come
+    // every interval, not once the typing pauses.
+    QElapsedTimer clock;
+    clock.start();
+    for (int i = 0; clock.elapsed() < 1100; ++i) {
+        edit(QStringLiteral("правка %1").arg(i));
+        QTest::qWait(50);
+        if (clock.elapsed() < 350) {
+            EXPECT_EQ(autosave.TimerAutosave->timerId(), timer) << "an edit restarted the timer";
+        }
+    }
+    autosave.waitForCopy();
+    EXPECT_GE(copies.size(), 2);
+    EXPECT_TRUE(window->statusBar()->currentMessage().startsWith("Автосохранение: копия документа"))
+        << window->statusBar()->currentMessage().toStdString();
+
+    // Without edits since the last copy the tick copies nothing and the timer rests until the next edit.
+    QTest::qWait(450);
+    autosave.waitForCopy();
+    window->document().autosaveTick();
+    EXPECT_FALSE(autosave.TimerAutosave->isActive());
+    edit("после паузы");
+    EXPECT_TRUE(autosave.TimerAutosave->isActive());
 }
 
 TEST_F(DocumentWindowTest, ADocumentOpenInAnotherCopyIsOpenedOnlyAfterTheWarning) {

@@ -2,6 +2,8 @@
 // paste through PopupMenuEdit.
 
 #include "estimate/CrewSheet.h"
+#include "estimate/KoefModel.h"
+#include "estimate/KoefUndo.h"
 #include "estimate/RowDiff.h"
 #include "test_editor_fixture.h"
 
@@ -135,6 +137,54 @@ TEST_F(UndoTest, ManyStepsBackAndForthAndTheJournalInActionsDb) {
     editor->reset();
     EXPECT_FALSE(editor->canUndo());
     EXPECT_EQ(journalRecords(), 0);
+}
+
+TEST_F(UndoTest, EveryEditOfTheCoefficientPanelIsOneStep) {
+    build();
+    KoefModel &koef = *editor->koef();
+    QSqlDatabase smeta = module->database(Db::Smeta);
+    const auto lines = [&] { return KoefUndo::readAll(smeta); };
+    ASSERT_GT(koef.rowCount(), 0);
+    const int rowsBefore = koef.rowCount();
+    struct Case {
+        const char *what;
+        std::function<void()> edit;
+        const char *title;
+    };
+    const std::vector<Case> cases = {
+        {"a value", [&] { ASSERT_TRUE(koef.setData(koef.index(0, KoefCol::Value), "7", Qt::EditRole)); },
+         "Изменение коэффициента"},
+        {"the switch",
+         [&] { ASSERT_TRUE(koef.setData(koef.index(0, KoefCol::On), int(Qt::Checked), Qt::CheckStateRole)); },
+         "Изменение коэффициента"},
+        {"a choice",
+         [&] { ASSERT_TRUE(koef.setData(koef.index(0, KoefCol::Action), "понижает", Qt::EditRole)); },
+         "Изменение коэффициента"},
+        {"a new line", [&] { ASSERT_GE(koef.addLine(), 0); }, "Добавить коэффициент"},
+        {"a removed line", [&] { ASSERT_TRUE(koef.removeLine(1)); }, "Удалить коэффициент"},
+    };
+    for (const Case &c : cases) {
+        const auto before = lines();
+        const std::string grandBefore = rub(editor->grandTotal());
+        c.edit();
+        const auto after = lines();
+        ASSERT_NE(after, before) << c.what;
+        EXPECT_TRUE(editor->undoTitle().startsWith(QString::fromUtf8(c.title))) << c.what;
+        ASSERT_TRUE(editor->undo()) << c.what;
+        EXPECT_EQ(lines(), before) << c.what;
+        EXPECT_EQ(rub(editor->grandTotal()), grandBefore) << c.what << ": the totals follow the undo";
+        EXPECT_EQ(koef.lines().size(), before.size()) << c.what << ": the panel shows the lines again";
+        ASSERT_TRUE(editor->redo()) << c.what;
+        EXPECT_EQ(lines(), after) << c.what;
+    }
+    EXPECT_EQ(koef.rowCount(), rowsBefore);
+    // The grid's steps and the panel's share one journal, in the order they were made.
+    type(9, Qty, "3");
+    ASSERT_TRUE(koef.setData(koef.index(0, KoefCol::Value), "9", Qt::EditRole));
+    EXPECT_TRUE(editor->undoTitle().startsWith("Изменение коэффициента"));
+    ASSERT_TRUE(editor->undo());
+    EXPECT_EQ(editor->undoTitle(), "Правка ячейки");
+    EXPECT_EQ(journalRecords("_action LIKE 'koef-%'") > 0, true);
 }
 
 TEST_F(UndoTest, CopyAndPasteThroughPopupMenuEdit) {

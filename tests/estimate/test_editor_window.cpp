@@ -191,6 +191,15 @@ TEST_F(EditorWindowTest, TwoSectionEstimateThroughThePopupMenuAndShortcuts) {
     popupClick("Удалить строки");
     EXPECT_EQ(grid()->cell(3, Name), "Демонтаж перегородок");
     EXPECT_EQ(dialogs->shown().last().caption, Captions::deletion);
+    // The question names the row as the user sees it: its number, or a section's name.
+    EXPECT_EQ(dialogs->lastText(), "Удалить строку № 1?");
+    for (const auto &[row, text] :
+         {std::pair{9, "Удалить строку № 4?"}, std::pair{6, "Удалить строку «РАЗДЕЛ 2. Отделка»?"}}) {
+        selectRows(row, row);
+        dialogs->queueAnswer(Dialogs::Answer::No);
+        popupClick("Удалить строки");
+        EXPECT_EQ(dialogs->lastText(), QString::fromUtf8(text));
+    }
     typeCell(9, Qty, "30");
 
     // The picture, for a look.

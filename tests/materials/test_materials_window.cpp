@@ -225,6 +225,7 @@ TEST_F(MaterialsWindow, LiveSearchOffersListMaterialsWhileANameIsTyped) {
     ASSERT_TRUE(memo->isVisible());
     EXPECT_EQ(memo->objectName(), "MemoMat");
     EXPECT_EQ(memo->model()->rowCount(), 2); // "Грунтовка глубокого проникновения", "Грунтовка бетоноконтакт"
+    EXPECT_EQ(memo->height(), 175);
     memo->setCurrentIndex(memo->model()->index(1, 0));
     emit memo->chosen(1);
     EstimateMaterials *materials = editor().materials();

@@ -113,6 +113,8 @@ TEST_F(PriceWindow, TypedNameChosenFromMemoPriceFillsRowTotalsAndMaterials) {
     ASSERT_TRUE(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->isVisible());
     // Lower case typed finds capitals; section titles are names too.
     ASSERT_EQ(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->model()->rowCount(), 4);
+    // The list is 175 px high however few names it holds.
+    EXPECT_EQ(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->height(), 175);
     EXPECT_EQ(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))
                   ->model()
                   ->index(0, 0)
@@ -142,6 +144,7 @@ TEST_F(PriceWindow, TypedNameChosenFromMemoPriceFillsRowTotalsAndMaterials) {
     typeText(editor, QStringLiteral("грунт"));
     ASSERT_TRUE(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->isVisible());
     ASSERT_EQ(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->model()->rowCount(), 1);
+    EXPECT_EQ(child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))->height(), 175);
     const QRect first =
         child<LiveSearchList>(window.get(), QStringLiteral("MemoPrice"))
             ->visualRect(

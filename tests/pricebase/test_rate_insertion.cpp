@@ -263,4 +263,77 @@ TEST(RateInsertion, LiveSearchChoiceMovesToTheNextRow) {
     EXPECT_EQ(grid.cell(5, EstimateCol::Num), QStringLiteral("4"));
 }
 
+TEST(RateInsertion, NothingLandsBelowTheClosingTotal) {
+    PriceFixture f;
+    const RateRow a = rate("1-1", "Грунтовка", "м2", "40", "5"),
+                  b = rate("1-2", "Покраска", "м2", "100", "6");
+    // [br 2, w 3 "Шпатлёвка", ir 4, Итого по смете 5]; the second with an empty work row 5 above it
+    const QStringList closed = {"br|РАЗДЕЛ 1. Стены", "|Шпатлёвка", "ir|Итого по разделу 1",
+                                "|Итого по смете"};
+    const QStringList typing = {"br|РАЗДЕЛ 1. Стены", "|Шпатлёвка", "ir|Итого по разделу 1", "|",
+                                "|Итого по смете"};
+    struct Case {
+        const char *what;
+        const QStringList &estimate;
+        int current;       // the estimate's current row before the insertion
+        bool liveSearch;   // else from the rate grid
+        int rates;         // how many rates one after the other (the ticked ones)
+        QStringList names; // the names of the data rows afterwards
+    };
+    const Case cases[] = {
+        {"from the grid, on the closing row",
+         closed,
+         5,
+         false,
+         1,
+         {"РАЗДЕЛ 1. Стены", "Шпатлёвка", "Итого по разделу 1", "Грунтовка", "Итого по смете"}},
+        {"from the grid, past the closing row",
+         closed,
+         9,
+         false,
+         1,
+         {"РАЗДЕЛ 1. Стены", "Шпатлёвка", "Итого по разделу 1", "Грунтовка", "Итого по смете"}},
+        {"two ticked rates on the closing row",
+         closed,
+         5,
+         false,
+         2,
+         {"РАЗДЕЛ 1. Стены", "Шпатлёвка", "Итого по разделу 1", "Грунтовка", "Покраска", "Итого по смете"}},
+        {"a filled row appends above the closing row",
+         closed,
+         3,
+         false,
+         1,
+         {"РАЗДЕЛ 1. Стены", "Шпатлёвка", "Итого по разделу 1", "Грунтовка", "Итого по смете"}},
+        {"live search on the closing row",
+         closed,
+         5,
+         true,
+         1,
+         {"РАЗДЕЛ 1. Стены", "Шпатлёвка", "Итого по разделу 1", "Грунтовка", "", "Итого по смете"}},
+        {"live search in the row right above the closing row",
+         typing,
+         5,
+         true,
+         2,
+         {"РАЗДЕЛ 1. Стены", "Шпатлёвка", "Итого по разделу 1", "Грунтовка", "Покраска", "",
+          "Итого по смете"}},
+    };
+    for (const Case &c : cases) {
+        EstimateGrid grid;
+        layout(grid, c.estimate);
+        RateInsertion ins(grid, f.smeta(), f.price());
+        int current = c.current;
+        for (int i = 0; i < c.rates; ++i) {
+            const RateRow &r = i == 0 ? a : b;
+            const InsertOutcome out =
+                c.liveSearch ? ins.insertFromLiveSearch(r[PriceCol::Name], &r, "resurs1", current)
+                             : ins.insertFromGrid(r, "resurs1", current, {});
+            EXPECT_EQ(out.kind, InsertOutcome::Inserted) << c.what;
+        }
+        EXPECT_EQ(column(grid, EstimateCol::Name), c.names) << c.what;
+        EXPECT_LT(current, grid.gridRowCount() - 1) << c.what << ": the current row is above the closing row";
+    }
+}
+
 } // namespace
