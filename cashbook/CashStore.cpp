@@ -1,0 +1,237 @@
+#include "CashStore.h"
+
+#include "customers/Records.h"
+#include "storage/Schema.h"
+#include "storage/TextValues.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QVariant>
+#include <algorithm>
+
+namespace CashStore {
+
+namespace {
+
+bool failed(const QSqlQuery &q, QString *error) {
+    if (error)
+        *error = q.lastError().text().trimmed();
+    return false;
+}
+
+const QStringList kLineColumns = {"name", "edizm", "date", "kolvo", "price", "sum", "val"};
+
+QVariantList lineValues(const CheckLine &l) {
+    return {l.name, l.edizm, l.date, l.kolvo, l.price, l.sum, l.val};
+}
+
+bool readLines(QSqlQuery &q, std::vector<CheckLine> *out, QString *error) {
+    if (!q.exec())
+        return failed(q, error);
+    const QSqlRecord r = q.record();
+    const int id = r.indexOf(QStringLiteral("id")), date = r.indexOf(QStringLiteral("date")),
+              name = r.indexOf(QStringLiteral("name")), edizm = r.indexOf(QStringLiteral("edizm")),
+              kolvo = r.indexOf(QStringLiteral("kolvo")), price = r.indexOf(QStringLiteral("price")),
+              sum = r.indexOf(QStringLiteral("sum")), val = r.indexOf(QStringLiteral("val"));
+    while (q.next())
+        out->push_back({q.value(id).toString(), q.value(date).toString(), q.value(name).toString(),
+                        q.value(edizm).toString(), q.value(kolvo).toString(), q.value(price).toString(),
+                        q.value(sum).toString(), q.value(val).toString()});
+    return true;
+}
+
+// Sums amounts of a query's columns: first..first+5 the six categories, income counted, the rest spent.
+MoneyResult balanceOf(QSqlQuery &q) {
+    __int128 kopecks = 0;
+    while (q.next())
+        for (int i = 0; i < CashCategory::kCount; ++i) {
+            const QString text = q.value(i).toString();
+            if (text.isEmpty())
+                continue;
+            const MoneyResult m = Money::parse(text);
+            if (m.ok())
+                kopecks += i == CashCategory::kIncoming ? m->kopecks() : -m->kopecks();
+        }
+    if (kopecks < -Money::kMaxKopecks || kopecks > Money::kMaxKopecks)
+        return MoneyResult::refused(NumberProblem::TooLarge);
+    return *Money::fromKopecks(static_cast<qint64>(kopecks));
+}
+
+} // namespace
+
+bool load(QSqlDatabase book, const CashFilter &filter, std::vector<CashGridRow> *rows, QString *error) {
+    rows->clear();
+    QSqlQuery q(book);
+    q.setForwardOnly(true);
+    if (!q.exec(CashSql::records(filter)))
+        return failed(q, error);
+    const CashEntryReader reader(q.record());
+    const int only = filter.category - 1; // the one amount kept, or -1
+    while (q.next()) {
+        CashGridRow r;
+        r.entry = reader.read(q);
+        if (only >= 0)
+            for (int i = 0; i < CashCategory::kCount; ++i)
+                if (i != only)
+                    r.entry.amounts[i].clear();
+        r.readAmounts();
+        rows->push_back(std::move(r));
+    }
+    return true;
+}
+
+MoneyResult balance(QSqlDatabase book, const QString &customer, const QString &object, QString *error) {
+    // The statement of the balance, reading the amounts only.
+    QString sql = CashSql::balance(customer, object);
+    QStringList amounts;
+    for (const QString &f : CashCategory::fields())
+        amounts << f;
+    sql.replace(0, QStringLiteral("SELECT *").size(),
+                QStringLiteral("SELECT ") + amounts.join(QLatin1Char(',')));
+    QSqlQuery q(book);
+    q.setForwardOnly(true);
+    if (!q.exec(sql)) {
+        failed(q, error);
+        return MoneyResult::refused(NumberProblem::NotANumber);
+    }
+    return balanceOf(q);
+}
+
+std::optional<MoneyResult> soldMaterials(QSqlDatabase warehouse, const CashFilter &filter) {
+    QString sql = CashSql::soldMaterials(filter);
+    sql.replace(0, QStringLiteral("SELECT *").size(), QStringLiteral("SELECT summa"));
+    QSqlQuery q(warehouse);
+    q.setForwardOnly(true);
+    if (!warehouse.isOpen() || !q.exec(sql))
+        return std::nullopt;
+    MoneyResult sum = Money();
+    while (q.next()) {
+        const QString text = q.value(0).toString();
+        if (text.isEmpty())
+            continue;
+        const MoneyResult m = Money::parse(text);
+        if (m.ok())
+            sum += m;
+    }
+    return sum;
+}
+
+QStringList years(QSqlDatabase book) {
+    QStringList out;
+    QSqlQuery q(book);
+    if (q.exec(CashSql::years()))
+        while (q.next()) {
+            const QString y = q.value(0).toString().trimmed();
+            if (!y.isEmpty())
+                out << y;
+        }
+    std::sort(out.begin(), out.end());
+    return out;
+}
+
+bool update(QSqlDatabase book, const CashEntry &e, const QString &field, const QString &value,
+            QString *error) {
+    if (!CashEntry::columns().contains(field)) {
+        if (error)
+            *error = QStringLiteral("нет столбца %1").arg(field);
+        return false;
+    }
+    return RecordIo::run(
+        book, QStringLiteral("UPDATE Cash SET %1=?,month=?,year=?,date_compare=? WHERE _id=?").arg(field),
+        {value, e.month, e.year, e.dateCompare, e.id}, error);
+}
+
+bool insert(QSqlDatabase book, CashEntry *e, QString *error) {
+    QSqlQuery q(book);
+    q.prepare(QStringLiteral("INSERT INTO Cash (%1) values(%2)")
+                  .arg(CashEntry::columns().join(QStringLiteral(", ")),
+                       RecordIo::placeholders(CashEntry::columns().size())));
+    for (const QString &v : e->values())
+        q.addBindValue(v);
+    if (!q.exec())
+        return failed(q, error);
+    e->id = q.lastInsertId().toString();
+    return true;
+}
+
+bool remove(QSqlDatabase book, const QString &id, QString *error) {
+    return RecordIo::inTransaction(
+        book,
+        [&] {
+            return RecordIo::run(book, QStringLiteral("DELETE FROM checks WHERE val=?"), {id}, error) &&
+                   RecordIo::run(book, QStringLiteral("DELETE FROM Cash WHERE _id=?"), {id}, error);
+        },
+        error);
+}
+
+bool clear(QSqlDatabase book, QString *error) {
+    return Schema::clearTables(book, {QStringLiteral("cash"), QStringLiteral("checks")}, error) &&
+           RecordIo::run(book, QStringLiteral("VACUUM;"), {}, error);
+}
+
+bool markReceipts(QSqlDatabase book, const QString &id, QString *error) {
+    return RecordIo::run(book, QStringLiteral("UPDATE Cash SET cheki=? WHERE _id=?;"), {id, id}, error);
+}
+
+bool lines(QSqlDatabase book, const QString &key, std::vector<CheckLine> *out, QString *error) {
+    out->clear();
+    QSqlQuery q(book);
+    q.prepare(QStringLiteral("SELECT * FROM checks WHERE val=? ORDER BY id"));
+    q.addBindValue(key);
+    return readLines(q, out, error);
+}
+
+bool linesOf(QSqlDatabase book, const QStringList &keys, std::vector<CheckLine> *out, QString *error) {
+    out->clear();
+    if (keys.isEmpty())
+        return true;
+    // In batches below SQLite's limit of bound values.
+    constexpr int kBatch = 500;
+    for (int from = 0; from < keys.size(); from += kBatch) {
+        const QStringList part = keys.mid(from, kBatch);
+        QSqlQuery q(book);
+        q.prepare(QStringLiteral("SELECT * FROM checks WHERE val IN (%1) ORDER BY id")
+                      .arg(RecordIo::placeholders(part.size())));
+        for (const QString &k : part)
+            q.addBindValue(k);
+        if (!readLines(q, out, error))
+            return false;
+    }
+    return true;
+}
+
+bool insertLine(QSqlDatabase book, CheckLine *line, QString *error) {
+    QSqlQuery q(book);
+    q.prepare(QStringLiteral("INSERT INTO checks (%1) values(%2)")
+                  .arg(kLineColumns.join(QStringLiteral(", ")), RecordIo::placeholders(kLineColumns.size())));
+    for (const QVariant &v : lineValues(*line))
+        q.addBindValue(v);
+    if (!q.exec())
+        return failed(q, error);
+    line->id = q.lastInsertId().toString();
+    return true;
+}
+
+bool updateLine(QSqlDatabase book, const CheckLine &line, QString *error) {
+    return RecordIo::run(book,
+                         QStringLiteral("UPDATE checks SET name=?,edizm=?,date=?,kolvo=?,price=?,sum=?,val=? "
+                                        "WHERE id=?"),
+                         lineValues(line) << line.id, error);
+}
+
+bool removeLine(QSqlDatabase book, const QString &id, QString *error) {
+    return RecordIo::run(book, QStringLiteral("DELETE FROM checks WHERE id=?"), {id}, error);
+}
+
+bool removeReceipts(QSqlDatabase book, const QString &id, QString *error) {
+    return RecordIo::inTransaction(
+        book,
+        [&] {
+            return RecordIo::run(book, QStringLiteral("DELETE FROM checks WHERE val=?"), {id}, error) &&
+                   RecordIo::run(book, QStringLiteral("UPDATE Cash SET cheki='' WHERE _id=?"), {id}, error);
+        },
+        error);
+}
+
+} // namespace CashStore
