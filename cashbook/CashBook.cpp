@@ -201,6 +201,8 @@ bool CashBook::editCell(int row, int column, const QString &typed) {
         return false;
     }
     m_records->setEntry(row, e);
+    if (column == CashCol::Date || before.entry.id.isEmpty())
+        emit yearsChanged();
     // The record counts in the balance of the chosen customer and object: only what changed moves it.
     const MoneyResult was =
         before.entry.id.isEmpty() ? MoneyResult(Money()) : CashTotalsRule::balanceOf(before);

@@ -118,6 +118,8 @@ signals:
     void problem(const Outcome &outcome);
     // The records were read again (the lists of years may have changed).
     void reloaded();
+    // A record was written with a date (the list of years may have changed).
+    void yearsChanged();
 
 private:
     void recount();

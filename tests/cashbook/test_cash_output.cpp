@@ -1,0 +1,98 @@
+// The printed book through the real office engine: the PDF (preview, print, "Экспорт в PDF") and the
+// spreadsheet ("Экспорт в Excel") of the filtered records with their receipt lines, the title naming
+// the customer, object and period, the totals row and the summary. The PDF's first page is kept as a
+// picture.
+
+#include "CashTestBook.h"
+#include "cashbook/CashColumns.h"
+#include "cashbook/CashReport.h"
+#include "office/OfficeEngine.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <memory>
+#include <unistd.h>
+
+namespace {
+
+constexpr int kIncoming = CashCol::FirstAmount, kMaterial = CashCol::FirstAmount + 2,
+              kTransport = CashCol::FirstAmount + 3;
+
+QString pdfText(const QString &pdf) {
+    QProcess p;
+    p.start("pdftotext", {"-layout", pdf, "-"});
+    p.waitForFinished(30000);
+    // Spreadsheet numbers are grouped with no-break spaces.
+    return QString::fromUtf8(p.readAllStandardOutput()).replace(QChar(0x00a0), QLatin1Char(' '));
+}
+
+class CashOutputTest : public ::testing::Test {
+protected:
+    static void TearDownTestSuite() { s_engine.reset(); }
+    OfficeEngine &engine() {
+        if (!s_engine)
+            s_engine = std::make_unique<OfficeEngine>(
+                QDir::temp().filePath(QStringLiteral("virn-office-tests-%1").arg(getuid())));
+        return *s_engine;
+    }
+    void SetUp() override {
+        t.addCustomer("ООО \"Ремонт\"", {"Склад"});
+        t.choose("ООО \"Ремонт\"", "Склад");
+        t.add("04.03.2024", {{kIncoming, "150000"}, {CashCol::Note, "аванс по договору"}});
+        t.add("12.03.2024", {{kMaterial, "23456,70"}, {CashCol::Note, "цемент и плитка"}});
+        t.add("20.03.2024", {{kTransport, "1800"}});
+        CashBook::Outcome o;
+        t.book->showReceipts(1);
+        ASSERT_EQ(t.book->addLine(&o), 0);
+        ASSERT_TRUE(t.book->editLine(0, ChecksCol::Name, "Цемент М500"));
+        ASSERT_TRUE(t.book->editLine(0, ChecksCol::Unit, "меш"));
+        ASSERT_TRUE(t.book->editLine(0, ChecksCol::Quantity, "20"));
+        ASSERT_TRUE(t.book->editLine(0, ChecksCol::Price, "480"));
+        t.book->setMonthClause(3, "2024");
+    }
+    static inline std::unique_ptr<OfficeEngine> s_engine;
+    CashTestBook t;
+};
+
+} // namespace
+
+TEST_F(CashOutputTest, PdfAndSpreadsheetOfTheFilteredBook) {
+    QString why;
+    if (!OfficeEngine::available(&why))
+        GTEST_SKIP() << why.toStdString();
+    CashReport report;
+    ASSERT_TRUE(CashReportOutput::make(*t.book, true, &report, &why)) << why.toStdString();
+    ASSERT_EQ(report.lines.size(), 3u);
+    ASSERT_EQ(report.lines[1].receipts.size(), 1u);
+    EXPECT_EQ(CashReportOutput::receiptText(report.lines[1].receipts[0]),
+              "Цемент М500: 20 меш × 480 = 9600,00");
+
+    const QString pdf = t.folder.file("out/Кассовая книга.pdf");
+    const QString xlsx = t.folder.file("out/Кассовая книга.xlsx");
+    ASSERT_TRUE(CashReportOutput::produce(engine(), report, {{pdf, "pdf"}, {xlsx, "xlsx"}},
+                                          t.folder.file("Temp"), &why))
+        << why.toStdString();
+    const QString text = pdfText(pdf);
+    for (const char *expected :
+         {"Кассовая книга", "Заказчик: ООО \"Ремонт\"", "Объект: Склад", "Период: Март 2024",
+          "аванс по договору", "Цемент М500: 20 меш × 480 = 9600,00", "Итого", "150 000,00", "23 456,70",
+          "Остаток", "124 743,30", "Период (дн.)"})
+        EXPECT_TRUE(text.contains(QString::fromUtf8(expected))) << expected << "\n" << text.toStdString();
+    QProcess::execute("pdftoppm", {"-png", "-r", "60", "-f", "1", "-l", "1", pdf,
+                                   QStringLiteral(VIRN_SCREENSHOT_DIR "/cashbook_pdf")});
+
+    // The spreadsheet holds the amounts as numbers under the titles.
+    ASSERT_TRUE(engine().load(xlsx)) << engine().error().toStdString();
+    SheetText::Grid grid;
+    ASSERT_TRUE(engine().sheet(&grid)) << engine().error().toStdString();
+    engine().close();
+    int row = -1, column = -1;
+    ASSERT_TRUE(SheetText::findCell(grid, "Дата", true, &row, &column));
+    EXPECT_EQ(grid.value(row).mid(0, 8), QStringList({"Дата", "Приход", "Моя з/п", "Материал", "Транспорт",
+                                                      "З/п рабочим", "Прочее", "Примечание"}));
+    EXPECT_EQ(grid.value(row + 1).value(0), "04.03.2024");
+    EXPECT_TRUE(grid.value(row + 1).value(1).contains("150")) << grid.value(row + 1).join('|').toStdString();
+    EXPECT_TRUE(grid.value(row + 3).value(1).contains("Цемент М500"));
+    ASSERT_TRUE(SheetText::findCell(grid, "Итого", true, &row, &column));
+}
