@@ -240,15 +240,15 @@ bool make(const CashBook &book, bool withReceipts, CashReport *r, QString *error
 }
 
 QByteArray flatOds(const CashReport &r) {
-    // Landscape A4 holds 27,7 cm: the date, six amounts, the note and, when the title does not name
-    // them, the customer and the object.
+    // Landscape A4 within its margins holds 27,7 cm; the columns take 26: the date, six amounts, the
+    // note and, when the title does not name them, the customer and the object.
     QList<double> widths{2.2};
     for (int i = 0; i < CashCategory::kCount; ++i)
-        widths << 2.4;
+        widths << 2.3;
     if (r.namesColumns())
-        widths << 6.0 << 2.6 << 2.5;
+        widths << 5.0 << 2.5 << 2.5;
     else
-        widths << 11.1;
+        widths << 10.0;
     QByteArray out;
     out.reserve(static_cast<int>(r.lines.size()) * 900 + 8192);
     Sheet s(&out);

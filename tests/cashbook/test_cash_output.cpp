@@ -21,7 +21,8 @@ constexpr int kIncoming = CashCol::FirstAmount, kMaterial = CashCol::FirstAmount
 
 QString pdfText(const QString &pdf) {
     QProcess p;
-    p.start("pdftotext", {"-layout", pdf, "-"});
+    // The first page: every column of the book must be on it.
+    p.start("pdftotext", {"-layout", "-f", "1", "-l", "1", pdf, "-"});
     p.waitForFinished(30000);
     // Spreadsheet numbers are grouped with no-break spaces.
     return QString::fromUtf8(p.readAllStandardOutput()).replace(QChar(0x00a0), QLatin1Char(' '));
