@@ -36,6 +36,9 @@ CashBook::CashBook(TModuleSQL &module, QObject *parent)
         [this](int row, int column, const QString &text) { return editCell(row, column, text); });
     m_checks->setEditHandler(
         [this](int row, int column, const QString &text) { return editLine(row, column, text); });
+    m_records->setLoader([this](const std::vector<qint64> &ids, std::vector<CashEntry> *entries) {
+        return CashStore::entries(book(), ids, entries, &m_error);
+    });
 }
 
 QSqlDatabase CashBook::book() const {
@@ -99,11 +102,11 @@ void CashBook::clearFilters() {
 }
 
 bool CashBook::reload(bool fresh) {
-    std::vector<CashGridRow> rows;
+    std::vector<qint64> ids;
+    std::vector<CashAmounts> amounts;
     m_error.clear();
-    const bool ok = CashStore::load(book(), m_filter, &rows, &m_error);
-    m_records->setCategory(m_filter.category);
-    m_records->setRows(std::move(rows));
+    const bool ok = CashStore::load(book(), m_filter, &ids, &amounts, &m_error);
+    m_records->setRows(std::move(ids), std::move(amounts), m_filter.category);
     m_checks->setLines({});
     m_receiptsRow = -1;
     recount();
@@ -124,7 +127,9 @@ bool CashBook::reload(bool fresh) {
 }
 
 void CashBook::recount() {
-    m_totals = CashTotalsRule::count(m_records->rows());
+    const int rows = m_records->rowCount();
+    m_totals = CashTotalsRule::count(m_records->amounts(), m_records->entry(0).date,
+                                     m_records->entry(rows - 1).date);
     emit totalsChanged();
 }
 
@@ -135,7 +140,7 @@ MoneyResult CashBook::purchaseAmount(int percent) const {
 QDate CashBook::firstRowDate(const QDate &fallback) const {
     if (m_records->rowCount() == 0)
         return fallback;
-    const QDate d = CashRecordIo::readDate(m_records->row(0).entry.date);
+    const QDate d = CashRecordIo::readDate(m_records->entry(0).date);
     return d.isValid() ? d : fallback;
 }
 
@@ -164,8 +169,9 @@ bool CashBook::editCell(int row, int column, const QString &typed) {
     const QString field = CashCol::field(column);
     if (row < 0 || row >= m_records->rowCount() || field.isEmpty())
         return false;
-    const CashGridRow before = m_records->row(row);
-    CashEntry e = before.entry;
+    const CashEntry before = m_records->entry(row);
+    const MoneyResult was = before.id.isEmpty() ? MoneyResult(Money()) : m_records->amountsOf(row).balance();
+    CashEntry e = before;
     QString value = typed;
     if (CashCol::isAmount(column)) {
         value = typedNumber(typed);
@@ -190,23 +196,21 @@ bool CashBook::editCell(int row, int column, const QString &typed) {
     } else {
         e.note = value;
     }
-    if (!e.id.isEmpty() && e.values() == before.entry.values())
+    if (!e.id.isEmpty() && e.values() == before.values())
         return true;
-    e.completeDateForms();
+    const bool dated = e.completeDateForms();
     QString error;
     const bool written = e.id.isEmpty() ? CashStore::insert(book(), &e, &error)
-                                        : CashStore::update(book(), e, field, value, &error);
+                                        : CashStore::update(book(), e, field, value, dated, &error);
     if (!written) {
         emit problem(Outcome::failure(QStringLiteral("Запись не сохранена: %1").arg(error)));
         return false;
     }
     m_records->setEntry(row, e);
-    if (column == CashCol::Date || before.entry.id.isEmpty())
+    if (column == CashCol::Date || before.id.isEmpty())
         emit yearsChanged();
     // The record counts in the balance of the chosen customer and object: only what changed moves it.
-    const MoneyResult was =
-        before.entry.id.isEmpty() ? MoneyResult(Money()) : CashTotalsRule::balanceOf(before);
-    m_balance += CashTotalsRule::balanceOf(m_records->row(row)) - was;
+    m_balance += m_records->amountsOf(row).balance() - was;
     recount();
     return true;
 }
@@ -240,7 +244,7 @@ CashBook::Outcome CashBook::addPurchase(const QDate &date, const QString &amount
 CashBook::Outcome CashBook::deleteRecord(int row) {
     if (row < 0 || row >= m_records->rowCount())
         return Outcome::warning(QStringLiteral("Выберите запись"));
-    const QString id = m_records->row(row).entry.id;
+    const QString id = m_records->entry(row).id;
     if (id.isEmpty()) {
         m_records->removeAt(row);
         recount();
@@ -266,7 +270,7 @@ CashBook::Outcome CashBook::deleteAll() {
 CashBook::Outcome CashBook::markReceipts(int row) {
     if (row < 0 || row >= m_records->rowCount())
         return Outcome::warning(QStringLiteral("Выберите запись"));
-    CashEntry e = m_records->row(row).entry;
+    CashEntry e = m_records->entry(row);
     if (e.id.isEmpty())
         return Outcome::warning(QStringLiteral("Запись ещё не внесена в кассу: заполните её"));
     QString error;
@@ -284,7 +288,7 @@ void CashBook::showReceipts(int row) {
     m_receiptsRow = row >= 0 && row < m_records->rowCount() ? row : -1;
     std::vector<CheckLine> lines;
     if (m_receiptsRow >= 0) {
-        const QString key = m_records->row(row).entry.cheki;
+        const QString key = m_records->entry(row).cheki;
         if (!key.isEmpty() && !CashStore::lines(book(), key, &lines, &m_error))
             emit problem(Outcome::failure(QStringLiteral("Чеки не прочитаны: %1").arg(m_error)));
     }
@@ -297,12 +301,12 @@ int CashBook::addLine(Outcome *outcome) {
         *outcome = Outcome::warning(QStringLiteral("Выберите запись в движении средств"));
         return -1;
     }
-    if (m_records->row(m_receiptsRow).entry.cheki.isEmpty()) {
+    if (m_records->entry(m_receiptsRow).cheki.isEmpty()) {
         *outcome = markReceipts(m_receiptsRow);
         if (!outcome->ok)
             return -1;
     }
-    const CashEntry &e = m_records->row(m_receiptsRow).entry;
+    const CashEntry &e = m_records->entry(m_receiptsRow);
     CheckLine line;
     line.date = e.date;
     line.val = e.cheki;
@@ -371,7 +375,7 @@ CashBook::Outcome CashBook::deleteLine(int row) {
 CashBook::Outcome CashBook::deleteReceipts(int row) {
     if (row < 0 || row >= m_records->rowCount())
         return Outcome::warning(QStringLiteral("Выберите запись"));
-    CashEntry e = m_records->row(row).entry;
+    CashEntry e = m_records->entry(row);
     if (e.id.isEmpty())
         return Outcome::done();
     QString error;

@@ -1,5 +1,7 @@
 #include "CashModels.h"
 
+#include <algorithm>
+
 namespace {
 
 // Shown in the marker column of a record that has receipt lines.
@@ -7,10 +9,19 @@ const QString kReceiptsMark = QStringLiteral("✓");
 
 } // namespace
 
+namespace {
+
+// Rows read at a time when the grid shows a row not yet read.
+constexpr int kBlock = 200;
+
+} // namespace
+
 CashGridModel::CashGridModel(QObject *parent) : QAbstractTableModel(parent) {}
 
+CashGridModel::~CashGridModel() = default;
+
 int CashGridModel::rowCount(const QModelIndex &parent) const {
-    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+    return parent.isValid() ? 0 : static_cast<int>(m_ids.size());
 }
 
 int CashGridModel::columnCount(const QModelIndex &parent) const {
@@ -20,17 +31,16 @@ int CashGridModel::columnCount(const QModelIndex &parent) const {
 QVariant CashGridModel::data(const QModelIndex &index, int role) const {
     if (!index.isValid() || index.row() >= rowCount())
         return {};
-    const CashGridRow &r = m_rows[static_cast<size_t>(index.row())];
-    const CashEntry &e = r.entry;
     const int c = index.column();
     if (role == Qt::TextAlignmentRole)
         return CashCol::isAmount(c) ? QVariant(Qt::AlignRight | Qt::AlignVCenter)
                                     : QVariant(Qt::AlignLeft | Qt::AlignVCenter);
-    if (role == Qt::ToolTipRole && c == CashCol::Marker && !e.cheki.isEmpty())
-        return QStringLiteral("К записи есть расшифровка чеков");
-    if (role != Qt::DisplayRole && role != Qt::EditRole)
+    if (role != Qt::DisplayRole && role != Qt::EditRole && role != Qt::ToolTipRole)
         return {};
-    const bool edit = role == Qt::EditRole;
+    const CashEntry &e = entry(index.row());
+    if (role == Qt::ToolTipRole)
+        return c == CashCol::Marker && !e.cheki.isEmpty() ? QStringLiteral("К записи есть расшифровка чеков")
+                                                          : QVariant();
     switch (c) {
     case CashCol::Marker:
         return e.cheki.isEmpty() ? QString() : kReceiptsMark;
@@ -46,7 +56,10 @@ QVariant CashGridModel::data(const QModelIndex &index, int role) const {
         return e.id;
     default: {
         const int cat = CashCol::category(c);
-        return edit ? e.amounts[cat] : CashRecordIo::shownAmount(e.amounts[cat], r.money[cat]);
+        if (role == Qt::EditRole)
+            return e.amounts[cat];
+        return CashRecordIo::shownAmount(e.amounts[cat],
+                                         m_amounts[static_cast<size_t>(index.row())].money(cat));
     }
     }
 }
@@ -76,42 +89,89 @@ bool CashGridModel::setData(const QModelIndex &index, const QVariant &value, int
     return m_onEdit(index.row(), index.column(), value.toString());
 }
 
-void CashGridModel::setRows(std::vector<CashGridRow> rows) {
+void CashGridModel::setRows(std::vector<qint64> ids, std::vector<CashAmounts> amounts, int category) {
     beginResetModel();
-    m_rows = std::move(rows);
+    m_category = category;
+    m_ids = std::move(ids);
+    m_amounts = std::move(amounts);
+    m_entries.clear();
+    m_entries.resize(m_ids.size());
     endResetModel();
 }
 
+CashEntry CashGridModel::shown(CashEntry e) const {
+    // With a category chosen the grid holds that amount alone.
+    if (m_category > 0)
+        for (int i = 0; i < CashCategory::kCount; ++i)
+            if (i != m_category - 1)
+                e.amounts[i].clear();
+    return e;
+}
+
+void CashGridModel::load(int row) const {
+    const int first = row / kBlock * kBlock;
+    const int last = std::min(rowCount(), first + kBlock);
+    std::vector<qint64> ids;
+    std::vector<int> rows;
+    for (int r = first; r < last; ++r)
+        if (!m_entries[static_cast<size_t>(r)]) {
+            ids.push_back(m_ids[static_cast<size_t>(r)]);
+            rows.push_back(r);
+        }
+    std::vector<CashEntry> read;
+    if (!m_load || !m_load(ids, &read)) {
+        // Unread, the row still keeps its key: an edit of it writes that record, never a new one.
+        read.assign(ids.size(), CashEntry());
+        for (size_t i = 0; i < ids.size(); ++i)
+            read[i].id = QString::number(ids[i]);
+    }
+    for (size_t i = 0; i < rows.size(); ++i)
+        m_entries[static_cast<size_t>(rows[i])] = std::make_unique<CashEntry>(shown(read.at(i)));
+}
+
+const CashEntry &CashGridModel::entry(int row) const {
+    static const CashEntry none;
+    if (row < 0 || row >= rowCount())
+        return none;
+    if (!m_entries[static_cast<size_t>(row)])
+        load(row);
+    return *m_entries[static_cast<size_t>(row)];
+}
+
 void CashGridModel::setEntry(int row, const CashEntry &entry) {
-    CashGridRow &r = m_rows.at(static_cast<size_t>(row));
-    r.entry = entry;
-    r.readAmounts();
+    const auto r = static_cast<size_t>(row);
+    m_entries.at(r) = std::make_unique<CashEntry>(shown(entry));
+    m_ids[r] = entry.id.toLongLong();
+    m_amounts[r].readAll(*m_entries[r]);
     emit dataChanged(index(row, 0), index(row, CashCol::Count - 1));
 }
 
 void CashGridModel::appendEntry(const CashEntry &entry) {
     const int row = rowCount();
     beginInsertRows({}, row, row);
-    CashGridRow r;
-    r.entry = entry;
-    r.readAmounts();
-    m_rows.push_back(std::move(r));
+    m_ids.push_back(entry.id.toLongLong());
+    m_entries.push_back(std::make_unique<CashEntry>(shown(entry)));
+    CashAmounts a;
+    a.readAll(*m_entries.back());
+    m_amounts.push_back(a);
     endInsertRows();
 }
 
 void CashGridModel::removeAt(int row) {
     beginRemoveRows({}, row, row);
-    m_rows.erase(m_rows.begin() + row);
+    m_ids.erase(m_ids.begin() + row);
+    m_amounts.erase(m_amounts.begin() + row);
+    m_entries.erase(m_entries.begin() + row);
     endRemoveRows();
 }
 
 int CashGridModel::rowOf(const QString &id) const {
-    if (id.isEmpty())
+    bool ok = false;
+    const qint64 key = id.toLongLong(&ok);
+    if (!ok || key == 0)
         return -1;
-    for (size_t i = 0; i < m_rows.size(); ++i)
-        if (m_rows[i].entry.id == id)
-            return static_cast<int>(i);
-    return -1;
+    const auto it = std::find(m_ids.begin(), m_ids.end(), key);
+    return it == m_ids.end() ? -1 : static_cast<int>(it - m_ids.begin());
 }
 
 QString checkCell(const CheckLine &l, int column) {

@@ -8,14 +8,20 @@
 
 #include <QAbstractTableModel>
 #include <functional>
+#include <memory>
 #include <vector>
 
+// GridRashod over any number of records: it holds every listed record's key and amounts (what the
+// totals count) and reads the rest of a record, a block of rows at a time, when the grid first shows it.
 class CashGridModel : public QAbstractTableModel {
     Q_OBJECT
 public:
     using EditHandler = std::function<bool(int row, int column, const QString &text)>;
+    // Reads the records of the keys (CashStore::entries).
+    using Loader = std::function<bool(const std::vector<qint64> &ids, std::vector<CashEntry> *entries)>;
 
     explicit CashGridModel(QObject *parent = nullptr);
+    ~CashGridModel() override;
 
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
@@ -25,12 +31,14 @@ public:
     bool setData(const QModelIndex &index, const QVariant &value, int role) override;
 
     void setEditHandler(EditHandler handler) { m_onEdit = std::move(handler); }
-    // With a category chosen only its amount column (and date and note) can be edited.
-    void setCategory(int category) { m_category = category; }
+    void setLoader(Loader loader) { m_load = std::move(loader); }
 
-    const std::vector<CashGridRow> &rows() const { return m_rows; }
-    const CashGridRow &row(int i) const { return m_rows.at(static_cast<size_t>(i)); }
-    void setRows(std::vector<CashGridRow> rows);
+    // The listed records (keys and amounts), with a category chosen only its amount kept and editable.
+    void setRows(std::vector<qint64> ids, std::vector<CashAmounts> amounts, int category);
+    const std::vector<CashAmounts> &amounts() const { return m_amounts; }
+    const CashAmounts &amountsOf(int row) const { return m_amounts.at(static_cast<size_t>(row)); }
+    // The record of a row (read when it has not been yet); an empty entry for a row out of range.
+    const CashEntry &entry(int row) const;
     // Replaces the entry of a row (its amounts read again).
     void setEntry(int row, const CashEntry &entry);
     void appendEntry(const CashEntry &entry);
@@ -39,8 +47,15 @@ public:
     int rowOf(const QString &id) const;
 
 private:
-    std::vector<CashGridRow> m_rows;
+    // Reads the block of rows around row.
+    void load(int row) const;
+    CashEntry shown(CashEntry entry) const;
+
+    std::vector<qint64> m_ids; // 0 for a row not written yet
+    std::vector<CashAmounts> m_amounts;
+    mutable std::vector<std::unique_ptr<CashEntry>> m_entries;
     EditHandler m_onEdit;
+    Loader m_load;
     int m_category = 0;
 };
 

@@ -44,19 +44,40 @@ bool CashEntry::sameMovement(const CashEntry &o) const {
            object == o.object;
 }
 
-void CashGridRow::readAmounts() {
-    for (int i = 0; i < CashCategory::kCount; ++i)
-        readAmount(i);
+void CashAmounts::read(int category, const QString &text) {
+    const quint8 bit = static_cast<quint8>(1u << category);
+    counted &= static_cast<quint8>(~bit);
+    kopecks[category] = 0;
+    if (text.isEmpty())
+        return;
+    const MoneyResult m = Money::parse(text);
+    if (!m.ok())
+        return;
+    kopecks[category] = m->kopecks();
+    counted |= bit;
 }
 
-void CashGridRow::readAmount(int category) {
-    const QString &text = entry.amounts[category];
-    if (text.isEmpty()) {
-        money[category].reset();
-        return;
-    }
-    const MoneyResult m = Money::parse(text);
-    money[category] = m.ok() ? std::optional<Money>(*m) : std::nullopt;
+void CashAmounts::readAll(const CashEntry &entry) {
+    for (int i = 0; i < CashCategory::kCount; ++i)
+        read(i, entry.amounts[i]);
+}
+
+std::optional<Money> CashAmounts::money(int category) const {
+    if (!(counted & (1u << category)))
+        return std::nullopt;
+    return Money::fromKopecks(kopecks[category]);
+}
+
+MoneyResult CashAmounts::balance() const {
+    MoneyResult b = Money();
+    for (int i = 0; i < CashCategory::kCount; ++i)
+        if (const auto m = money(i)) {
+            if (i == CashCategory::kIncoming)
+                b += *m;
+            else
+                b -= *m;
+        }
+    return b;
 }
 
 CashEntryReader::CashEntryReader(const QSqlRecord &r) {

@@ -35,13 +35,17 @@ struct CashEntry {
     bool sameMovement(const CashEntry &other) const;
 };
 
-struct CashGridRow {
-    CashEntry entry;
-    // The amounts read by the number rule; an empty or unreadable amount is not counted.
-    std::array<std::optional<Money>, CashCategory::kCount> money;
+// The six amounts of a record read by the number rule, as the totals count them: an empty or unreadable
+// amount is not counted.
+struct CashAmounts {
+    std::array<qint64, CashCategory::kCount> kopecks{};
+    quint8 counted = 0; // bit i: amount i is counted
 
-    void readAmounts();
-    void readAmount(int category);
+    void read(int category, const QString &text);
+    void readAll(const CashEntry &entry);
+    std::optional<Money> money(int category) const;
+    // Income less the five expenses.
+    MoneyResult balance() const;
 };
 
 // Reads the rows of a query of the table cash of any layout: the columns are found once, by the

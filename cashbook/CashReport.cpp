@@ -1,6 +1,7 @@
 #include "CashReport.h"
 
 #include "CashBook.h"
+#include "CashModels.h"
 #include "office/OfficeEngine.h"
 #include "storage/TextValues.h"
 
@@ -217,13 +218,14 @@ bool make(const CashBook &book, bool withReceipts, CashReport *r, QString *error
     r->totals = book.totals();
     r->balance = book.balance();
     r->sold = book.soldMaterials();
-    const std::vector<CashGridRow> &rows = book.records()->rows();
-    r->lines.reserve(rows.size());
+    const CashGridModel &rows = *book.records();
+    r->lines.reserve(static_cast<size_t>(rows.rowCount()));
     QStringList keys;
-    for (const CashGridRow &row : rows) {
-        r->lines.push_back({row.entry, {}});
-        if (withReceipts && !row.entry.cheki.isEmpty())
-            keys << row.entry.cheki;
+    for (int i = 0; i < rows.rowCount(); ++i) {
+        const CashEntry &entry = rows.entry(i);
+        r->lines.push_back({entry, {}});
+        if (withReceipts && !entry.cheki.isEmpty())
+            keys << entry.cheki;
     }
     if (keys.isEmpty())
         return true;
@@ -283,14 +285,13 @@ QByteArray flatOds(const CashReport &r) {
     s.endHeader();
 
     for (const CashReport::Line &l : r.lines) {
-        CashGridRow row;
-        row.entry = l.entry;
-        row.readAmounts();
+        CashAmounts amounts;
+        amounts.readAll(l.entry);
         s.beginRow();
         s.text(l.entry.date, QStringLiteral("txt"));
         for (int i = 0; i < CashCategory::kCount; ++i) {
-            if (row.money[i])
-                s.money(row.money[i], QStringLiteral("num"));
+            if (const auto m = amounts.money(i))
+                s.money(m, QStringLiteral("num"));
             else
                 s.text(l.entry.amounts[i], QStringLiteral("num"));
         }

@@ -4,6 +4,7 @@
 #include "storage/Schema.h"
 #include "storage/TextValues.h"
 
+#include <QHash>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -60,23 +61,69 @@ MoneyResult balanceOf(QSqlQuery &q) {
 
 } // namespace
 
-bool load(QSqlDatabase book, const CashFilter &filter, std::vector<CashGridRow> *rows, QString *error) {
-    rows->clear();
+namespace {
+
+// The statement with the named columns in place of "SELECT *".
+QString selecting(const QString &statement, const QString &columns) {
+    QString sql = statement;
+    return sql.replace(0, QStringLiteral("SELECT *").size(), QStringLiteral("SELECT ") + columns);
+}
+
+QString amountColumns() {
+    QStringList amounts;
+    for (const QString &f : CashCategory::fields())
+        amounts << f;
+    return amounts.join(QLatin1Char(','));
+}
+
+} // namespace
+
+bool load(QSqlDatabase book, const CashFilter &filter, std::vector<qint64> *ids,
+          std::vector<CashAmounts> *amounts, QString *error) {
+    ids->clear();
+    amounts->clear();
+    // The filter's statement, reading what the totals need; a grid of 50,000 rows shows a few dozen.
     QSqlQuery q(book);
     q.setForwardOnly(true);
-    if (!q.exec(CashSql::records(filter)))
+    if (!q.exec(selecting(CashSql::records(filter), QStringLiteral("_id,") + amountColumns())))
         return failed(q, error);
-    const CashEntryReader reader(q.record());
     const int only = filter.category - 1; // the one amount kept, or -1
     while (q.next()) {
-        CashGridRow r;
-        r.entry = reader.read(q);
-        if (only >= 0)
-            for (int i = 0; i < CashCategory::kCount; ++i)
-                if (i != only)
-                    r.entry.amounts[i].clear();
-        r.readAmounts();
-        rows->push_back(std::move(r));
+        ids->push_back(q.value(0).toLongLong());
+        CashAmounts a;
+        for (int i = 0; i < CashCategory::kCount; ++i)
+            if (only < 0 || i == only)
+                a.read(i, q.value(i + 1).toString());
+        amounts->push_back(a);
+    }
+    return true;
+}
+
+bool entries(QSqlDatabase book, const std::vector<qint64> &ids, std::vector<CashEntry> *out, QString *error) {
+    out->assign(ids.size(), CashEntry());
+    QHash<qint64, size_t> position;
+    for (size_t i = 0; i < ids.size(); ++i) {
+        position.insert(ids[i], i);
+        (*out)[i].id = QString::number(ids[i]);
+    }
+    constexpr size_t kBatch = 500; // below SQLite's limit of bound values
+    for (size_t from = 0; from < ids.size(); from += kBatch) {
+        const size_t n = std::min(kBatch, ids.size() - from);
+        QSqlQuery q(book);
+        q.setForwardOnly(true);
+        q.prepare(QStringLiteral("SELECT * FROM cash WHERE _id IN (%1)")
+                      .arg(RecordIo::placeholders(static_cast<int>(n))));
+        for (size_t i = 0; i < n; ++i)
+            q.addBindValue(ids[from + i]);
+        if (!q.exec())
+            return failed(q, error);
+        const CashEntryReader reader(q.record());
+        while (q.next()) {
+            CashEntry e = reader.read(q);
+            const auto at = position.constFind(e.id.toLongLong());
+            if (at != position.constEnd())
+                (*out)[*at] = std::move(e);
+        }
     }
     return true;
 }
@@ -99,8 +146,7 @@ MoneyResult balance(QSqlDatabase book, const QString &customer, const QString &o
 }
 
 std::optional<MoneyResult> soldMaterials(QSqlDatabase warehouse, const CashFilter &filter) {
-    QString sql = CashSql::soldMaterials(filter);
-    sql.replace(0, QStringLiteral("SELECT *").size(), QStringLiteral("SELECT summa"));
+    const QString sql = selecting(CashSql::soldMaterials(filter), QStringLiteral("summa"));
     QSqlQuery q(warehouse);
     q.setForwardOnly(true);
     if (!warehouse.isOpen() || !q.exec(sql))
@@ -130,16 +176,25 @@ QStringList years(QSqlDatabase book) {
     return out;
 }
 
-bool update(QSqlDatabase book, const CashEntry &e, const QString &field, const QString &value,
+bool update(QSqlDatabase book, const CashEntry &e, const QString &field, const QString &value, bool dated,
             QString *error) {
     if (!CashEntry::columns().contains(field)) {
         if (error)
             *error = QStringLiteral("нет столбца %1").arg(field);
         return false;
     }
-    return RecordIo::run(
-        book, QStringLiteral("UPDATE Cash SET %1=?,month=?,year=?,date_compare=? WHERE _id=?").arg(field),
-        {value, e.month, e.year, e.dateCompare, e.id}, error);
+    int changed = 0;
+    const bool ok =
+        dated
+            ? RecordIo::run(
+                  book,
+                  QStringLiteral("UPDATE Cash SET %1=?,month=?,year=?,date_compare=? WHERE _id=?").arg(field),
+                  {value, e.month, e.year, e.dateCompare, e.id}, error, &changed)
+            : RecordIo::run(book, QStringLiteral("UPDATE Cash SET %1=? WHERE _id=?").arg(field),
+                            {value, e.id}, error, &changed);
+    if (ok && changed == 0 && error)
+        *error = QStringLiteral("записи нет в книге: её удалили в другой копии программы");
+    return ok && changed > 0;
 }
 
 bool insert(QSqlDatabase book, CashEntry *e, QString *error) {

@@ -28,8 +28,13 @@ struct CheckLine {
 
 namespace CashStore {
 
-// The records of the filter in table order; with a category chosen only its amount is kept.
-bool load(QSqlDatabase book, const CashFilter &filter, std::vector<CashGridRow> *rows, QString *error);
+// The records of the filter in the statement's order: their keys and amounts (with a category chosen
+// only its amount). The grid reads the rest of a record when it shows it (entries).
+bool load(QSqlDatabase book, const CashFilter &filter, std::vector<qint64> *ids,
+          std::vector<CashAmounts> *amounts, QString *error);
+// The records of the keys, each in the position of its key; a key no longer in the book gives an entry
+// with the key alone.
+bool entries(QSqlDatabase book, const std::vector<qint64> &ids, std::vector<CashEntry> *out, QString *error);
 // Income less the five expenses over every record of the customer and object (either may be empty).
 MoneyResult balance(QSqlDatabase book, const QString &customer, const QString &object, QString *error);
 // The sum of the sold materials' summa; nullopt when the warehouse cannot be read.
@@ -37,8 +42,9 @@ std::optional<MoneyResult> soldMaterials(QSqlDatabase warehouse, const CashFilte
 // The distinct years of the records, in ascending order.
 QStringList years(QSqlDatabase book);
 
-// Writes one column of a written record with its month, year and date_compare.
-bool update(QSqlDatabase book, const CashEntry &entry, const QString &field, const QString &value,
+// Writes one column of a written record, with its month, year and date_compare when dated (a record
+// whose date is no date keeps the ones it has). A record no longer in the book is an error.
+bool update(QSqlDatabase book, const CashEntry &entry, const QString &field, const QString &value, bool dated,
             QString *error);
 // Inserts the entry as a new record; entry->id gets its key.
 bool insert(QSqlDatabase book, CashEntry *entry, QString *error);

@@ -12,15 +12,15 @@ QStringList CashTotals::cells() const {
 
 namespace CashTotalsRule {
 
-CashTotals count(const std::vector<CashGridRow> &rows) {
+CashTotals count(const std::vector<CashAmounts> &rows, const QString &firstDate, const QString &lastDate) {
     CashTotals t;
     t.empty = rows.empty();
     // Kopecks are summed in 128 bits and checked once: a grid of any size cannot overflow on the way.
     std::array<__int128, CashCategory::kCount> sums{};
-    for (const CashGridRow &r : rows)
+    for (const CashAmounts &r : rows)
         for (int i = 0; i < CashCategory::kCount; ++i)
-            if (r.money[i])
-                sums[i] += r.money[i]->kopecks();
+            if (r.counted & (1u << i))
+                sums[i] += r.kopecks[i];
     for (int i = 0; i < CashCategory::kCount; ++i) {
         const __int128 s = sums[i];
         const auto m = s >= -Money::kMaxKopecks && s <= Money::kMaxKopecks
@@ -34,8 +34,8 @@ CashTotals count(const std::vector<CashGridRow> &rows) {
     t.remainder = t.sums[CashCategory::kIncoming] - t.expenses;
     t.income = t.sums[1];
     if (!rows.empty()) {
-        const QDate first = CashRecordIo::readDate(rows.front().entry.date);
-        const QDate last = CashRecordIo::readDate(rows.back().entry.date);
+        const QDate first = CashRecordIo::readDate(firstDate);
+        const QDate last = CashRecordIo::readDate(lastDate);
         if (first.isValid() && last.isValid())
             t.days = qAbs(first.daysTo(last));
     }
@@ -48,18 +48,6 @@ MoneyResult purchase(const CashTotals &totals, int percent) {
         return material;
     const auto p = Decimal::whole(percent);
     return p ? material->percent(*p) : MoneyResult::refused(NumberProblem::TooManyDigits);
-}
-
-MoneyResult balanceOf(const CashGridRow &row) {
-    MoneyResult b = Money();
-    for (int i = 0; i < CashCategory::kCount; ++i)
-        if (row.money[i]) {
-            if (i == CashCategory::kIncoming)
-                b += *row.money[i];
-            else
-                b -= *row.money[i];
-        }
-    return b;
 }
 
 } // namespace CashTotalsRule

@@ -26,9 +26,8 @@ struct CashTotals {
 };
 
 namespace CashTotalsRule {
-CashTotals count(const std::vector<CashGridRow> &rows);
+// The totals of the rows' amounts; the period runs from the first row's date to the last row's.
+CashTotals count(const std::vector<CashAmounts> &rows, const QString &firstDate, const QString &lastDate);
 // EditZakupka: percent × the "Материал" sum ÷ 100.
 MoneyResult purchase(const CashTotals &totals, int percent);
-// The balance of records: income less the five expenses, of each record and together.
-MoneyResult balanceOf(const CashGridRow &row);
 } // namespace CashTotalsRule

@@ -253,7 +253,7 @@ void TKassaBook::btnDeleteRecordClick() {
     const int row = currentRow();
     if (row < 0)
         return tell(CashBook::Outcome::warning(QStringLiteral("Выберите запись")));
-    const QString date = m_book.records()->row(row).entry.date;
+    const QString date = m_book.records()->entry(row).date;
     if (dialogs().ask(QStringLiteral("Удаление"),
                       QStringLiteral("Удалить запись от ") + date + QLatin1Char('?')) != Dialogs::Answer::Yes)
         return;
@@ -301,7 +301,7 @@ void TKassaBook::btnDeleteChekiClick() {
     const int row = currentRow();
     if (row < 0)
         return tell(CashBook::Outcome::warning(QStringLiteral("Выберите запись")));
-    const CashEntry &e = m_book.records()->row(row).entry;
+    const CashEntry &e = m_book.records()->entry(row);
     if (e.cheki.isEmpty())
         return tell(CashBook::Outcome::warning(QStringLiteral("В записи нет расшифровки чеков")));
     if (dialogs().ask(QStringLiteral("Удаление"), QStringLiteral("Удалить расшифровку по чекам от ") +

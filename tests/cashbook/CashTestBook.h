@@ -42,7 +42,7 @@ struct CashTestBook {
             return {};
         for (const auto &[column, text] : cells)
             EXPECT_TRUE(book->editCell(row, column, text)) << column;
-        return book->records()->row(row).entry.id;
+        return book->records()->entry(row).id;
     }
     QStringList totals() const { return book->totals().cells(); }
     QString cell(int row, int column) const {

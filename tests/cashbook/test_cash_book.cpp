@@ -255,3 +255,32 @@ TEST_F(CashBookTest, YearsOfTheRecords) {
     t.add("07.07.2024", {{kIncoming, "1"}});
     EXPECT_EQ(t.book->years(), QStringList({"2022", "2024"}));
 }
+
+TEST_F(CashBookTest, LongBooksAreReadAsTheGridShowsThem) {
+    // Rows past the first block come in when they are shown; the totals count every row.
+    QSqlDatabase db = t.module->database(Db::Cash);
+    QSqlQuery q(db);
+    ASSERT_TRUE(q.exec("BEGIN"));
+    for (int i = 1; i <= 450; ++i)
+        ASSERT_TRUE(
+            q.exec(QStringLiteral("INSERT INTO cash (date, incoming, note, customer, object, month, year, "
+                                  "date_compare) values('%1.01.2024', '%2', 'запись %2', 'Иванов', 'Дача', "
+                                  "'1', '2024', '202401%1')")
+                       .arg(1 + i % 28, 2, 10, QLatin1Char('0'))
+                       .arg(i)));
+    ASSERT_TRUE(q.exec("COMMIT"));
+    t.book->reload(true);
+    ASSERT_EQ(t.book->records()->rowCount(), 450);
+    EXPECT_EQ(t.cell(420, CashCol::Note), "запись 421");
+    EXPECT_EQ(t.cell(449, kIncoming), "450,00");
+    EXPECT_EQ(t.totals().at(0), "101 475,00");
+    EXPECT_EQ(t.book->balance().text(), "101475,00");
+
+    // A record another copy of the program deleted meanwhile is not written again.
+    ASSERT_TRUE(q.exec("DELETE FROM cash WHERE note='запись 300'"));
+    QSignalSpy problems(t.book.get(), &CashBook::problem);
+    EXPECT_FALSE(t.book->editCell(299, kMaterial, "5"));
+    ASSERT_EQ(problems.count(), 1);
+    EXPECT_TRUE(problems.at(0).at(0).value<CashBook::Outcome>().text.contains("удалили"));
+    EXPECT_EQ(rows("SELECT count(*) FROM cash"), QStringList{"449"});
+}
