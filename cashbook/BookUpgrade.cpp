@@ -1,6 +1,7 @@
 #include "BookUpgrade.h"
 
 #include "CashRecord.h"
+#include "FileConnection.h"
 #include "WarehouseTransfer.h"
 #include "customers/CustomerRegister.h"
 #include "storage/Catalogue.h"
@@ -10,7 +11,6 @@
 #include "storage/TextValues.h"
 #include "storage/Transaction.h"
 
-#include <QAtomicInt>
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
@@ -28,32 +28,6 @@ namespace {
 QString shown(const QString &path) {
     return QDir::toNativeSeparators(path);
 }
-
-// A connection of its own to the book file, closed and removed with the object.
-class BookConnection {
-public:
-    explicit BookConnection(const QString &path) {
-        static QAtomicInt count;
-        m_name = QStringLiteral("cashbook-upgrade-%1").arg(count.fetchAndAddRelaxed(1));
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
-        db.setDatabaseName(path);
-        db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(Schema::kBusyTimeoutMs));
-        if (!db.open())
-            m_error = db.lastError().text();
-    }
-    ~BookConnection() {
-        QSqlDatabase::database(m_name, false).close();
-        QSqlDatabase::removeDatabase(m_name);
-    }
-    BookConnection(const BookConnection &) = delete;
-    BookConnection &operator=(const BookConnection &) = delete;
-    QSqlDatabase db() const { return QSqlDatabase::database(m_name, false); }
-    QString error() const { return m_error; }
-
-private:
-    QString m_name;
-    QString m_error;
-};
 
 QSet<QString> tablesOf(QSqlDatabase db) {
     QSet<QString> out;
@@ -257,7 +231,7 @@ Result run(const QString &bookPath, const Targets &targets) {
         r.error = unreadable;
         return r;
     }
-    BookConnection con(bookPath);
+    FileConnection con(bookPath, FileConnection::Mode::Book);
     if (!con.error().isEmpty())
         return fail(QStringLiteral("файл не открылся"), con.error());
     QSqlDatabase db = con.db();

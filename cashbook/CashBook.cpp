@@ -12,6 +12,7 @@
 namespace {
 
 const QString kChooseCustomer = QStringLiteral("Выберите заказчика и объект");
+const QString kChooseRecord = QStringLiteral("Выберите запись");
 
 // A number typed into a cell: blanks trimmed, "." read as ",".
 QString typedNumber(const QString &text) {
@@ -144,6 +145,10 @@ QDate CashBook::firstRowDate(const QDate &fallback) const {
     return d.isValid() ? d : fallback;
 }
 
+bool CashBook::listed(int row) const {
+    return row >= 0 && row < m_records->rowCount();
+}
+
 bool CashBook::needsCustomerAndObject(Outcome *outcome) const {
     if (!m_filter.customer.isEmpty() && !m_filter.object.isEmpty())
         return true;
@@ -242,8 +247,8 @@ CashBook::Outcome CashBook::addPurchase(const QDate &date, const QString &amount
 }
 
 CashBook::Outcome CashBook::deleteRecord(int row) {
-    if (row < 0 || row >= m_records->rowCount())
-        return Outcome::warning(QStringLiteral("Выберите запись"));
+    if (!listed(row))
+        return Outcome::warning(kChooseRecord);
     const QString id = m_records->entry(row).id;
     if (id.isEmpty()) {
         m_records->removeAt(row);
@@ -268,8 +273,8 @@ CashBook::Outcome CashBook::deleteAll() {
 }
 
 CashBook::Outcome CashBook::markReceipts(int row) {
-    if (row < 0 || row >= m_records->rowCount())
-        return Outcome::warning(QStringLiteral("Выберите запись"));
+    if (!listed(row))
+        return Outcome::warning(kChooseRecord);
     CashEntry e = m_records->entry(row);
     if (e.id.isEmpty())
         return Outcome::warning(QStringLiteral("Запись ещё не внесена в кассу: заполните её"));
@@ -373,8 +378,8 @@ CashBook::Outcome CashBook::deleteLine(int row) {
 }
 
 CashBook::Outcome CashBook::deleteReceipts(int row) {
-    if (row < 0 || row >= m_records->rowCount())
-        return Outcome::warning(QStringLiteral("Выберите запись"));
+    if (!listed(row))
+        return Outcome::warning(kChooseRecord);
     CashEntry e = m_records->entry(row);
     if (e.id.isEmpty())
         return Outcome::done();

@@ -124,6 +124,7 @@ signals:
 private:
     void recount();
     bool needsCustomerAndObject(Outcome *outcome) const;
+    bool listed(int row) const;
     QSqlDatabase warehouse() const;
 
     TModuleSQL &m_module;

@@ -16,16 +16,33 @@ constexpr int kBlock = 200;
 
 } // namespace
 
-CashGridModel::CashGridModel(QObject *parent) : QAbstractTableModel(parent) {}
+CashTableModel::CashTableModel(QStringList titles, QObject *parent)
+    : QAbstractTableModel(parent), m_titles(std::move(titles)) {}
+
+int CashTableModel::columnCount(const QModelIndex &parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(m_titles.size());
+}
+
+QVariant CashTableModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (role != Qt::DisplayRole)
+        return {};
+    if (orientation == Qt::Horizontal)
+        return m_titles.value(section);
+    return section + 1;
+}
+
+bool CashTableModel::setData(const QModelIndex &index, const QVariant &value, int role) {
+    if (role != Qt::EditRole || !index.isValid() || !(flags(index) & Qt::ItemIsEditable) || !m_onEdit)
+        return false;
+    return m_onEdit(index.row(), index.column(), value.toString());
+}
+
+CashGridModel::CashGridModel(QObject *parent) : CashTableModel(CashCol::titles(), parent) {}
 
 CashGridModel::~CashGridModel() = default;
 
 int CashGridModel::rowCount(const QModelIndex &parent) const {
     return parent.isValid() ? 0 : static_cast<int>(m_ids.size());
-}
-
-int CashGridModel::columnCount(const QModelIndex &parent) const {
-    return parent.isValid() ? 0 : CashCol::Count;
 }
 
 QVariant CashGridModel::data(const QModelIndex &index, int role) const {
@@ -64,14 +81,6 @@ QVariant CashGridModel::data(const QModelIndex &index, int role) const {
     }
 }
 
-QVariant CashGridModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (role != Qt::DisplayRole)
-        return {};
-    if (orientation == Qt::Horizontal)
-        return CashCol::titles().value(section);
-    return section + 1;
-}
-
 Qt::ItemFlags CashGridModel::flags(const QModelIndex &index) const {
     Qt::ItemFlags f = QAbstractTableModel::flags(index);
     const int c = index.column();
@@ -81,12 +90,6 @@ Qt::ItemFlags CashGridModel::flags(const QModelIndex &index) const {
     if (editable)
         f |= Qt::ItemIsEditable;
     return f;
-}
-
-bool CashGridModel::setData(const QModelIndex &index, const QVariant &value, int role) {
-    if (role != Qt::EditRole || !index.isValid() || !(flags(index) & Qt::ItemIsEditable) || !m_onEdit)
-        return false;
-    return m_onEdit(index.row(), index.column(), value.toString());
 }
 
 void CashGridModel::setRows(std::vector<qint64> ids, std::vector<CashAmounts> amounts, int category) {
@@ -174,60 +177,47 @@ int CashGridModel::rowOf(const QString &id) const {
     return it == m_ids.end() ? -1 : static_cast<int>(it - m_ids.begin());
 }
 
-QString checkCell(const CheckLine &l, int column) {
+namespace {
+
+// The member of a receipt line that a column of GridCheki shows; null for the marker.
+QString CheckLine::*checkMember(int column) {
     switch (column) {
     case ChecksCol::Date:
-        return l.date;
+        return &CheckLine::date;
     case ChecksCol::Name:
-        return l.name;
+        return &CheckLine::name;
     case ChecksCol::Unit:
-        return l.edizm;
+        return &CheckLine::edizm;
     case ChecksCol::Quantity:
-        return l.kolvo;
+        return &CheckLine::kolvo;
     case ChecksCol::Price:
-        return l.price;
+        return &CheckLine::price;
     case ChecksCol::Sum:
-        return l.sum;
+        return &CheckLine::sum;
     case ChecksCol::Id:
-        return l.id;
+        return &CheckLine::id;
     default:
-        return {};
+        return nullptr;
     }
+}
+
+} // namespace
+
+QString checkCell(const CheckLine &l, int column) {
+    QString CheckLine::*member = checkMember(column);
+    return member ? l.*member : QString();
 }
 
 void setCheckCell(CheckLine *l, int column, const QString &text) {
-    switch (column) {
-    case ChecksCol::Date:
-        l->date = text;
-        break;
-    case ChecksCol::Name:
-        l->name = text;
-        break;
-    case ChecksCol::Unit:
-        l->edizm = text;
-        break;
-    case ChecksCol::Quantity:
-        l->kolvo = text;
-        break;
-    case ChecksCol::Price:
-        l->price = text;
-        break;
-    case ChecksCol::Sum:
-        l->sum = text;
-        break;
-    default:
-        break;
-    }
+    // The key is the book's, never typed.
+    if (QString CheckLine::*member = checkMember(column); member && column != ChecksCol::Id)
+        l->*member = text;
 }
 
-ChecksModel::ChecksModel(QObject *parent) : QAbstractTableModel(parent) {}
+ChecksModel::ChecksModel(QObject *parent) : CashTableModel(ChecksCol::titles(), parent) {}
 
 int ChecksModel::rowCount(const QModelIndex &parent) const {
     return parent.isValid() ? 0 : static_cast<int>(m_lines.size());
-}
-
-int ChecksModel::columnCount(const QModelIndex &parent) const {
-    return parent.isValid() ? 0 : ChecksCol::Count;
 }
 
 QVariant ChecksModel::data(const QModelIndex &index, int role) const {
@@ -241,25 +231,11 @@ QVariant ChecksModel::data(const QModelIndex &index, int role) const {
     return checkCell(m_lines[static_cast<size_t>(index.row())], index.column());
 }
 
-QVariant ChecksModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (role != Qt::DisplayRole)
-        return {};
-    if (orientation == Qt::Horizontal)
-        return ChecksCol::titles().value(section);
-    return section + 1;
-}
-
 Qt::ItemFlags ChecksModel::flags(const QModelIndex &index) const {
     Qt::ItemFlags f = QAbstractTableModel::flags(index);
     if (index.column() >= ChecksCol::Date && index.column() <= ChecksCol::Sum)
         f |= Qt::ItemIsEditable;
     return f;
-}
-
-bool ChecksModel::setData(const QModelIndex &index, const QVariant &value, int role) {
-    if (role != Qt::EditRole || !index.isValid() || !(flags(index) & Qt::ItemIsEditable) || !m_onEdit)
-        return false;
-    return m_onEdit(index.row(), index.column(), value.toString());
 }
 
 void ChecksModel::setLines(std::vector<CheckLine> lines) {

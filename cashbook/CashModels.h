@@ -11,12 +11,29 @@
 #include <memory>
 #include <vector>
 
-// GridRashod over any number of records: it holds every listed record's key and amounts (what the
-// totals count) and reads the rest of a record, a block of rows at a time, when the grid first shows it.
-class CashGridModel : public QAbstractTableModel {
+// A grid of text cells whose edited cells go to an edit handler.
+class CashTableModel : public QAbstractTableModel {
     Q_OBJECT
 public:
     using EditHandler = std::function<bool(int row, int column, const QString &text)>;
+
+    CashTableModel(QStringList titles, QObject *parent);
+
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    bool setData(const QModelIndex &index, const QVariant &value, int role) override;
+    void setEditHandler(EditHandler handler) { m_onEdit = std::move(handler); }
+
+private:
+    QStringList m_titles;
+    EditHandler m_onEdit;
+};
+
+// GridRashod over any number of records: it holds every listed record's key and amounts (what the
+// totals count) and reads the rest of a record, a block of rows at a time, when the grid first shows it.
+class CashGridModel : public CashTableModel {
+    Q_OBJECT
+public:
     // Reads the records of the keys (CashStore::entries).
     using Loader = std::function<bool(const std::vector<qint64> &ids, std::vector<CashEntry> *entries)>;
 
@@ -24,13 +41,9 @@ public:
     ~CashGridModel() override;
 
     int rowCount(const QModelIndex &parent = {}) const override;
-    int columnCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
-    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
-    bool setData(const QModelIndex &index, const QVariant &value, int role) override;
 
-    void setEditHandler(EditHandler handler) { m_onEdit = std::move(handler); }
     void setLoader(Loader loader) { m_load = std::move(loader); }
 
     // The listed records (keys and amounts), with a category chosen only its amount kept and editable.
@@ -54,26 +67,19 @@ private:
     std::vector<qint64> m_ids; // 0 for a row not written yet
     std::vector<CashAmounts> m_amounts;
     mutable std::vector<std::unique_ptr<CashEntry>> m_entries;
-    EditHandler m_onEdit;
     Loader m_load;
     int m_category = 0;
 };
 
-class ChecksModel : public QAbstractTableModel {
+class ChecksModel : public CashTableModel {
     Q_OBJECT
 public:
-    using EditHandler = std::function<bool(int row, int column, const QString &text)>;
-
     explicit ChecksModel(QObject *parent = nullptr);
 
     int rowCount(const QModelIndex &parent = {}) const override;
-    int columnCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
-    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
-    bool setData(const QModelIndex &index, const QVariant &value, int role) override;
 
-    void setEditHandler(EditHandler handler) { m_onEdit = std::move(handler); }
     const std::vector<CheckLine> &lines() const { return m_lines; }
     const CheckLine &line(int i) const { return m_lines.at(static_cast<size_t>(i)); }
     void setLines(std::vector<CheckLine> lines);
@@ -83,7 +89,6 @@ public:
 
 private:
     std::vector<CheckLine> m_lines;
-    EditHandler m_onEdit;
 };
 
 // The text of a receipt line's column.

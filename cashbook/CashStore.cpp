@@ -21,6 +21,20 @@ bool failed(const QSqlQuery &q, QString *error) {
     return false;
 }
 
+// Inserts one row; *id gets its key.
+bool insertRow(QSqlDatabase db, const QString &table, const QStringList &columns, const QVariantList &values,
+               QString *id, QString *error) {
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("INSERT INTO %1 (%2) values(%3)")
+                  .arg(table, columns.join(QStringLiteral(", ")), RecordIo::placeholders(columns.size())));
+    for (const QVariant &v : values)
+        q.addBindValue(v);
+    if (!q.exec())
+        return failed(q, error);
+    *id = q.lastInsertId().toString();
+    return true;
+}
+
 const QStringList kLineColumns = {"name", "edizm", "date", "kolvo", "price", "sum", "val"};
 
 QVariantList lineValues(const CheckLine &l) {
@@ -198,16 +212,10 @@ bool update(QSqlDatabase book, const CashEntry &e, const QString &field, const Q
 }
 
 bool insert(QSqlDatabase book, CashEntry *e, QString *error) {
-    QSqlQuery q(book);
-    q.prepare(QStringLiteral("INSERT INTO Cash (%1) values(%2)")
-                  .arg(CashEntry::columns().join(QStringLiteral(", ")),
-                       RecordIo::placeholders(CashEntry::columns().size())));
+    QVariantList values;
     for (const QString &v : e->values())
-        q.addBindValue(v);
-    if (!q.exec())
-        return failed(q, error);
-    e->id = q.lastInsertId().toString();
-    return true;
+        values << v;
+    return insertRow(book, QStringLiteral("Cash"), CashEntry::columns(), values, &e->id, error);
 }
 
 bool remove(QSqlDatabase book, const QString &id, QString *error) {
@@ -257,15 +265,7 @@ bool linesOf(QSqlDatabase book, const QStringList &keys, std::vector<CheckLine> 
 }
 
 bool insertLine(QSqlDatabase book, CheckLine *line, QString *error) {
-    QSqlQuery q(book);
-    q.prepare(QStringLiteral("INSERT INTO checks (%1) values(%2)")
-                  .arg(kLineColumns.join(QStringLiteral(", ")), RecordIo::placeholders(kLineColumns.size())));
-    for (const QVariant &v : lineValues(*line))
-        q.addBindValue(v);
-    if (!q.exec())
-        return failed(q, error);
-    line->id = q.lastInsertId().toString();
-    return true;
+    return insertRow(book, QStringLiteral("checks"), kLineColumns, lineValues(*line), &line->id, error);
 }
 
 bool updateLine(QSqlDatabase book, const CheckLine &line, QString *error) {

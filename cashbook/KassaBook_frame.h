@@ -153,6 +153,8 @@ private:
     void DateEndChange();
     void applyPeriod();
     void moveMonth(int delta);
+    // Tells the outcomes both directions share (no connection, no server); false for the others.
+    bool exchangeRefused(MobileExchange::Outcome outcome, const QString &detail);
     void fetched(MobileExchange::Outcome outcome, const QString &detail);
     void uploaded(MobileExchange::Outcome outcome, const QString &detail);
     void output(Output kind);

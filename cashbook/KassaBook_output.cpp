@@ -6,6 +6,7 @@
 #include "CashReport.h"
 #include "office/FCustomPreview_frame.h"
 #include "office/OfficeEngine.h"
+#include "office/OfficeJobWindow.h"
 #include "office/OfficeService.h"
 #include "ui/Dialogs.h"
 
@@ -13,8 +14,6 @@
 #include <QCheckBox>
 #include <QCoreApplication>
 #include <QDir>
-#include <QFutureWatcher>
-#include <QProgressDialog>
 #include <QStringListModel>
 #include <QToolButton>
 
@@ -86,51 +85,36 @@ void TKassaBook::output(Output kind) {
     }
 
     m_outputBusy = true;
-    auto *progress =
-        new QProgressDialog(QStringLiteral("Подготовка кассовой книги…"), QString(), 0, 100, this);
-    progress->setWindowTitle(QStringLiteral("Вывод документа"));
-    progress->setWindowModality(Qt::WindowModal);
-    progress->setMinimumDuration(300);
-    progress->setAutoClose(false);
-    progress->setValue(0);
-    auto *watcher = new QFutureWatcher<OfficeService::Result>(this);
-    connect(watcher, &QFutureWatcher<OfficeService::Result>::progressValueChanged, progress,
-            &QProgressDialog::setValue);
     const QString shown = outputs.first().path;
-    connect(watcher, &QFutureWatcher<OfficeService::Result>::finished, this,
-            [this, watcher, progress, kind, shown, base] {
-                const OfficeService::Result r = watcher->result();
-                watcher->deleteLater();
-                progress->close();
-                progress->deleteLater();
-                m_outputBusy = false;
-                if (!r.ok) {
-                    dialogs().tell(QStringLiteral("Ошибка"), r.error, Dialogs::Icon::Error);
+    OfficeJobWindow::run(
+        this, m_ctx.office(), QStringLiteral("Вывод документа"), QStringLiteral("Подготовка кассовой книги…"),
+        [report, outputs, scratch](OfficeEngine &engine, QString *error,
+                                   const std::function<void(int)> &advance) {
+            return CashReportOutput::produce(engine, report, outputs, scratch, error, advance);
+        },
+        [this, kind, shown, base](const OfficeService::Result &r) {
+            m_outputBusy = false;
+            if (!r.ok) {
+                dialogs().tell(QStringLiteral("Ошибка"), r.error, Dialogs::Icon::Error);
+                emit outputFinished(false, QString());
+                return;
+            }
+            if (kind == Output::Print && m_ctx.preview) {
+                QString problem;
+                if (!m_ctx.preview->showDocument(shown, base, {}, &problem)) {
+                    dialogs().tell(QStringLiteral("Ошибка"), problem, Dialogs::Icon::Error);
                     emit outputFinished(false, QString());
                     return;
                 }
-                if (kind == Output::Print && m_ctx.preview) {
-                    QString problem;
-                    if (!m_ctx.preview->showDocument(shown, base, {}, &problem)) {
-                        dialogs().tell(QStringLiteral("Ошибка"), problem, Dialogs::Icon::Error);
-                        emit outputFinished(false, QString());
-                        return;
-                    }
-                    m_ctx.preview->setSaveFolder(m_ctx.dataFolder);
-                    m_ctx.preview->show();
-                    m_ctx.preview->raise();
-                    m_ctx.preview->spdPrintClick();
-                } else if (m_ctx.status) {
-                    m_ctx.status(
-                        QStringLiteral("Документ сохранён: %1").arg(QDir::toNativeSeparators(shown)));
-                }
-                emit outputFinished(true, shown);
-            });
-    watcher->setFuture(
-        m_ctx.office().run([report, outputs, scratch](OfficeEngine &engine, QString *error,
-                                                      const std::function<void(int)> &advance) {
-            return CashReportOutput::produce(engine, report, outputs, scratch, error, advance);
-        }));
+                m_ctx.preview->setSaveFolder(m_ctx.dataFolder);
+                m_ctx.preview->show();
+                m_ctx.preview->raise();
+                m_ctx.preview->spdPrintClick();
+            } else if (m_ctx.status) {
+                m_ctx.status(QStringLiteral("Документ сохранён: %1").arg(QDir::toNativeSeparators(shown)));
+            }
+            emit outputFinished(true, shown);
+        });
 }
 
 // ----- The mobile companion
@@ -163,64 +147,59 @@ void TKassaBook::NPostAndroidClick() {
     m_ctx.exchange->upload(m_book.book(), scratch);
 }
 
-void TKassaBook::fetched(MobileExchange::Outcome outcome, const QString &detail) {
-    ToolAndroid->setEnabled(true);
+bool TKassaBook::exchangeRefused(MobileExchange::Outcome outcome, const QString &detail) {
     switch (outcome) {
-    case MobileExchange::Outcome::Done: {
-        const MobileMerge::Result merged = m_book.mergeMobile(m_book.mobilePath());
-        if (!merged.ok) {
-            dialogs().tell(QStringLiteral("Ошибка"), merged.error, Dialogs::Icon::Error);
-            break;
-        }
-        m_customers->setStringList({});
-        m_objects->setStringList({});
-        enter();
-        if (m_ctx.status)
-            m_ctx.status(
-                QStringLiteral("Из мобильной кассы добавлено записей: %1, изменено: %2, строк чеков: %3")
-                    .arg(merged.appended)
-                    .arg(merged.updated)
-                    .arg(merged.lines));
-        dialogs().tell(QStringLiteral("Касса загружена"), QStringLiteral("Сделано"),
-                       Dialogs::Icon::Information);
-        break;
-    }
     case MobileExchange::Outcome::NoConnection:
         dialogs().tell(kWarning, QStringLiteral("Отсутствует подключение к интернету"),
                        Dialogs::Icon::Warning);
-        break;
-    case MobileExchange::Outcome::Missing:
-        dialogs().tell(kWarning, QStringLiteral("Отсутствует база кассы на сервере"), Dialogs::Icon::Warning);
-        break;
-    default:
+        return true;
+    case MobileExchange::Outcome::NoServer:
         dialogs().tell(kWarning, detail, Dialogs::Icon::Warning);
-        break;
+        return true;
+    default:
+        return false;
+    }
+}
+
+void TKassaBook::fetched(MobileExchange::Outcome outcome, const QString &detail) {
+    ToolAndroid->setEnabled(true);
+    if (outcome == MobileExchange::Outcome::Done) {
+        const MobileMerge::Result merged = m_book.mergeMobile(m_book.mobilePath());
+        if (merged.ok) {
+            m_customers->setStringList({});
+            m_objects->setStringList({});
+            enter();
+            if (m_ctx.status)
+                m_ctx.status(
+                    QStringLiteral("Из мобильной кассы добавлено записей: %1, изменено: %2, строк чеков: %3")
+                        .arg(merged.appended)
+                        .arg(merged.updated)
+                        .arg(merged.lines));
+            dialogs().tell(QStringLiteral("Касса загружена"), QStringLiteral("Сделано"),
+                           Dialogs::Icon::Information);
+        } else {
+            dialogs().tell(QStringLiteral("Ошибка"), merged.error, Dialogs::Icon::Error);
+        }
+    } else if (!exchangeRefused(outcome, detail)) {
+        dialogs().tell(kWarning,
+                       outcome == MobileExchange::Outcome::Missing
+                           ? QStringLiteral("Отсутствует база кассы на сервере")
+                           : detail,
+                       Dialogs::Icon::Warning);
     }
     emit exchangeFinished();
 }
 
 void TKassaBook::uploaded(MobileExchange::Outcome outcome, const QString &detail) {
     ToolAndroid->setEnabled(true);
-    switch (outcome) {
-    case MobileExchange::Outcome::Done:
+    if (outcome == MobileExchange::Outcome::Done)
         dialogs().tell(QStringLiteral("База загружена на сервер"), QStringLiteral("Готово"),
                        Dialogs::Icon::Information);
-        break;
-    case MobileExchange::Outcome::NoConnection:
-        dialogs().tell(kWarning, QStringLiteral("Отсутствует подключение к интернету"),
-                       Dialogs::Icon::Warning);
-        break;
-    case MobileExchange::Outcome::NoServer:
-        dialogs().tell(kWarning, detail, Dialogs::Icon::Warning);
-        break;
-    case MobileExchange::Outcome::Refused:
-        dialogs().tell(QStringLiteral("Проблема с сервером"), QStringLiteral("Касса не загружена"),
+    else if (!exchangeRefused(outcome, detail))
+        dialogs().tell(QStringLiteral("Проблема с сервером"),
+                       outcome == MobileExchange::Outcome::Refused
+                           ? QStringLiteral("Касса не загружена")
+                           : QStringLiteral("Касса не загружена: ") + detail,
                        Dialogs::Icon::Error);
-        break;
-    default:
-        dialogs().tell(QStringLiteral("Проблема с сервером"), QStringLiteral("Касса не загружена: ") + detail,
-                       Dialogs::Icon::Error);
-        break;
-    }
     emit exchangeFinished();
 }

@@ -2,11 +2,11 @@
 
 #include "CashRecord.h"
 #include "CashStore.h"
+#include "FileConnection.h"
 #include "customers/Records.h"
 #include "storage/SqliteSnapshot.h"
 #include "storage/Transaction.h"
 
-#include <QAtomicInt>
 #include <QDir>
 #include <QHash>
 #include <QSqlError>
@@ -17,37 +17,6 @@
 namespace MobileMerge {
 
 namespace {
-
-// The mobile file, read-only and untrusted: no functions from its schema, every cell checked.
-class MobileConnection {
-public:
-    explicit MobileConnection(const QString &path) {
-        static QAtomicInt count;
-        m_name = QStringLiteral("cashbook-mobile-%1").arg(count.fetchAndAddRelaxed(1));
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
-        db.setDatabaseName(path);
-        db.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
-        if (!db.open()) {
-            m_error = db.lastError().text();
-            return;
-        }
-        QSqlQuery q(db);
-        q.exec(QStringLiteral("PRAGMA trusted_schema=OFF"));
-        q.exec(QStringLiteral("PRAGMA cell_size_check=ON"));
-    }
-    ~MobileConnection() {
-        QSqlDatabase::database(m_name, false).close();
-        QSqlDatabase::removeDatabase(m_name);
-    }
-    MobileConnection(const MobileConnection &) = delete;
-    MobileConnection &operator=(const MobileConnection &) = delete;
-    QSqlDatabase db() const { return QSqlDatabase::database(m_name, false); }
-    QString error() const { return m_error; }
-
-private:
-    QString m_name;
-    QString m_error;
-};
 
 bool readEntries(QSqlDatabase db, std::vector<CashEntry> *out, QString *error) {
     QSqlQuery q(db);
@@ -91,7 +60,7 @@ Result merge(QSqlDatabase book, const QString &mobilePath) {
     const QString damaged = SqliteSnapshot::check(mobilePath);
     if (!damaged.isEmpty())
         return fail(damaged);
-    MobileConnection mobile(mobilePath);
+    FileConnection mobile(mobilePath, FileConnection::Mode::Foreign);
     if (!mobile.error().isEmpty())
         return fail(mobile.error());
     std::vector<CashEntry> incoming;

@@ -1,16 +1,23 @@
 // The printed book through the real office engine: the PDF (preview, print, "Экспорт в PDF") and the
 // spreadsheet ("Экспорт в Excel") of the filtered records with their receipt lines, the title naming
-// the customer, object and period, the totals row and the summary. The PDF's first page is kept as a
-// picture.
+// the customer, object and period, the totals row and the summary; and both made from the page of the
+// main window. The PDF's first page is kept as a picture.
 
 #include "CashTestBook.h"
+#include "MainWindowFixture.h"
 #include "cashbook/CashColumns.h"
 #include "cashbook/CashReport.h"
+#include "cashbook/CashbookPart.h"
+#include "cashbook/KassaBook_frame.h"
 #include "office/OfficeEngine.h"
 
+#include <QAction>
+#include <QCheckBox>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
+#include <QSignalSpy>
 #include <memory>
 #include <unistd.h>
 
@@ -96,4 +103,50 @@ TEST_F(CashOutputTest, PdfAndSpreadsheetOfTheFilteredBook) {
     EXPECT_TRUE(grid.value(row + 1).value(1).contains("150")) << grid.value(row + 1).join('|').toStdString();
     EXPECT_TRUE(grid.value(row + 3).value(1).contains("Цемент М500"));
     ASSERT_TRUE(SheetText::findCell(grid, "Итого", true, &row, &column));
+}
+
+namespace {
+
+class CashOutputWindow : public MainWindowFixture {};
+
+} // namespace
+
+TEST_F(CashOutputWindow, ExportFromThePage) {
+    QString why;
+    if (!OfficeEngine::available(&why))
+        GTEST_SKIP() << why.toStdString();
+    CustomerRegister reg(*module);
+    ASSERT_EQ(reg.addCustomer("Иванов"), RegisterStatus::Ok);
+    ASSERT_EQ(reg.addObject("Иванов", "Дача"), RegisterStatus::Ok);
+    child<QAction>(window.get(), "MKassaBook")->trigger();
+    auto *page = child<TKassaBook>(window.get(), "KassaBook");
+    ASSERT_NE(page, nullptr);
+    page->ListBox1Click("Иванов");
+    page->ListBox2Click("Дача");
+    CashBook &book = *window->part<CashbookPart>()->book();
+    CashBook::Outcome o;
+    const int row = book.addRecord(QDate(2024, 6, 3), &o);
+    ASSERT_TRUE(book.editCell(row, kMaterial, "4500"));
+    book.showReceipts(row);
+    ASSERT_EQ(book.addLine(&o), 0);
+    ASSERT_TRUE(book.editLine(0, ChecksCol::Name, "Грунтовка"));
+    page->CheckBoxCheki->setChecked(true);
+
+    QSignalSpy finished(page, &TKassaBook::outputFinished);
+    const QString pdf = folder.file("Касса Иванов.pdf");
+    dialogs->queueFile(pdf);
+    page->ToolPDF->trigger();
+    ASSERT_TRUE(finished.wait(120000));
+    ASSERT_TRUE(finished.at(0).at(0).toBool()) << dialogs->lastText().toStdString();
+    const QString text = pdfText(pdf);
+    EXPECT_TRUE(text.contains("Заказчик: Иванов")) << text.toStdString();
+    EXPECT_TRUE(text.contains("Грунтовка"));
+    EXPECT_TRUE(text.contains("4 500,00"));
+
+    const QString xlsx = folder.file("Касса Иванов.xlsx");
+    dialogs->queueFile(xlsx);
+    page->ToolExcel->trigger();
+    ASSERT_TRUE(finished.wait(120000));
+    EXPECT_TRUE(finished.at(1).at(0).toBool()) << dialogs->lastText().toStdString();
+    EXPECT_GT(QFileInfo(xlsx).size(), 1000);
 }
