@@ -124,9 +124,17 @@ void CashbookPart::MKassaBookClick() {
         m_page = new TKassaBook(c, pages);
         m_page->setSoldMaterialsView(m_soldMaterials);
         pages->addTab(m_page, QStringLiteral("Касса"));
+        // Every entry into the page reads the lists and the records again (another copy of the program
+        // may have written the book meanwhile).
+        connect(pages, &QTabWidget::currentChanged, m_page, [this, pages] {
+            if (pages->currentWidget() == m_page)
+                m_page->enter();
+        });
     }
-    pages->setCurrentWidget(m_page);
-    m_page->enter();
+    if (pages->currentWidget() == m_page)
+        m_page->enter();
+    else
+        pages->setCurrentWidget(m_page);
 }
 
 void CashbookPart::setSoldMaterialsView(std::function<void()> show) {

@@ -1,6 +1,7 @@
 #include "KassaBook_frame.h"
 
 #include "CashColumns.h"
+#include "storage/TextValues.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -16,9 +17,11 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QShortcut>
 #include <QSplitter>
 #include <QStandardItemModel>
 #include <QStringListModel>
+#include <QStyledItemDelegate>
 #include <QStyle>
 #include <QTabWidget>
 #include <QTableView>
@@ -58,6 +61,32 @@ QTableView *grid(QWidget *parent, const QString &name, QAbstractItemModel *model
     g->verticalHeader()->setDefaultSectionSize(g->fontMetrics().height() + 8);
     g->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     return g;
+}
+
+// A date cell edited with a calendar; the text written back is the short date.
+class DateCellDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &, const QModelIndex &) const override {
+        auto *editor = new QDateEdit(parent);
+        editor->setCalendarPopup(true);
+        editor->setDisplayFormat(QStringLiteral("dd.MM.yyyy"));
+        return editor;
+    }
+    void setEditorData(QWidget *editor, const QModelIndex &index) const override {
+        const QDate d = CashRecordIo::readDate(index.data(Qt::EditRole).toString());
+        static_cast<QDateEdit *>(editor)->setDate(d.isValid() ? d : QDate::currentDate());
+    }
+    void setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const override {
+        model->setData(index, TextValues::shortDate(static_cast<QDateEdit *>(editor)->date()), Qt::EditRole);
+    }
+};
+
+// A key of the page: active while the focus is anywhere in it, never elsewhere in the main window.
+void pageKey(QWidget *page, const QKeySequence &key, const std::function<void()> &handler) {
+    auto *shortcut = new QShortcut(key, page);
+    shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+    QObject::connect(shortcut, &QShortcut::activated, page, handler);
 }
 
 } // namespace
@@ -237,10 +266,10 @@ QWidget *TKassaBook::buildRecordButtons() {
     rows->setContentsMargins(0, 0, 0, 0);
     btnAddRecord = button(box, QStringLiteral("btnAddRecord"), QStringLiteral("Добавить запись"),
                           QStringLiteral("Добавить запись (Insert)"));
-    btnAddRecord->setShortcut(QKeySequence(Qt::Key_Insert));
+
     btnDeleteRecord = button(box, QStringLiteral("btnDeleteRecord"), QStringLiteral("Удалить запись"),
                              QStringLiteral("Удалить запись (Ctrl+Delete)"));
-    btnDeleteRecord->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Delete));
+
     btnFirstRecord = button(box, QStringLiteral("btnFirstRecord"), QStringLiteral("Первая запись"));
     btnLastRecord = button(box, QStringLiteral("btnLastRecord"), QStringLiteral("Последняя запись"));
     DateEdit = datePicker(box, QStringLiteral("DateEdit"));
@@ -346,6 +375,10 @@ QWidget *TKassaBook::buildChekiPage() {
 }
 
 void TKassaBook::connectAll() {
+    GridRashod->setItemDelegateForColumn(CashCol::Date, new DateCellDelegate(GridRashod));
+    GridCheki->setItemDelegateForColumn(ChecksCol::Date, new DateCellDelegate(GridCheki));
+    pageKey(this, QKeySequence(Qt::Key_Insert), [this] { btnAddRecordClick(); });
+    pageKey(this, QKeySequence(Qt::CTRL | Qt::Key_Delete), [this] { btnDeleteRecordClick(); });
     connect(ToolTresh, &QAction::triggered, this, &TKassaBook::ToolTreshClick);
     connect(ToolOpen, &QAction::triggered, this, &TKassaBook::ToolOpenClick);
     connect(ToolSave, &QAction::triggered, this, &TKassaBook::ToolSaveClick);

@@ -164,6 +164,14 @@ TEST_F(CashWindow, RecordsFilteredByMonthAndCategoryWithTheirTotals) {
     QTest::mouseClick(page->btnDeleteRecord, Qt::LeftButton);
     EXPECT_EQ(rows(), 3);
     EXPECT_EQ(bookRows("SELECT count(*) FROM cash"), QStringList{"3"});
+
+    // Insert in the page adds a record (here refused: the filters were cleared with the customer).
+    QApplication::setActiveWindow(window.get());
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    page->GridRashod->setFocus();
+    dialogs->clear();
+    QTest::keyClick(page->GridRashod, Qt::Key_Insert);
+    EXPECT_EQ(dialogs->lastText(), "Выберите заказчика и объект");
 }
 
 TEST_F(CashWindow, ReceiptsAndPurchaseThroughThePage) {
