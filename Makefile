@@ -1,8 +1,11 @@
-# Quick start: `make run` opens the program on a fresh sample data folder; `make test` runs every test.
+# Quick start: `make run` opens the program on a fresh sample data folder; `make test` runs every test;
+# `make sanitize` runs every test built with the address and undefined-behaviour sanitizers.
 BUILD ?= build
 JOBS ?= 2
 
-.PHONY: all deps configure build run test bench clean format
+SANITIZE_BUILD ?= build-sanitize
+
+.PHONY: all deps configure build run test bench sanitize clean format
 
 all: build
 
@@ -23,6 +26,13 @@ test: build
 
 bench: build
 	@scripts/run-bench.sh $(BUILD)
+
+# The whole suite built with AddressSanitizer and UndefinedBehaviorSanitizer, in a build folder of its own.
+sanitize: deps
+	@cmake -S . -B $(SANITIZE_BUILD) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVIRN_SANITIZE=ON \
+		-DVIRN_BENCH=OFF -DCMAKE_CXX_FLAGS_RELWITHDEBINFO="-O1 -g" >/dev/null
+	@cmake --build $(SANITIZE_BUILD) -j $(JOBS)
+	@scripts/run-tests.sh $(SANITIZE_BUILD)
 
 format:
 	@git ls-files '*.cpp' '*.h' | xargs clang-format -i

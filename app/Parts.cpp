@@ -8,16 +8,18 @@
 #include "cashbook/CashbookPart.h"
 #include "customers/CustomersPart.h"
 #include "documents/ActsPart.h"
-#include "documents/InvoicePart.h"
 #include "documents/ContractPart.h"
+#include "documents/InvoicePart.h"
+#include "documents/RegisterPart.h"
 #include "estimate/DocumentFilePart.h"
 #include "estimate/EditorPart.h"
 #include "estimate/HeaderPart.h"
 #include "estimate/OutputPart.h"
 #include "materials/MaterialsPart.h"
+#include "materials/WarehousePart.h"
 #include "pricebase/PricePart.h"
-#include "server/ServerPart.h"
 #include "pricebase/ResourcesPart.h"
+#include "server/ServerPart.h"
 
 std::vector<ShellPart *> makeShellParts(QObject *owner) {
     return {
@@ -34,6 +36,8 @@ std::vector<ShellPart *> makeShellParts(QObject *owner) {
         new ActsPart(owner),         // the act data, acts КС-2, КС-3 and the plain act
         new InvoicePart(owner),      // the payment invoice
         new MaterialsPart(owner),    // materials lists: picking, attaching to rates, spreadsheets
+        new WarehousePart(owner),    // the warehouse, taking from it, the report of sold materials
         new ContractPart(owner),     // the contract made from the estimate
+        new RegisterPart(owner),     // the register of documents "Мои документы"
     };
 }

@@ -221,9 +221,12 @@ void TForm1::FormShow() {
         DataFolder::storeFolder(m_dataFolder);
     applySettings();
 
+    // The document takes this program's own working copy; what crashed programs left is offered below.
+    m_document->attach(m_module, m_settings.get(), m_settingsStore.get());
+    if (!m_document->workingCopyError().isEmpty())
+        dialogs().tell(Captions::error, m_document->workingCopyError(), Dialogs::Icon::Error);
     // The working database is created and completed with its tables on first use.
     m_module->database(Db::Smeta);
-    m_document->attach(m_module, m_settings.get(), m_settingsStore.get());
     connect(m_document, &EstimateDocument::loaded, this, [this] {
         for (ShellPart *part : m_parts)
             part->documentLoaded();
@@ -232,6 +235,8 @@ void TForm1::FormShow() {
         part->start();
 
     DocumentFilePart *file = filePart();
+    if (m_document->workingCopy() && file->offerRecovery(*m_document->workingCopy()))
+        return; // the recovered changes are the document now
     if (!m_startupDocument.isEmpty())
         file->OpenMyFile(m_startupDocument);
     else if (m_settings->flag(QStringLiteral("CheckBoxLoadLastDoc")))

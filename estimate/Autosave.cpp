@@ -1,5 +1,6 @@
 #include "Autosave.h"
 
+#include "DocumentChecksum.h"
 #include "storage/SqliteSnapshot.h"
 
 #include <QDir>
@@ -98,8 +99,10 @@ bool Autosave::startCopy(const QString &sourcePath, const QString &name) {
     m_result = std::make_shared<QString>();
     auto result = m_result;
     const QString target = m_target;
-    m_worker = QThread::create(
-        [sourcePath, target, result] { *result = SqliteSnapshot::copyFile(sourcePath, target); });
+    m_worker = QThread::create([sourcePath, target, result] {
+        // A copy is a document file like any other: it carries the sums of its content.
+        *result = SqliteSnapshot::copyFile(sourcePath, target, &DocumentChecksum::write);
+    });
     connect(m_worker, &QThread::finished, this, &Autosave::finishCopy);
     m_worker->start();
     return true;
@@ -125,6 +128,15 @@ void Autosave::waitForCopy() {
 
 void Autosave::cleanup() {
     removeOldCopies(m_folder, QDateTime::currentDateTime(), m_keepDays, m_maxCopies);
+}
+
+QString Autosave::keep(const QString &copy, const QString &document, const QString &folder) {
+    QDir().mkpath(folder);
+    const QString id =
+        QStringLiteral("Восстановление ") +
+        (document.isEmpty() ? QStringLiteral("Новый документ") : QFileInfo(document).completeBaseName());
+    const QString target = QDir(folder).filePath(AutosaveName::fileName(QFileInfo(copy).lastModified(), id));
+    return SqliteSnapshot::copyFile(copy, target, &DocumentChecksum::write);
 }
 
 QStringList Autosave::removeOldCopies(const QString &folder, const QDateTime &now, int keepDays,

@@ -55,6 +55,10 @@ public:
     // Blocks until a running copy has finished (closing the program, tests).
     void waitForCopy();
 
+    // Keeps `copy` (a working copy a crashed program left, not recovered) in `folder` as an autosave
+    // copy of `document`. Empty string on success, else the reason.
+    static QString keep(const QString &copy, const QString &document, const QString &folder);
+
     // Removes copies (*.sim) older than keepDays and all but the newest maxCopies. Returns the removed
     // paths.
     static QStringList removeOldCopies(const QString &folder, const QDateTime &now, int keepDays,

@@ -9,8 +9,7 @@ CrewGrid::CrewGrid(QObject *parent) : CrewGridRows(parent) {
 
 CrewRow CrewGrid::emptyRow() const {
     CrewRow r;
-    for (int c = 0; c < CrewCol::Count; ++c)
-        r.cells << QString();
+    r.cells = QStringList(CrewCol::Count); // exactly the columns: a grid holds a hundred thousand rows
     return r;
 }
 

@@ -11,7 +11,7 @@ QWidget *CanEditDelegate::createEditor(QWidget *parent, const QStyleOptionViewIt
                                        const QModelIndex &index) const {
     if (m_rule && !m_rule(EstimateGrid::toGridRow(index.row()), index.column()))
         return nullptr;
-    return QStyledItemDelegate::createEditor(parent, option, index);
+    return ShortTextDelegate::createEditor(parent, option, index);
 }
 
 KeepShortcuts::KeepShortcuts(QWidget *view, QList<QKeySequence> keys)

@@ -2,21 +2,21 @@
 // Helpers of the estimate grid's view: the editing rights asked before every edit
 // (StringGridDocCanEditCell), and moving rows by dragging them by the "№" column.
 
+#include "ui/ShortTextDelegate.h"
+
 #include <QKeySequence>
 #include <QList>
 #include <QObject>
-#include <QStyledItemDelegate>
 #include <functional>
 
 class QTableView;
 
-// Creates no editor where the rule says the cell is not to be edited.
-class CanEditDelegate : public QStyledItemDelegate {
+// Creates no editor where the rule says the cell is not to be edited (and shows long texts short).
+class CanEditDelegate : public ShortTextDelegate {
     Q_OBJECT
 public:
     using Rule = std::function<bool(int gridRow, int col)>;
-    CanEditDelegate(Rule rule, QObject *parent = nullptr)
-        : QStyledItemDelegate(parent), m_rule(std::move(rule)) {}
+    CanEditDelegate(Rule rule, QObject *parent = nullptr) : ShortTextDelegate(parent), m_rule(std::move(rule)) {}
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const override;
 

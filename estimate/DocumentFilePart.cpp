@@ -7,11 +7,13 @@
 #include "customers/CustomerFolder.h"
 #include "storage/MainSettings.h"
 #include "storage/ModuleSQL.h"
+#include "storage/WorkingCopy.h"
 #include "ui/Dialogs.h"
 
 #include <QAction>
 #include <QDir>
 #include <QFileInfo>
+#include <QLocale>
 #include <QMainWindow>
 #include <QMenu>
 #include <QStyle>
@@ -31,6 +33,10 @@ QString shown(const QString &path) {
 bool askLock(const QString &warning) {
     return dialogs().ask(Captions::warning, warning, Dialogs::Buttons::YesNo, Dialogs::Icon::Warning) ==
            Dialogs::Answer::Yes;
+}
+
+QString readOnlyText(const QString &path) {
+    return QStringLiteral("Файл «%1» доступен только для чтения.").arg(shown(path));
 }
 
 } // namespace
@@ -165,7 +171,21 @@ void DocumentFilePart::spdOpenDdaftClick() {
 bool DocumentFilePart::spdSaveClick() {
     if (m_doc->fileName().isEmpty())
         return spdSaveKakClick();
-    const EstimateDocument::Result r = m_doc->save();
+    EstimateDocument::Result r = m_doc->save();
+    if (r.readOnly) {
+        const Dialogs::Answer a = dialogs().ask(
+            Captions::warning,
+            readOnlyText(m_doc->fileName()) +
+                QStringLiteral(
+                    "\n\nЗаменить его новой версией?\n«Да» — заменить файл, «Нет» — сохранить под другим "
+                    "именем («Сохранить как»), «Отмена» — не сохранять."),
+            Dialogs::Buttons::YesNoCancel, Dialogs::Icon::Warning);
+        if (a == Dialogs::Answer::Cancel)
+            return false;
+        if (a == Dialogs::Answer::No)
+            return spdSaveKakClick();
+        r = m_doc->save(true);
+    }
     if (!r) {
         dialogs().tell(Captions::error, r.error, Dialogs::Icon::Error);
         return false;
@@ -192,7 +212,12 @@ bool DocumentFilePart::spdSaveKakClick() {
                                          DocumentFile::kExtension);
     if (f.isEmpty())
         return false;
-    const EstimateDocument::Result r = m_doc->saveAs(f, askLock);
+    EstimateDocument::Result r = m_doc->saveAs(f, askLock);
+    if (r.readOnly && dialogs().ask(Captions::warning, readOnlyText(f) + QStringLiteral("\n\nЗаменить его?"),
+                                    Dialogs::Buttons::YesNo, Dialogs::Icon::Warning) == Dialogs::Answer::Yes)
+        r = m_doc->saveAs(f, askLock, true);
+    if (r.readOnly)
+        return false;
     if (!r) {
         if (!r.cancelled)
             dialogs().tell(Captions::error, r.error, Dialogs::Icon::Error);
@@ -246,4 +271,41 @@ bool DocumentFilePart::OpenLastDoc() {
         return false;
     const QString last = items.first()->data().toString();
     return QFileInfo::exists(last) && OpenMyFile(last);
+}
+
+bool DocumentFilePart::offerRecovery(WorkingCopy &copy) {
+    bool recovered = false;
+    for (const WorkingCopy::Leftover &l : copy.leftovers()) {
+        if (!recovered) {
+            const QString what = l.document.isEmpty()
+                                     ? QStringLiteral("нового несохранённого документа")
+                                     : QStringLiteral("документа «%1»").arg(shown(l.document));
+            const QString text =
+                QStringLiteral(
+                    "Программа в прошлый раз завершилась, не сохранив изменения %1 (последняя запись %2).\n\n"
+                    "Восстановить их? «Нет» — копия останется в папке автосохранения.")
+                    .arg(what,
+                         QLocale(QLocale::Russian).toString(l.written, QStringLiteral("dd.MM.yyyy HH:mm")));
+            if (dialogs().ask(QStringLiteral("Восстановление"), text, Dialogs::Buttons::YesNo,
+                              Dialogs::Icon::Question) == Dialogs::Answer::Yes) {
+                const EstimateDocument::Result r = m_doc->recover(l.file, l.document, askLock);
+                if (r) {
+                    recovered = true;
+                    copy.removeLeftover(l);
+                    tellWarning(r.warning);
+                    continue;
+                }
+                if (!r.cancelled)
+                    dialogs().tell(Captions::error, r.error, Dialogs::Icon::Error);
+            }
+        }
+        // Declined, or another copy was taken: this one is kept where old versions are looked for.
+        const QString kept =
+            Autosave::keep(l.file, l.document, DocumentFile::autosaveFolder(m_shell->dataFolder()));
+        if (kept.isEmpty())
+            copy.removeLeftover(l);
+        else
+            dialogs().tell(Captions::error, kept, Dialogs::Icon::Error);
+    }
+    return recovered;
 }

@@ -8,6 +8,7 @@
 class EstimateDocument;
 class QAction;
 class QMenu;
+class WorkingCopy;
 
 class DocumentFilePart : public ShellPart {
     Q_OBJECT
@@ -34,6 +35,9 @@ public:
     bool OpenLastDoc();
     // "Сохранить файл?" when the document changed. False when the user cancelled or the save failed.
     bool askSaveChanges();
+    // At start: the copies that crashed programs left, offered one by one (newest first) until one is
+    // recovered; the others are kept among the autosave copies. True when one became the document.
+    bool offerRecovery(WorkingCopy &copy);
 
 private:
     void tellWarning(const QString &text);

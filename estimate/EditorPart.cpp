@@ -145,6 +145,7 @@ void EditorPart::buildPages() {
     connect(brig, &TBrigPanel::changedByUser, m_doc, [this] { m_doc->setChanged(true); });
     pages->addTab(m_crewPage, QStringLiteral("Для бригады"));
     m_crewView->setModel(&m_doc->crew());
+    m_crewView->setItemDelegate(new ShortTextDelegate(m_crewView));
     m_crewView->verticalHeader()->setVisible(false);
     m_crewView->verticalHeader()->setDefaultSectionSize(21);
     m_crewView->setColumnHidden(CrewCol::IdRas, true);

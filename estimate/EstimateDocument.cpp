@@ -18,6 +18,7 @@
 #include "storage/MainSettings.h"
 #include "storage/ModuleSQL.h"
 #include "storage/TextValues.h"
+#include "storage/WorkingCopy.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -92,17 +93,32 @@ EstimateDocument::EstimateDocument(QObject *parent)
 EstimateDocument::~EstimateDocument() {
     // The editor listens to the grids: it goes first.
     m_editor.reset();
+    // A normal end: the working copy is given up, its note with it.
+    m_workingCopy.reset();
 }
 
 void EstimateDocument::attach(TModuleSQL *module, MainSettings *settings, SettingsStore *store) {
     m_module = module;
     m_settings = settings;
     m_store = store;
+    m_workingCopy.reset();
+    m_workingCopyError.clear();
     if (m_module) {
+        auto copy = std::make_unique<WorkingCopy>(m_module->dataFolder());
+        if (copy->claim(&m_workingCopyError)) {
+            copy->applyTo(*m_module);
+            m_workingCopy = std::move(copy);
+            noteWorkingCopy();
+        }
         m_autosave->setFolder(DocumentFile::autosaveFolder(m_module->dataFolder()));
         // Old copies go soon after the start, then every half hour.
         m_autosave->TimerDelAutosaveTimer->start(60 * 1000);
     }
+}
+
+void EstimateDocument::noteWorkingCopy() {
+    if (m_workingCopy)
+        m_workingCopy->note(m_fileName, m_changed);
 }
 
 QString EstimateDocument::dataFolder() const {
@@ -138,6 +154,7 @@ void EstimateDocument::setChanged(bool changed) {
     if (m_changed == changed)
         return;
     m_changed = changed;
+    noteWorkingCopy();
     emit changedStateChanged(changed);
 }
 
@@ -267,6 +284,7 @@ void EstimateDocument::applyCrewDefaults() {
 
 void EstimateDocument::setFile(const QString &path) {
     m_fileName = path;
+    noteWorkingCopy();
     emit fileNameChanged(path);
 }
 
@@ -323,37 +341,61 @@ bool EstimateDocument::takeLock(const QString &path, const LockQuestion &questio
 }
 
 EstimateDocument::Result EstimateDocument::open(const QString &fileName, const LockQuestion &lockQuestion) {
-    Result r;
     const QString path = QFileInfo(fileName).absoluteFilePath();
+    Result r = load(path, path, lockQuestion);
+    if (r)
+        addWarning(&r, touchRecent());
+    return r;
+}
+
+EstimateDocument::Result EstimateDocument::recover(const QString &copy, const QString &document,
+                                                   const LockQuestion &lockQuestion) {
+    Result r =
+        load(copy, document.isEmpty() ? QString() : QFileInfo(document).absoluteFilePath(), lockQuestion);
+    if (r) {
+        setChanged(true);
+        if (option(QStringLiteral("CheckBoxAutosave")))
+            m_autosave->arm();
+    }
+    return r;
+}
+
+// Reads the document file `source` into the working database and the grids, as the document `file`
+// (its lock, draft state, name; empty for a document never saved).
+EstimateDocument::Result EstimateDocument::load(const QString &source, const QString &file,
+                                                const LockQuestion &lockQuestion) {
+    Result r;
     if (!m_module) {
         r.error = QStringLiteral("Нет папки данных для открытия документа.");
         return r;
     }
-    if (!QFileInfo::exists(path)) {
-        r.error = QStringLiteral("Файл «%1» не найден.").arg(shown(path));
+    if (r.error = DocumentFile::notAFile(source); !r.error.isEmpty())
         return r;
-    }
     std::shared_ptr<DocumentLock> lock;
-    if (!takeLock(path, lockQuestion, &lock, &r))
+    if (!file.isEmpty() && !takeLock(file, lockQuestion, &lock, &r))
         return r;
 
     // A copy in progress reads the working database that is about to be replaced.
     m_autosave->disarm();
     m_autosave->waitForCopy();
-    r.error = DocumentFile::open(*m_module, path);
+    QString opened;
+    r.error = DocumentFile::open(*m_module, source, &opened);
     if (!r.error.isEmpty()) {
         if (m_changed && option(QStringLiteral("CheckBoxAutosave")))
             m_autosave->arm();
         return r;
     }
+    addWarning(&r, opened);
 
     QScopedValueRollback<int> loading(m_loading, m_loading + 1);
     QSqlDatabase db = m_module->database(Db::Smeta);
     m_draft = Registration::draftAfterOpen(
-        Registration::note(db), DocumentFile::isInside(path, DocumentFile::draftsFolder(dataFolder())));
+        Registration::note(db),
+        !file.isEmpty() && DocumentFile::isInside(file, DocumentFile::draftsFolder(dataFolder())));
     QString readError;
     if (!EstimateStore::readSmeta(db, *m_grid, *m_crew, &readError))
-        r.warning = QStringLiteral("Не удалось прочитать документ «%1»: %2").arg(shown(path), readError);
+        addWarning(&r,
+                   QStringLiteral("Не удалось прочитать документ «%1»: %2").arg(shown(source), readError));
 
     EstimateHeader::Values defaults = m_header;
     defaults.date = QDate::currentDate();
@@ -367,8 +409,7 @@ EstimateDocument::Result EstimateDocument::open(const QString &fileName, const L
     }
     m_header = EstimateHeader::fromParameters(params, defaults);
     m_lock = lock;
-    afterLoad(path);
-    addWarning(&r, touchRecent());
+    afterLoad(file);
     r.ok = true;
     return r;
 }
@@ -393,10 +434,17 @@ bool EstimateDocument::writeWorkingDatabase(QString *error, QString *warning) {
     return true;
 }
 
-EstimateDocument::Result EstimateDocument::save() {
+EstimateDocument::Result EstimateDocument::save(bool overReadOnly) {
     Result r;
     if (m_fileName.isEmpty()) {
         r.error = QStringLiteral("У документа ещё нет имени файла: выберите «Сохранить как».");
+        return r;
+    }
+    if (!overReadOnly && DocumentFile::isReadOnly(m_fileName)) {
+        // Saving replaces the file as a whole, which its folder allows: the file's own protection is
+        // asked about first, as other editors do.
+        r.readOnly = true;
+        r.error = QStringLiteral("Файл «%1» доступен только для чтения.").arg(shown(m_fileName));
         return r;
     }
     m_autosave->disarm();
@@ -453,7 +501,8 @@ EstimateDocument::Result EstimateDocument::save() {
     return r;
 }
 
-EstimateDocument::Result EstimateDocument::saveAs(const QString &fileName, const LockQuestion &lockQuestion) {
+EstimateDocument::Result EstimateDocument::saveAs(const QString &fileName, const LockQuestion &lockQuestion,
+                                                  bool overReadOnly) {
     Result r;
     QString path = fileName;
     if (QFileInfo(path).suffix().isEmpty())
@@ -464,7 +513,7 @@ EstimateDocument::Result EstimateDocument::saveAs(const QString &fileName, const
         return r;
     const QString previous = m_fileName;
     m_fileName = path;
-    r = save();
+    r = save(overReadOnly);
     if (!r.ok) {
         m_fileName = previous;
         return r;

@@ -24,6 +24,7 @@ class EstimateGrid;
 class MainSettings;
 class SettingsStore;
 class TModuleSQL;
+class WorkingCopy;
 struct EstimatePrint;
 
 class EstimateDocument : public QObject {
@@ -34,6 +35,7 @@ public:
     struct Result {
         bool ok = false;
         bool cancelled = false; // the user declined (a document another program holds)
+        bool readOnly = false;  // not saved: the file is read-only and replacing it was not allowed
         QString error;
         QString warning; // done, but something beside it failed (e.g. the register)
         explicit operator bool() const { return ok; }
@@ -47,9 +49,17 @@ public:
 
     // The data module, the program's settings and the data folder; until then the document only holds
     // its grids. The settings give the autosave interval, the crew defaults, the legal-data options.
+    // The document takes a working copy of its own in the data folder (storage/WorkingCopy.h) and
+    // points the module's working connections at it: a second program on the same folder works on
+    // another copy. The copy is told which document it holds and whether that has changes, so that a
+    // crash leaves them for recovery.
     void attach(TModuleSQL *module, MainSettings *settings, SettingsStore *store);
     TModuleSQL *module() const { return m_module; }
     QString dataFolder() const;
+    // The working copy held (null when none could be: workingCopyError() says why, and the module
+    // works on the folder's first copy).
+    WorkingCopy *workingCopy() const { return m_workingCopy.get(); }
+    QString workingCopyError() const { return m_workingCopyError; }
 
     EstimateGrid &grid() { return *m_grid; }
     const EstimateGrid &grid() const { return *m_grid; }
@@ -99,9 +109,13 @@ public:
     Result newDocument(bool draft = false);
     // OpenMyFile: a ".sim" or ".sme" file replaces the document.
     Result open(const QString &path, const LockQuestion &lockQuestion = {});
-    // Saves to fileName() (a new document has none: use saveAs).
-    Result save();
-    Result saveAs(const QString &path, const LockQuestion &lockQuestion = {});
+    // The working copy a crashed program left (`copy`) replaces the document, as the unsaved changes
+    // of `document` (empty: a document never saved).
+    Result recover(const QString &copy, const QString &document, const LockQuestion &lockQuestion = {});
+    // Saves to fileName() (a new document has none: use saveAs). A file the user may not write is
+    // replaced only with overReadOnly; otherwise the result is readOnly and nothing is written.
+    Result save(bool overReadOnly = false);
+    Result saveAs(const QString &path, const LockQuestion &lockQuestion = {}, bool overReadOnly = false);
     // The grids and the parameters into the working database (false with *error), then the copies of
     // the parties (their failure is only a *warning).
     bool writeWorkingDatabase(QString *error, QString *warning = nullptr);
@@ -133,6 +147,8 @@ signals:
 private:
     void edit();
     void afterLoad(const QString &path);
+    Result load(const QString &source, const QString &file, const LockQuestion &lockQuestion);
+    void noteWorkingCopy();
     bool takeLock(const QString &path, const LockQuestion &question, std::shared_ptr<DocumentLock> *lock,
                   Result *result);
     void setFile(const QString &path);
@@ -146,6 +162,8 @@ private:
     std::unique_ptr<CrewGrid> m_crew;
     std::unique_ptr<EstimateEditor> m_editor;
     Autosave *m_autosave = nullptr;
+    std::unique_ptr<WorkingCopy> m_workingCopy;
+    QString m_workingCopyError;
     std::shared_ptr<DocumentLock> m_lock;
     EstimateHeader::Values m_header;
     QString m_fileName;

@@ -1,5 +1,6 @@
 #include "EstimateExport.h"
 
+#include "estimate/DocumentFile.h"
 #include "estimate/EstimateDocument.h"
 #include "estimate/EstimateOutput.h"
 #include "office/OfficeEngine.h"
@@ -15,9 +16,14 @@
 
 namespace EstimateExport {
 
-bool load(const QString &documentPath, EstimatePrint *print, QString *error) {
-    if (!QFileInfo(documentPath).isFile()) {
+bool load(const QString &documentPath, EstimatePrint *print, QString *error, QString *warning) {
+    if (!QFileInfo::exists(documentPath) && !QFileInfo(documentPath).isSymLink()) {
         *error = QStringLiteral("Отсутствует файл ") + QDir::toNativeSeparators(documentPath);
+        return false;
+    }
+    // A folder, a pipe or a device is told as what it is (and a pipe is never opened).
+    if (const QString what = DocumentFile::notAFile(documentPath); !what.isEmpty()) {
+        *error = what;
         return false;
     }
     QTemporaryDir work;
@@ -39,6 +45,8 @@ bool load(const QString &documentPath, EstimatePrint *print, QString *error) {
             *error = r.error;
             return false;
         }
+        if (warning)
+            *warning = r.warning;
         *print = document.print();
     }
     module.closeAll();
@@ -54,7 +62,8 @@ bool exportFile(const QString &documentPath, const QString &outPath, const QStri
         return false;
     }
     EstimatePrint print;
-    if (!load(documentPath, &print, error))
+    QString opened;
+    if (!load(documentPath, &print, error, &opened))
         return false;
     QString templatesError;
     OfficeTemplates::ensureDefaults(dataFolder, &templatesError);
@@ -72,7 +81,7 @@ bool exportFile(const QString &documentPath, const QString &outPath, const QStri
         engine = own.get();
     }
     if (warning)
-        *warning = EstimateOutput::leftOutWarning(print);
+        *warning = QStringList({opened, EstimateOutput::leftOutWarning(print)}).join(u'\n').trimmed();
     return EstimateOutput::produce(*engine, dataFolder, print, titles, {{outPath, format}}, error);
 }
 

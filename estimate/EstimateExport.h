@@ -11,8 +11,9 @@ namespace EstimateExport {
 
 // Reads the document the way the program opens one (checked, brought to today's layout) into a
 // private working folder, and takes its estimate as the main window would show it. The document file
-// and the data folder are not touched. False with a Russian message.
-bool load(const QString &documentPath, EstimatePrint *print, QString *error);
+// and the data folder are not touched. False with a Russian message; *warning (may be null) gets what
+// opening the document reported (content not as saved, cells cut, a journal beside it).
+bool load(const QString &documentPath, EstimatePrint *print, QString *error, QString *warning = nullptr);
 
 // Renders the document's estimate into outPath (".pdf" or ".xls", by its extension) with the template
 // of its title from <dataFolder>/Sh (default templates are put there first when missing). engine: the

@@ -39,8 +39,7 @@ EstimateGrid::EstimateGrid(QObject *parent) : EstimateGridRows(parent) {
 
 EstimateGrid::Row EstimateGrid::emptyRow() const {
     Row r;
-    for (int c = 0; c < EstimateCol::Count; ++c)
-        r.cells << QString();
+    r.cells = QStringList(EstimateCol::Count); // exactly the columns: a grid holds a hundred thousand rows
     return r;
 }
 
@@ -101,9 +100,14 @@ void EstimateGrid::setAllRows(std::vector<QStringList> rows) {
     m_rows.clear();
     m_rows.reserve(rows.size());
     for (QStringList &cells : rows) {
-        Row r = emptyRow();
-        for (int c = 0; c < EstimateCol::Count && c < cells.size(); ++c)
-            r.cells[c] = std::move(cells[c]);
+        Row r;
+        if (cells.size() == EstimateCol::Count) {
+            r.cells = std::move(cells); // the row as it comes, not a copy beside it
+        } else {
+            r = emptyRow();
+            for (int c = 0; c < EstimateCol::Count && c < cells.size(); ++c)
+                r.cells[c] = std::move(cells[c]);
+        }
         m_rows.push_back(std::move(r));
     }
     if (m_rows.empty())

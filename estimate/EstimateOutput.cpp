@@ -325,17 +325,29 @@ QString leftOutWarning(const EstimatePrint &print) {
            print.leftOut.join(u'\n');
 }
 
+int timeBudgetMs(const EstimatePrint &print) {
+    // Two minutes for the engine's start and the template, and a little per row (an estimate of
+    // 100 000 rows gets about 9 minutes).
+    constexpr int kBaseMs = 120000;
+    constexpr int kPerRowMs = 4;
+    const qint64 rows = print.rows.size() + print.materialRows.size() + print.koefLines.size();
+    return static_cast<int>(qMin<qint64>(kBaseMs + kPerRowMs * rows, 60ll * 60 * 1000));
+}
+
 bool produce(OfficeEngine &engine, const QString &dataFolder, const EstimatePrint &print,
              const ViewTitles &titles, const QVector<TemplateFile::Output> &outputs, QString *error,
-             const SheetTemplate::Progress &progress) {
+             const SheetTemplate::Progress &progress, std::shared_ptr<const std::atomic<bool>> cancel) {
     if (!print.refusal.isEmpty()) {
         if (error)
             *error = print.refusal;
         return false;
     }
     const Sheet sheet = sheetFor(print.title, titles);
-    return SheetTemplate::fill(engine, OfficeTemplates::path(dataFolder, sheet.templateFile),
-                               sheetData(print, sheet, titles), outputs, error, progress);
+    engine.setBudget(timeBudgetMs(print), std::move(cancel));
+    const bool ok = SheetTemplate::fill(engine, OfficeTemplates::path(dataFolder, sheet.templateFile),
+                                        sheetData(print, sheet, titles), outputs, error, progress);
+    engine.clearBudget();
+    return ok;
 }
 
 QString outputBaseName(const QString &documentPath, const QString &documentTitle) {

@@ -9,6 +9,8 @@
 #include "office/TemplateFile.h"
 
 #include <QString>
+#include <atomic>
+#include <memory>
 
 class OfficeEngine;
 
@@ -56,11 +58,16 @@ void putStatement(SheetData &data, const Statement &statement);
 // empty when there are none.
 QString leftOutWarning(const EstimatePrint &print);
 
+// The time a whole document may take in the engine: a few minutes, more for a long estimate.
+int timeBudgetMs(const EstimatePrint &print);
+
 // Fills the sheet's template from <dataFolder>/Sh and saves the outputs (".xls", ".pdf"). A print whose
-// totals were refused is not produced (error says why).
+// totals were refused is not produced (error says why). The whole document has the time of
+// timeBudgetMs; `cancel` (may be null), set from another thread, stops it.
 bool produce(OfficeEngine &engine, const QString &dataFolder, const EstimatePrint &print,
              const ViewTitles &titles, const QVector<TemplateFile::Output> &outputs, QString *error,
-             const SheetTemplate::Progress &progress = {});
+             const SheetTemplate::Progress &progress = {},
+             std::shared_ptr<const std::atomic<bool>> cancel = {});
 
 // The name outputs take: the document's file name without its extension ("Смета Иванов.sim" gives
 // "Смета Иванов", as the companion ".xls" of the document is named), else the document title.

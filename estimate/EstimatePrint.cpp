@@ -50,6 +50,7 @@ QString lineName(const KoefLine &line) {
 void fillBody(EstimatePrint &print, const EstimateEditor &editor, QSqlDatabase db) {
     const EstimateGrid &grid = *editor.grid();
     print.rows.clear();
+    print.rows.reserve(grid.gridRowCount()); // a hundred thousand rows, not twice the room for them
     print.leftOut.clear();
     for (int r = EstimateGrid::kFixedRows; r < grid.gridRowCount(); ++r) {
         if (editor.isGrandTotalRow(r))

@@ -36,15 +36,18 @@ QString field(const QSqlQuery &q, const QSqlRecord &rec, const char *name) {
 bool readSmeta(QSqlDatabase db, EstimateGrid &grid, CrewGrid &crew, QString *error) {
     QSqlQuery q(db);
     q.setForwardOnly(true);
+    std::vector<QStringList> rows;
+    std::vector<QStringList> crewRows;
+    // As many rows as there are, not twice that: an estimate may have a hundred thousand.
+    if (q.exec(QStringLiteral("SELECT count(*) FROM smeta")) && q.next()) {
+        rows.reserve(q.value(0).toULongLong());
+        crewRows.reserve(rows.capacity());
+    }
     if (!q.exec(QStringLiteral("SELECT * FROM smeta WHERE 1")))
         return fail(q, error);
     const QSqlRecord rec = q.record();
-    std::vector<QStringList> rows;
-    std::vector<QStringList> crewRows;
     while (q.next()) {
-        QStringList cells;
-        for (int c = 0; c < EstimateCol::Count; ++c)
-            cells << QString();
+        QStringList cells(EstimateCol::Count);
         cells[EstimateCol::Num] = field(q, rec, "numpos");
         cells[EstimateCol::Ras] = field(q, rec, "edras");
         cells[EstimateCol::Name] = field(q, rec, "nameras");
@@ -72,16 +75,16 @@ bool readSmeta(QSqlDatabase db, EstimateGrid &grid, CrewGrid &crew, QString *err
                 (totalValue - Money::parse(mat).valueOr(Money()) - Money::parse(machine).valueOr(Money()))
                     .text();
         cells[EstimateCol::Itogo] = cells[EstimateCol::Sum];
-        rows.push_back(cells);
+        rows.push_back(std::move(cells));
 
-        QStringList crewCells;
-        for (int c = 0; c < CrewCol::Count; ++c)
-            crewCells << QString();
+        QStringList crewCells(CrewCol::Count);
         crewCells[CrewCol::Koef] = field(q, rec, "KoefBrig");
-        crewRows.push_back(crewCells);
+        crewRows.push_back(std::move(crewCells));
     }
-    grid.setAllRows(std::move(rows));
+    // The crew rows first: the estimate's reset rebuilds the crew sheet on them, instead of on the
+    // previous document's rows that are then thrown away (a second copy of every row at the peak).
     crew.setAllRows(std::move(crewRows));
+    grid.setAllRows(std::move(rows));
 
     // The act data: a document without it, or an older one with fewer fields, gets the defaults (the
     // estimate loads without them when they cannot be written; the act data window writes them again).

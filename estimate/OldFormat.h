@@ -5,24 +5,24 @@
 //     column of today's `smeta` may be missing;
 //   - any of today's other tables (materials, koef, parametrs, shema, Object, Customer, Requisite,
 //     RequisiteZak, ks2, Account, financial, cash, mydoc, work, Afiles) may be missing, and a present
-//     one may lack columns;
-//   - tables and columns that today's layout does not know are kept as they are.
-// Version-6 ".sme" files and version-7 ".sim" files are read this way. A document's file holds only
-// tables: views and triggers that a file brings along are dropped, so opening a file cannot run
-// anything it carries.
+//     one may lack columns; the table cashstorage of earlier versions is left behind.
+// Version-6 ".sme" files and version-7 ".sim" files are read this way. Only a file's rows are taken:
+// the working database is made new by the program's own upgrade steps and the rows are copied into
+// it, so nothing of the file's own table definitions (defaults, checks, collations, indexes) is ever
+// used.
 
+#include <QSqlDatabase>
 #include <QString>
 #include <QStringList>
 
 namespace OldFormat {
 
-// Brings the database at `path` (a private copy, opened read-write on its own connection) to today's
-// layout, all in one transaction: views and triggers are dropped, the working database's upgrade
-// steps above the file's version run (they add the missing tables and columns), and a document
-// without coefficient lines gets the default lines. A file whose version says it has been through a
-// step but that lacks what the step makes is refused. Empty string on success, else the reason in
-// Russian (a file without a `smeta` table is not a document).
-QString upgrade(const QString &path);
+// Copies the rows of the document attached as `schema` on `db` (a working database just made at
+// today's version, all tables empty) into db's tables, in one transaction: for each table of today's
+// layout that the document has, the columns both have, in record order; cells longer than
+// `maxCellChars` are cut to it. A document without coefficient lines gets the default lines. Empty
+// string on success, else the reason in Russian.
+QString rebuild(QSqlDatabase db, const QString &schema, int maxCellChars);
 
 // Today's columns of a table of the working database, in order (as its upgrade steps leave it).
 QStringList currentColumns(const QString &table);

@@ -144,8 +144,10 @@ void OutputPart::run(Kind kind) {
     }
 
     m_busy = true;
-    auto *progress = new QProgressDialog(QStringLiteral("Подготовка документа «%1»…").arg(base), QString(), 0,
-                                         100, m_shell->window());
+    // A long estimate takes minutes in the engine: the user sees how far it is and may stop it.
+    auto *progress = new QProgressDialog(QStringLiteral("Подготовка документа «%1»…").arg(base),
+                                         QStringLiteral("Отменить"), 0, 100, m_shell->window());
+    progress->setObjectName(QStringLiteral("OutputProgress"));
     progress->setWindowTitle(QStringLiteral("Вывод документа"));
     progress->setWindowModality(Qt::WindowModal);
     progress->setMinimumDuration(300);
@@ -157,24 +159,32 @@ void OutputPart::run(Kind kind) {
     QStringList paths;
     for (const auto &o : outputs)
         paths << o.path;
+    auto cancel = std::make_shared<std::atomic<bool>>(false);
+    connect(progress, &QProgressDialog::canceled, this, [cancel] { cancel->store(true); });
     auto *watcher = new QFutureWatcher<OfficeService::Result>(this);
     connect(watcher, &QFutureWatcher<OfficeService::Result>::progressValueChanged, progress,
             &QProgressDialog::setValue);
     connect(watcher, &QFutureWatcher<OfficeService::Result>::finished, this,
-            [this, watcher, progress, kind, paths, base, folder, leftOut]() {
+            [this, watcher, progress, kind, paths, base, folder, leftOut, cancel]() {
                 const OfficeService::Result r = watcher->result();
                 watcher->deleteLater();
                 progress->close();
                 progress->deleteLater();
                 m_busy = false;
+                if (!r.ok && cancel->load()) {
+                    // The user stopped it: nothing to report but that.
+                    m_shell->showStatus(QStringLiteral("Вывод документа «%1» отменён.").arg(base));
+                    emit outputFinished(false, QString());
+                    return;
+                }
                 finish(kind, r.ok, r.error, paths, base, folder);
                 if (r.ok && !leftOut.isEmpty())
                     dialogs().tell(Captions::warning, leftOut, Dialogs::Icon::Warning);
             });
     watcher->setFuture(
-        office().run([dataFolder, print, titles, outputs](OfficeEngine &engine, QString *error,
-                                                          const std::function<void(int)> &report) {
-            return EstimateOutput::produce(engine, dataFolder, print, titles, outputs, error, report);
+        office().run([dataFolder, print, titles, outputs, cancel](OfficeEngine &engine, QString *error,
+                                                                  const std::function<void(int)> &report) {
+            return EstimateOutput::produce(engine, dataFolder, print, titles, outputs, error, report, cancel);
         }));
 }
 

@@ -1,9 +1,12 @@
 #include "Registration.h"
 
 #include "storage/Money.h"
+#include "storage/Schema.h"
 #include "storage/TextValues.h"
 #include "storage/Transaction.h"
 
+#include <QAtomicInt>
+#include <QDir>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
@@ -31,6 +34,55 @@ void bindEntry(QSqlQuery &q, const Entry &e) {
     q.addBindValue(money(e.allsum));
     q.addBindValue(monthText(e.date));
     q.addBindValue(yearText(e.date));
+}
+
+bool fail(QString *error, const QString &why) {
+    if (error)
+        *error = why;
+    return false;
+}
+
+bool fail(QString *error, const QSqlQuery &q) {
+    return fail(error, q.lastError().text().trimmed());
+}
+
+// Runs one statement with its values; false with the reason.
+bool run(QSqlDatabase db, const QString &sql, const QVariantList &values, QString *error,
+         int *rowsAffected = nullptr) {
+    QSqlQuery q(db);
+    q.prepare(sql);
+    for (const QVariant &v : values)
+        q.addBindValue(v);
+    if (!q.exec())
+        return fail(error, q);
+    if (rowsAffected)
+        *rowsAffected = q.numRowsAffected();
+    return true;
+}
+
+// The one mydoc row of a document file, under one transaction.
+bool writeLink(QSqlDatabase file, qlonglong id, const QString &note, QString *error) {
+    Transaction t(file);
+    if (!t.active())
+        return fail(error, t.error());
+    // A file made before documents carried the link gets the document's tables first.
+    QSqlQuery has(file);
+    if (!has.exec(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='table' AND name='mydoc'")))
+        return fail(error, has);
+    if (!has.next()) {
+        const QString why = Schema::upgrade(file, Db::Smeta);
+        if (!why.isEmpty())
+            return fail(error, why);
+    }
+    has.finish();
+    return run(file, QStringLiteral("DELETE FROM mydoc"), {}, error) &&
+           run(file, QStringLiteral("INSERT INTO mydoc (iddoc, note) values(?, ?)"), {id, note}, error) &&
+           (t.commit() || fail(error, t.error()));
+}
+
+// A register row that another copy of the program has deleted meanwhile.
+bool noRow(QString *error) {
+    return fail(error, QStringLiteral("запись не найдена: её удалили в другой копии программы"));
 }
 
 } // namespace
@@ -223,6 +275,107 @@ Link link(QSqlDatabase document) {
         l.note = q.value(QStringLiteral("note")).toString().trimmed();
     }
     return l;
+}
+
+QString tableOf(List list) {
+    return list == List::Drafts ? QStringLiteral("drafts") : QStringLiteral("documents");
+}
+
+QString noteOf(List list) {
+    return list == List::Drafts ? kDraft : kDoc;
+}
+
+bool finish(QSqlDatabase mydoc, qlonglong id, const QDate &day, QString *error) {
+    int changed = 0;
+    if (!run(mydoc, QStringLiteral("UPDATE documents SET status=?,dataend=? WHERE id=?"),
+             {1, TextValues::shortDate(day), id}, error, &changed))
+        return false;
+    return changed > 0 || noRow(error);
+}
+
+bool edit(QSqlDatabase mydoc, List list, qlonglong id, const Edit &values, QString *error) {
+    using namespace TextValues;
+    Transaction t(mydoc);
+    if (!t.active())
+        return fail(error, t.error());
+    int changed = 0;
+    if (!run(mydoc,
+             QStringLiteral("UPDATE %1 SET data=?,name=?,month=?,year=? WHERE id=?").arg(tableOf(list)),
+             {shortDate(values.date), nameToStored(values.name), monthText(values.date),
+              yearText(values.date), id},
+             error, &changed))
+        return false;
+    if (changed == 0)
+        return noRow(error);
+    if (list == List::Documents) {
+        // In work: no finish date and no status at all; the status filter looks for NULL.
+        const QVariant status = values.finished ? QVariant(1) : QVariant(QMetaType(QMetaType::Int));
+        const QString end = values.finished ? shortDate(values.finishDate) : QString(QLatin1String(""));
+        if (!run(mydoc, QStringLiteral("UPDATE documents SET dataend=?,status=? WHERE id=?"),
+                 {end, status, id}, error))
+            return false;
+    }
+    return t.commit() || fail(error, t.error());
+}
+
+bool remove(QSqlDatabase mydoc, List list, qlonglong id, QString *error) {
+    return run(mydoc, QStringLiteral("DELETE FROM %1 WHERE id=?").arg(tableOf(list)), {id}, error);
+}
+
+qlonglong transfer(QSqlDatabase mydoc, List from, qlonglong id, const QString &newFileName, QString *error) {
+    const QString source = tableOf(from);
+    const QString target = tableOf(from == List::Drafts ? List::Documents : List::Drafts);
+    Transaction t(mydoc);
+    if (!t.active()) {
+        fail(error, t.error());
+        return 0;
+    }
+    QSqlQuery q(mydoc);
+    q.prepare(QStringLiteral("INSERT INTO %1 (data, date_compare, name, filename, client, object, summat, "
+                             "sumrab, allsum, month, year) SELECT data, date_compare, name, ?, client, "
+                             "object, summat, sumrab, allsum, month, year FROM %2 WHERE id=?")
+                  .arg(target, source));
+    q.addBindValue(newFileName);
+    q.addBindValue(id);
+    if (!q.exec()) {
+        fail(error, q);
+        return 0;
+    }
+    if (q.numRowsAffected() != 1) {
+        noRow(error);
+        return 0;
+    }
+    const qlonglong newId = q.lastInsertId().toLongLong();
+    if (!run(mydoc, QStringLiteral("DELETE FROM %1 WHERE id=?").arg(source), {id}, error))
+        return 0;
+    if (!t.commit()) {
+        fail(error, t.error());
+        return 0;
+    }
+    return newId;
+}
+
+bool relinkFile(const QString &documentPath, qlonglong id, const QString &note, QString *error) {
+    static QAtomicInt counter;
+    const QString name = QStringLiteral("relink-%1").arg(counter.fetchAndAddRelaxed(1));
+    bool ok = false;
+    {
+        QSqlDatabase file = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        file.setDatabaseName(documentPath);
+        if (!file.open()) {
+            fail(error, file.lastError().text().trimmed());
+        } else {
+            // The file is a copy of a document from anywhere: nothing in its schema runs with trust.
+            QSqlQuery(file).exec(QStringLiteral("PRAGMA trusted_schema=OFF"));
+            ok = writeLink(file, id, note, error);
+            file.close();
+        }
+    }
+    QSqlDatabase::removeDatabase(name);
+    if (!ok && error)
+        *error = QStringLiteral("не удалось записать связь с реестром в файл «%1»: %2")
+                     .arg(QDir::toNativeSeparators(documentPath), *error);
+    return ok;
 }
 
 } // namespace Registration

@@ -76,4 +76,40 @@ struct Link {
 };
 Link link(QSqlDatabase document);
 
+// ----- The register window's changes. The tables documents and drafts are written only here.
+
+// The two lists of the register.
+enum class List { Documents, Drafts };
+QString tableOf(List list); // "documents" or "drafts"
+QString noteOf(List list);  // the document file's mydoc note: "doc" or "draft"
+
+// NFinish: the estimate is finished on `day` (status 1, dataend). False with the reason on failure.
+bool finish(QSqlDatabase mydoc, qlonglong id, const QDate &day, QString *error = nullptr);
+
+// What the dialog "Редактирование" changes. The finish date and status are kept for documents only;
+// an estimate in work has no finish date and a NULL status, never 0.
+struct Edit {
+    QDate date;
+    QString name; // as shown
+    bool finished = false;
+    QDate finishDate;
+};
+// NEdit / MEditDraft: date, name, month and year (date_compare stays as it was), then the finish
+// date and status of a document. One transaction.
+bool edit(QSqlDatabase mydoc, List list, qlonglong id, const Edit &values, QString *error = nullptr);
+
+// NDelete / MDelDraft: the row only; the file and its contract, invoice and acts stay.
+bool remove(QSqlDatabase mydoc, List list, qlonglong id, QString *error = nullptr);
+
+// A move between the lists: the row goes into the other list under `newFileName` (its date,
+// name, customer, object, amounts, month and year go with it) and leaves this one. Returns the new
+// row's id, 0 on failure (nothing written). A file move holds its own transaction around this
+// call and the renaming of the file.
+qlonglong transfer(QSqlDatabase mydoc, List from, qlonglong id, const QString &newFileName,
+                   QString *error = nullptr);
+
+// The link inside a document file on disk, opened on a connection of its own: its mydoc table
+// (made when the file lacks it) then holds the one row (iddoc = id, note). One transaction.
+bool relinkFile(const QString &documentPath, qlonglong id, const QString &note, QString *error = nullptr);
+
 } // namespace Registration

@@ -2,6 +2,7 @@
 
 #include "EstimateMaterials.h"
 #include "ui/Dialogs.h"
+#include "ui/ShortTextDelegate.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -20,6 +21,7 @@ TSmetaMaterials::TSmetaMaterials(EstimateMaterials *model, QWidget *parent)
     StringGridMat = new QTableView(this);
     StringGridMat->setObjectName(QStringLiteral("StringGridMat"));
     StringGridMat->setModel(model);
+    StringGridMat->setItemDelegate(new ShortTextDelegate(StringGridMat));
     StringGridMat->verticalHeader()->setVisible(false);
     StringGridMat->verticalHeader()->setDefaultSectionSize(21);
     StringGridMat->setSelectionMode(QAbstractItemView::ContiguousSelection);

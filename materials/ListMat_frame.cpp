@@ -1,9 +1,12 @@
 #include "ListMat_frame.h"
 
 #include "FilterWords.h"
+#include "GridFind.h"
 #include "MatSpreadsheet.h"
 #include "MaterialLists.h"
-#include "office/OfficeEngine.h"
+#include "OfficeJobs.h"
+#include "SkladMat_frame.h"
+#include "Warehouse.h"
 #include "office/OfficeService.h"
 #include "ui/DialogButtons.h"
 #include "ui/Dialogs.h"
@@ -13,15 +16,14 @@
 #include <QDialog>
 #include <QDir>
 #include <QFileInfo>
-#include <QFutureWatcher>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPlainTextEdit>
-#include <QProgressDialog>
 #include <QPushButton>
+#include <QStackedWidget>
 #include <QStyle>
 #include <QTabBar>
 #include <QTableView>
@@ -38,6 +40,7 @@ constexpr int kStoreTab = 3;
 TListMat::TListMat(MaterialLists &lists, QWidget *parent) : QWidget(parent), m_lists(lists) {
     setObjectName(QStringLiteral("ListMat"));
     setWindowTitle(QStringLiteral("Материалы"));
+    m_jobs = new OfficeJobs(this);
     buildActions();
     buildWidgets();
     connect(&m_lists, &MaterialLists::sheetRead, this, [this] {
@@ -118,9 +121,10 @@ void TListMat::buildWidgets() {
     for (int s = 0; s < MatListStore::kSheets; ++s)
         PageControlMat->addTab(MatListStore::sheetCaption(s));
     PageControlMat->addTab(QStringLiteral("Склад"));
-    // The warehouse is not part of this version: its tab is there but cannot be chosen.
+    // The warehouse's tab is chosen once the warehouse is there (setWarehouse).
     PageControlMat->setTabEnabled(kStoreTab, false);
-    PageControlMat->setTabToolTip(kStoreTab, QStringLiteral("Склад материалов в этой версии недоступен"));
+    PageControlMat->setTabToolTip(
+        kStoreTab, QStringLiteral("Материалы на складе: двойной щелчок берёт материал в смету"));
     connect(PageControlMat, &QTabBar::currentChanged, this, &TListMat::PageControlMatChange);
     layout->addWidget(PageControlMat);
 
@@ -138,7 +142,9 @@ void TListMat::buildWidgets() {
     ToolBarMat->addAction(ToolAddResurs);
     layout->addWidget(ToolBarMat);
 
-    auto *groups = new QHBoxLayout;
+    m_groupsRow = new QWidget(this);
+    auto *groups = new QHBoxLayout(m_groupsRow);
+    groups->setContentsMargins(0, 0, 0, 0);
     ComboBox = new QComboBox(this);
     ComboBox->setObjectName(QStringLiteral("ComboBox"));
     ComboBox->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
@@ -178,9 +184,11 @@ void TListMat::buildWidgets() {
     });
     groups->addWidget(ComboBox, 1);
     groups->addWidget(ButtonGroups);
-    layout->addLayout(groups);
+    layout->addWidget(m_groupsRow);
 
-    auto *filter = new QHBoxLayout;
+    m_filterRow = new QWidget(this);
+    auto *filter = new QHBoxLayout(m_filterRow);
+    filter->setContentsMargins(0, 0, 0, 0);
     cmbFilterRas = new QComboBox(this);
     cmbFilterRas->setObjectName(QStringLiteral("cmbFilterRas"));
     cmbFilterRas->setEditable(true);
@@ -206,7 +214,7 @@ void TListMat::buildWidgets() {
     filter->addWidget(ButtonApplyFilter);
     filter->addWidget(ButtonClearFilter);
     filter->addWidget(ButtonEditFilter);
-    layout->addLayout(filter);
+    layout->addWidget(m_filterRow);
 
     StringGridListMat = new QTableView(this);
     StringGridListMat->setObjectName(QStringLiteral("StringGridListMat"));
@@ -226,11 +234,71 @@ void TListMat::buildWidgets() {
     StringGridListMat->setColumnWidth(MatListCol::Check, 48);
     StringGridListMat->setColumnHidden(MatListCol::Id, true);
     connect(StringGridListMat, &QTableView::doubleClicked, this, &TListMat::StringGridListMatDblClick);
-    layout->addWidget(StringGridListMat, 1);
+    m_grids = new QStackedWidget(this);
+    m_grids->addWidget(StringGridListMat);
+    layout->addWidget(m_grids, 1);
 
     LabelCount = new QLabel(this);
     LabelCount->setObjectName(QStringLiteral("LabelCount"));
     layout->addWidget(LabelCount);
+}
+
+void TListMat::setOfficeProvider(std::function<OfficeService *()> provider) {
+    m_jobs->setProvider(std::move(provider));
+}
+
+void TListMat::setWarehouse(Warehouse *warehouse) {
+    if (m_warehouse || !warehouse)
+        return;
+    m_warehouse = warehouse;
+    StringGridSklad = new QTableView(this);
+    StringGridSklad->setObjectName(QStringLiteral("StringGridSklad"));
+    StringGridSklad->setModel(&warehouse->model());
+    StringGridSklad->verticalHeader()->setVisible(false);
+    StringGridSklad->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    StringGridSklad->verticalHeader()->setDefaultSectionSize(21);
+    StringGridSklad->setWordWrap(false);
+    StringGridSklad->setSelectionBehavior(QAbstractItemView::SelectRows);
+    StringGridSklad->setSelectionMode(QAbstractItemView::SingleSelection);
+    // The stock is edited in the warehouse's own window; here it is taken from.
+    StringGridSklad->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    auto fitColumns = [this] { fitStockColumns(StringGridSklad, m_warehouse->model()); };
+    fitColumns();
+    connect(&warehouse->model(), &QAbstractItemModel::modelReset, this, fitColumns);
+    connect(StringGridSklad, &QTableView::doubleClicked, this, [this](const QModelIndex &index) {
+        if (index.isValid())
+            emit stockTakeRequested(index.row());
+    });
+    auto count = [this] { showCount(); };
+    connect(&warehouse->model(), &StockModel::totalChanged, this, count);
+    connect(&warehouse->model(), &QAbstractItemModel::rowsRemoved, this, count);
+    connect(&warehouse->model(), &QAbstractItemModel::modelReset, this, count);
+    m_grids->addWidget(StringGridSklad);
+    PageControlMat->setTabEnabled(kStoreTab, true);
+}
+
+bool TListMat::onStockTab() const {
+    return m_warehouse && PageControlMat->currentIndex() == kStoreTab;
+}
+
+void TListMat::showStockTab(bool on) {
+    m_groupsRow->setVisible(!on);
+    m_filterRow->setVisible(!on);
+    for (QAction *a : {ToolCheckRow, ToolEdit, ToolImport, ToolSave, toolCalc, ToolAddResurs})
+        a->setVisible(!on);
+    if (on) {
+        for (QAction *a : {ToolDeleteList, ToolDeleteRows, ToolInsertRow, ToolAddRow})
+            a->setVisible(false);
+        m_grids->setCurrentWidget(StringGridSklad);
+        // Another program may have taken from the stock since.
+        QString error;
+        if (!m_warehouse->read(&error))
+            tell(QStringLiteral("Не удалось прочитать склад: %1").arg(error));
+    } else {
+        updateEditActions();
+        m_grids->setCurrentWidget(StringGridListMat);
+    }
+    showCount();
 }
 
 void TListMat::tell(const QString &text) {
@@ -266,6 +334,7 @@ void TListMat::ReadSqlMat() {
 }
 
 void TListMat::PageControlMatChange(int index) {
+    showStockTab(index == kStoreTab && m_warehouse);
     if (index < 0 || index >= MatListStore::kSheets)
         return;
     QString error;
@@ -274,6 +343,14 @@ void TListMat::PageControlMatChange(int index) {
 }
 
 void TListMat::showCount() {
+    if (onStockTab()) {
+        const StockModel &stock = m_warehouse->model();
+        QString text = QStringLiteral("На складе: %1").arg(stock.rowCount());
+        if (stock.belowMinimumCount() > 0)
+            text += QStringLiteral(", ниже минимального остатка: %1").arg(stock.belowMinimumCount());
+        LabelCount->setText(text);
+        return;
+    }
     const MatListModel &model = m_lists.model();
     QString text = QStringLiteral("Строк: %1").arg(model.rowCount());
     if (!m_lists.filterWord().isEmpty())
@@ -389,40 +466,24 @@ void TListMat::ToolAddRowClick() {
     goToRow(row);
 }
 
+QTableView *TListMat::activeGrid() const {
+    return onStockTab() ? StringGridSklad : StringGridListMat;
+}
+
 void TListMat::goToRow(int modelRow) {
-    if (modelRow < 0 || modelRow >= m_lists.model().rowCount())
-        return;
-    const QModelIndex cell = m_lists.model().index(modelRow, MatListCol::Name);
-    StringGridListMat->setCurrentIndex(cell);
-    StringGridListMat->scrollTo(cell, QAbstractItemView::PositionAtCenter);
+    goToGridRow(activeGrid(), modelRow);
 }
 
 void TListMat::ToolFirstClick() {
-    goToRow(0);
+    goToFirstRow(activeGrid());
 }
 
 void TListMat::ToolLastClick() {
-    goToRow(m_lists.model().rowCount() - 1);
+    goToLastRow(activeGrid());
 }
 
 void TListMat::ToolFindClick() {
-    QString text;
-    if (!dialogs().input(QStringLiteral("Поиск"), QStringLiteral("Найти материал:"), &text) ||
-        text.trimmed().isEmpty())
-        return;
-    const MatListModel &model = m_lists.model();
-    const int n = model.rowCount();
-    const int from =
-        StringGridListMat->currentIndex().isValid() ? StringGridListMat->currentIndex().row() : -1;
-    // From the row after the current one, round to the start.
-    for (int k = 1; k <= n; ++k) {
-        const int r = (from + k) % n;
-        if (model.rowAt(r)->name.contains(text.trimmed(), Qt::CaseInsensitive)) {
-            goToRow(r);
-            return;
-        }
-    }
-    dialogs().tell(Captions::info, QStringLiteral("Материал «%1» не найден").arg(text.trimmed()));
+    findInGrid(activeGrid());
 }
 
 void TListMat::rebuildGroups() {
@@ -509,50 +570,8 @@ void TListMat::ButtonEditFilterClick() {
     loadFilterWords();
 }
 
-QProgressDialog *TListMat::progressWindow(const QString &title, const QString &text) {
-    auto *progress = new QProgressDialog(text, QString(), 0, 100, window());
-    progress->setObjectName(QStringLiteral("ProgressMat"));
-    progress->setWindowTitle(title);
-    progress->setWindowModality(Qt::WindowModal);
-    progress->setMinimumDuration(300);
-    progress->setAutoClose(false);
-    progress->setValue(0);
-    return progress;
-}
-
-OfficeService *TListMat::officeReady() {
-    if (m_busy)
-        return nullptr;
-    OfficeService *office = m_office ? m_office() : nullptr;
-    QString why;
-    if (!office || !OfficeEngine::available(&why)) {
-        tell(why.isEmpty() ? OfficeEngine::missingEngineMessage() : why);
-        return nullptr;
-    }
-    return office;
-}
-
-void TListMat::runOffice(OfficeService *office, const QString &title, const QString &text,
-                         OfficeService::Job job, std::function<void(const OfficeService::Result &)> done) {
-    m_busy = true;
-    QProgressDialog *progress = progressWindow(title, text);
-    auto *watcher = new QFutureWatcher<OfficeService::Result>(this);
-    connect(watcher, &QFutureWatcher<OfficeService::Result>::progressValueChanged, progress,
-            &QProgressDialog::setValue);
-    connect(watcher, &QFutureWatcher<OfficeService::Result>::finished, this,
-            [this, watcher, progress, done = std::move(done)] {
-                const OfficeService::Result r = watcher->result();
-                watcher->deleteLater();
-                progress->close();
-                progress->deleteLater();
-                m_busy = false;
-                done(r);
-            });
-    watcher->setFuture(office->run(std::move(job)));
-}
-
 void TListMat::ToolImportClick() {
-    OfficeService *office = officeReady();
+    OfficeService *office = m_jobs->ready();
     if (!office)
         return;
     const QString title = QStringLiteral("Импорт из файлов Excel");
@@ -573,7 +592,7 @@ void TListMat::ToolImportClick() {
         return;
     auto rows = std::make_shared<std::vector<MatRow>>();
     const QString scratch = scratchFolder();
-    runOffice(
+    m_jobs->run(
         office, title, QStringLiteral("Чтение файла «%1»…").arg(file),
         [path, scratch, rows](OfficeEngine &engine, QString *error, const std::function<void(int)> &report) {
             return MatSpreadsheet::readFile(engine, path, scratch, *rows, error, report);
@@ -591,7 +610,7 @@ void TListMat::ToolImportClick() {
 }
 
 void TListMat::ToolSaveClick() {
-    OfficeService *office = officeReady();
+    OfficeService *office = m_jobs->ready();
     if (!office)
         return;
     const QString caption = MatListStore::sheetCaption(m_lists.sheet());
@@ -609,7 +628,7 @@ void TListMat::ToolSaveClick() {
     for (int r = 0; r < model.rowCount(); ++r)
         rows.push_back(*model.rowAt(r));
     const QString scratch = scratchFolder();
-    runOffice(
+    m_jobs->run(
         office, QStringLiteral("Отправить список в Excel"),
         QStringLiteral("Запись файла «%1»…").arg(QFileInfo(path).fileName()),
         [rows = std::move(rows), caption, path, scratch](OfficeEngine &engine, QString *error,

@@ -1,9 +1,10 @@
 #pragma once
 // TListMat, caption "Материалы": the materials lists. Sheets "Лист 1" to "Лист 3" over list1 to list3
-// of listmat.db and the tab "Склад" (the warehouse, not part of the program yet: shown disabled); the
-// grid StringGridListMat; the tools by their hints; the groups (ComboBox and "Группы и подгруппы
-// материалов"); the word filter cmbFilterRas. A double-click on a row, or ToolCheckRow's ticked rows,
-// asks for the materials to be put into the estimate; the main window's part does it.
+// of listmat.db and the tab "Склад" (the warehouse's stock, StringGridSklad, once the warehouse is
+// given); the grid StringGridListMat; the tools by their hints; the groups (ComboBox and "Группы и
+// подгруппы материалов"); the word filter cmbFilterRas. A double-click on a row, or ToolCheckRow's
+// ticked rows, asks for the materials to be put into the estimate; a double-click on a stock row asks
+// for it to be taken from the warehouse. The main window's parts do it.
 
 #include "MatList.h"
 #include "office/OfficeService.h"
@@ -13,11 +14,14 @@
 #include <vector>
 
 class MaterialLists;
+class Warehouse;
+class OfficeJobs;
 class QAction;
 class QComboBox;
 class QLabel;
 class QMenu;
 class QPushButton;
+class QStackedWidget;
 class QTabBar;
 class QTableView;
 class QToolBar;
@@ -30,10 +34,13 @@ public:
 
     // The data folder (filter words, scratch files) and the office engine the program shares.
     void setDataFolder(const QString &folder) { m_dataFolder = folder; }
-    void setOfficeProvider(std::function<OfficeService *()> provider) { m_office = std::move(provider); }
+    void setOfficeProvider(std::function<OfficeService *()> provider);
 
     // The first read, once the data module is there.
     void start();
+    // The tab "Склад": the warehouse's stock grid.
+    void setWarehouse(Warehouse *warehouse);
+    bool onStockTab() const;
 
     // Handlers.
     void ReadSqlMat();
@@ -81,6 +88,7 @@ public:
     QPushButton *ButtonClearFilter = nullptr;
     QPushButton *ButtonEditFilter = nullptr;
     QTableView *StringGridListMat = nullptr;
+    QTableView *StringGridSklad = nullptr;
     QLabel *LabelCount = nullptr;
 
     // The list row the attachment and the double-click take (current row of the grid), or null.
@@ -93,6 +101,8 @@ signals:
     void attachRequested(const MatRow &row);
     // toolCalc: "Пересчитать стоимость материалов".
     void recalcRequested();
+    // A double-click on row `row` of the stock grid: take the material from the warehouse.
+    void stockTakeRequested(int row);
 
 private:
     void buildActions();
@@ -104,19 +114,16 @@ private:
     void loadFilterWords();
     void showGroupRange(int titleRow);
     void goToRow(int modelRow);
+    void showStockTab(bool on);
+    QTableView *activeGrid() const;
     QString scratchFolder() const;
-    // A progress window for office work started from here.
-    class QProgressDialog *progressWindow(const QString &title, const QString &text);
-    // The program's office engine when it can take work now (the user was told why not).
-    OfficeService *officeReady();
-    // Runs an office job behind a progress window; `done` gets its result on this thread.
-    void runOffice(OfficeService *office, const QString &title, const QString &text, OfficeService::Job job,
-                   std::function<void(const OfficeService::Result &)> done);
-
     MaterialLists &m_lists;
     QString m_dataFolder;
-    std::function<OfficeService *()> m_office;
+    OfficeJobs *m_jobs = nullptr;
+    Warehouse *m_warehouse = nullptr;
+    QStackedWidget *m_grids = nullptr;
+    QWidget *m_groupsRow = nullptr;
+    QWidget *m_filterRow = nullptr;
     QStringList m_words;
     bool m_started = false;
-    bool m_busy = false;
 };

@@ -6,7 +6,7 @@
 // caller replaces the sheet once the whole file has been read.
 
 #include "MatList.h"
-#include "office/SheetText.h"
+#include "SheetFile.h"
 
 #include <QString>
 #include <functional>
@@ -16,11 +16,11 @@ class OfficeEngine;
 
 namespace MatSpreadsheet {
 
-using Progress = std::function<void(int)>; // 0..100
+using Progress = SheetFile::Progress;
 
 // Limits a file must keep before it is trusted.
-constexpr qint64 kMaxFileBytes = 50LL * 1024 * 1024; // the file itself
-constexpr qint64 kMaxTextBytes = 80LL * 1024 * 1024; // the text of its first sheet
+constexpr qint64 kMaxFileBytes = SheetFile::kMaxFileBytes;
+constexpr qint64 kMaxTextBytes = SheetFile::kMaxTextBytes;
 constexpr int kMaxRows = 200000;
 
 // Refuses by its size and its first bytes a file that cannot be an ".xls", ".xlsx" or ".ods"

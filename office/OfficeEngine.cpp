@@ -17,8 +17,9 @@ namespace {
 
 constexpr int kStartLimitMs = 90000; // a fresh profile takes a few seconds; slow disks more
 constexpr int kDefaultLimitMs = 30000;
-constexpr int kLoadLimitMs = 60000;
 constexpr int kSaveLimitMs = 120000;
+// A start and a load take about 0.5 GB of address space; a document of 100 000 rows about 1.5 GB.
+constexpr int kDefaultMemoryMb = 3072;
 
 QString envPath(const char *name) {
     return QString::fromLocal8Bit(qgetenv(name));
@@ -75,6 +76,34 @@ OfficeEngine::OfficeEngine(const QString &dataFolder) {
     }
 }
 
+int OfficeEngine::memoryLimitMb() {
+    bool ok = false;
+    const int mb = qEnvironmentVariableIntValue("VIRN_OFFICE_MEMORY_MB", &ok);
+    return ok && mb > 0 ? mb : kDefaultMemoryMb;
+}
+
+QString OfficeEngine::cutText(const QString &text) {
+    if (text.size() <= kMaxTextChars)
+        return text;
+    return text.left(kMaxTextChars - 1) + QChar(0x2026);
+}
+
+QString OfficeEngine::engineTempDir() const {
+    return QDir(m_tempDir).filePath(QStringLiteral("engine"));
+}
+
+void OfficeEngine::setBudget(int ms, std::shared_ptr<const std::atomic<bool>> cancel) {
+    m_budget = QDeadlineTimer(ms);
+    m_budgetMs = ms;
+    m_cancel = std::move(cancel);
+}
+
+void OfficeEngine::clearBudget() {
+    m_budget = QDeadlineTimer(QDeadlineTimer::Forever);
+    m_budgetMs = 0;
+    m_cancel.reset();
+}
+
 OfficeEngine::~OfficeEngine() {
     stop();
     QDir(m_tempDir).removeRecursively();
@@ -116,6 +145,7 @@ void OfficeEngine::kill() {
     m_proc->waitForFinished(5000);
     m_proc.reset();
     m_buffer.clear();
+    QDir(engineTempDir()).removeRecursively();
 }
 
 void OfficeEngine::stop() {
@@ -127,6 +157,8 @@ void OfficeEngine::stop() {
         kill();
     m_proc.reset();
     m_buffer.clear();
+    // What the engine left in its temporary folder goes with it.
+    QDir(engineTempDir()).removeRecursively();
 }
 
 bool OfficeEngine::start() {
@@ -140,7 +172,8 @@ bool OfficeEngine::start() {
     m_proc = std::make_unique<QProcess>();
     m_proc->setProgram(helperPath());
     m_proc->setArguments({QStringLiteral("--install"), installDir(), QStringLiteral("--profile"),
-                          m_profileDir, QStringLiteral("--temp"), m_tempDir});
+                          m_profileDir, QStringLiteral("--temp"), m_tempDir, QStringLiteral("--engine-temp"),
+                          engineTempDir(), QStringLiteral("--memory-mb"), QString::number(memoryLimitMb())});
     if (qEnvironmentVariableIsSet("VIRN_OFFICE_DEBUG"))
         m_proc->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     else
@@ -183,13 +216,26 @@ bool OfficeEngine::readLine(int timeoutMs, QByteArray *line) {
             return fail(QStringLiteral("Офисный модуль завершился аварийно; он будет перезапущен при "
                                        "следующей операции."));
         }
+        if (cancelled()) {
+            kill();
+            return fail(QStringLiteral("Работа офисного модуля отменена."));
+        }
+        if (m_budget.hasExpired()) {
+            kill();
+            return fail(QStringLiteral("Документ не сделан за отведённые ему %1 с: работа остановлена.")
+                            .arg((m_budgetMs + 999) / 1000));
+        }
         if (left <= 0) {
             kill();
             return fail(QStringLiteral("Офисный модуль не ответил за %1 с и перезапущен. Повторите "
                                        "операцию.")
                             .arg((timeoutMs + 999) / 1000));
         }
-        if (m_proc->waitForReadyRead(static_cast<int>(qMin<qint64>(left, 500))) || m_proc->bytesAvailable())
+        // Short waits: a cancel or the end of the budget is seen within a tenth of a second.
+        qint64 slice = qMin<qint64>(left, 100);
+        if (!m_budget.isForever())
+            slice = qMin<qint64>(slice, qMax<qint64>(1, m_budget.remainingTime()));
+        if (m_proc->waitForReadyRead(static_cast<int>(slice)) || m_proc->bytesAvailable())
             m_buffer += m_proc->readAllStandardOutput();
     }
 }
@@ -236,7 +282,7 @@ bool OfficeEngine::load(const QString &path, QString *type) {
 bool OfficeEngine::replaceAll(const QVector<QPair<QString, QString>> &pairs) {
     QJsonArray list;
     for (const auto &p : pairs)
-        list.append(QJsonArray{p.first, p.second});
+        list.append(QJsonArray{p.first, cutText(p.second)});
     return request({{QStringLiteral("op"), QStringLiteral("replaceAll")}, {QStringLiteral("pairs"), list}},
                    kDefaultLimitMs + 200 * static_cast<int>(pairs.size()));
 }
@@ -364,11 +410,11 @@ bool OfficeEngine::enter(const QVector<Input> &cells) {
                 break;
             case Input::Type::Formula:
                 c[QStringLiteral("type")] = QStringLiteral("formula");
-                c[QStringLiteral("value")] = in.text;
+                c[QStringLiteral("value")] = cutText(in.text);
                 break;
             case Input::Type::Text:
                 c[QStringLiteral("type")] = QStringLiteral("text");
-                c[QStringLiteral("value")] = in.text;
+                c[QStringLiteral("value")] = cutText(in.text);
                 break;
             }
             list.append(c);

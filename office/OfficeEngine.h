@@ -8,10 +8,12 @@
 
 #include "office/SheetText.h"
 
+#include <QDeadlineTimer>
 #include <QJsonObject>
 #include <QPair>
 #include <QString>
 #include <QVector>
+#include <atomic>
 #include <memory>
 
 class QProcess;
@@ -95,6 +97,25 @@ public:
     // Caps the time limit of every request, start included (0: each request's own limit).
     void setTimeLimit(int ms) { m_limitMs = ms; }
 
+    // A time budget for a whole piece of work (a document of many requests), and a flag that cancels
+    // it from another thread: past the budget or once cancelled, the request waiting is given up, the
+    // helper is stopped (the next request starts it again) and the request fails saying why.
+    void setBudget(int ms, std::shared_ptr<const std::atomic<bool>> cancel = {});
+    void clearBudget();
+    bool cancelled() const { return m_cancel && m_cancel->load(); }
+
+    // The time one template may take to load; past it the template counts as bad.
+    static constexpr int kLoadLimitMs = 20000;
+    // The address space the helper may take (MB): a file that makes the engine take more ends the
+    // helper instead of the machine's memory.
+    static int memoryLimitMb();
+    // The longest text entered into one cell or put in place of one placeholder; a longer one is cut
+    // (the engine takes seconds and gigabytes for a text of megabytes).
+    static constexpr int kMaxTextChars = 10000;
+    static QString cutText(const QString &text);
+    // The helper's scratch folder for the engine's own temporary files (removed when it stops).
+    QString engineTempDir() const;
+
 private:
     bool request(QJsonObject req, int timeoutMs, QJsonObject *answer = nullptr);
     bool readLine(int timeoutMs, QByteArray *line);
@@ -111,4 +132,7 @@ private:
     qint64 m_nextId = 1;
     int m_starts = 0;
     int m_limitMs = 0;
+    QDeadlineTimer m_budget = QDeadlineTimer::Forever;
+    int m_budgetMs = 0;
+    std::shared_ptr<const std::atomic<bool>> m_cancel;
 };

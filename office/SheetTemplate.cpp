@@ -140,6 +140,14 @@ bool fitFilledRows(OfficeEngine &engine, const Layout &layout, const SheetData &
     return ranges.isEmpty() || engine.fitRows(ranges);
 }
 
+// The texts entered that hold a bracket, as the cells show them: what a filled cell may hold without
+// being a field left unfilled.
+void rememberBracketed(const QVector<Input> &inputs, QSet<QString> *written) {
+    for (const Input &in : inputs)
+        if (in.type == Input::Type::Text && in.text.contains(u'['))
+            written->insert(OfficeEngine::cutText(in.text));
+}
+
 bool enterAll(OfficeEngine &engine, const QVector<Input> &inputs, QString *error, const Progress &progress,
               int fromPercent, int toPercent) {
     constexpr int kPart = 200;
@@ -229,11 +237,13 @@ Layout analyse(const Grid &grid, const SheetData &data) {
     return layout;
 }
 
-QStringList unfilled(const Grid &filled, const SheetData &data) {
+QStringList unfilled(const Grid &filled, const SheetData &data, const QSet<QString> &written) {
     const QHash<QString, int> kinds = kindLists(data);
     QStringList left;
     for (const QStringList &cells : filled) {
         for (const QString &text : cells) {
+            if (written.contains(text))
+                continue; // a value that looks like a field
             for (const QString &name : placeholders(text)) {
                 if ((kinds.contains(kindOf(name)) || data.values.contains(name)) &&
                     !left.contains(u'[' + name + u']'))
@@ -292,6 +302,8 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
             }
         }
     }
+    QSet<QString> written;
+    rememberBracketed(inputs, &written);
     if (!enterAll(engine, inputs, error, {}, 0, 0))
         return engineFailed();
     report(10);
@@ -345,6 +357,7 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
             }
             const int from = 10 + 80 * doneItems / qMax(1, totalItems);
             const int to = 10 + 80 * (doneItems + n) / qMax(1, totalItems);
+            rememberBracketed(rowInputs, &written);
             if (!enterAll(engine, rowInputs, error, progress, from, to))
                 return engineFailed();
             doneItems += n;
@@ -370,7 +383,7 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
     Grid filled;
     if (!engine.sheet(&filled))
         return engineFailed();
-    const QStringList left = unfilled(filled, data);
+    const QStringList left = unfilled(filled, data, written);
     if (!TemplateFile::finish(engine, templatePath, left, outputs, error))
         return false;
     report(100);

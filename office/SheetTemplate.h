@@ -19,6 +19,7 @@
 #include "storage/Money.h"
 
 #include <QHash>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -87,8 +88,10 @@ QVector<int> rowsToDrop(const SheetText::Grid &grid, const SheetData &data);
 Layout analyse(const SheetText::Grid &grid, const SheetData &data);
 
 // The placeholders still in a filled sheet that should have been filled: named items with data, and
-// any row-block placeholder.
-QStringList unfilled(const SheetText::Grid &filled, const SheetData &data);
+// any row-block placeholder. A cell that holds exactly a text that was entered into the sheet is a
+// value, not a field of the template, whatever it looks like ("ООО [заказчик]"): `written` gives those
+// texts (only the ones with a bracket matter).
+QStringList unfilled(const SheetText::Grid &filled, const SheetData &data, const QSet<QString> &written = {});
 
 using Progress = std::function<void(int percent)>;
 

@@ -2,6 +2,8 @@
 
 #include "office/OfficeEngine.h"
 #include "office/TemplatePackage.h"
+#include "office/TemplateStructure.h"
+#include "storage/FileKind.h"
 
 #include <QDir>
 #include <QFile>
@@ -21,8 +23,12 @@ bool startsWith(const QByteArray &head, const char *magic, int size) {
 QString check(const QString &path) {
     const QFileInfo info(path);
     const QString shown = QDir::toNativeSeparators(path);
-    if (!info.exists() || !info.isFile())
+    const FileKind::Kind kind = FileKind::of(path);
+    if (kind == FileKind::Kind::Missing)
         return QStringLiteral("Отсутствует файл ") + shown;
+    // A folder or a pipe in the template's place is told as what it is (a pipe is never opened).
+    if (kind != FileKind::Kind::File)
+        return QStringLiteral("Шаблон %1 не открывается: %2.").arg(shown, FileKind::problem(path));
     if (info.size() > kMaxBytes)
         return QStringLiteral("Файл шаблона %1 больше 50 МБ и не может быть открыт.").arg(shown);
     QFile f(path);
@@ -46,6 +52,16 @@ QString check(const QString &path) {
             .arg(shown);
     if (startsWith(head, "PK\x03\x04", 4))
         return TemplatePackage::check(path); // what the zip package holds, before the engine unpacks it
+    // An old Office file or RTF: its structure is checked before the engine, which trusts it, takes it.
+    QString why;
+    if (ext == QLatin1String("xls") || ext == QLatin1String("doc"))
+        why = TemplateStructure::checkCompound(path, ext == QLatin1String("xls"));
+    else if (ext == QLatin1String("rtf"))
+        why = TemplateStructure::checkRtf(path);
+    if (!why.isEmpty())
+        return QStringLiteral(
+                   "Шаблон %1 повреждён или опасен для открытия: %2. Шаблон не открыт; замените его.")
+            .arg(shown, why);
     return {};
 }
 
@@ -103,7 +119,10 @@ bool open(OfficeEngine &engine, const QString &path, const QString &type, QStrin
         return false;
     QString loaded;
     if (!engine.load(path, &loaded)) {
-        *error = engine.error();
+        // The engine did not take the file within its time (it was stopped and starts again at the next
+        // request), or refused it: the user learns which template it was.
+        *error =
+            QStringLiteral("Шаблон %1 не открылся: %2").arg(QDir::toNativeSeparators(path), engine.error());
         engine.close();
         return false;
     }

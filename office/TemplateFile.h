@@ -15,12 +15,15 @@ namespace TemplateFile {
 constexpr qint64 kMaxBytes = 50ll * 1024 * 1024;
 
 // Empty when the file can be opened as a template; else the Russian message naming it: the file is
-// missing ("Отсутствует файл " + path), larger than 50 MB, or not a word-processor, spreadsheet or
-// text file (judged by its extension and its first bytes).
+// missing ("Отсутствует файл " + path) or is not a file (a folder, a pipe), larger than 50 MB, not a
+// word-processor, spreadsheet or text file (judged by its extension and its first bytes), or unsafe for
+// the engine (a zip package past its limits, TemplatePackage; an old Office file whose structure does
+// not hold together or RTF nested without end, TemplateStructure).
 QString check(const QString &path);
 
 // Checks the template and loads it into the engine, which must see it as `type` ("spreadsheet" or
-// "text"). False with a Russian message naming the file; the engine then holds no document.
+// "text"). False with a Russian message naming the file (also when the engine did not load it within
+// its time and was stopped); the engine then holds no document.
 bool open(OfficeEngine &engine, const QString &path, const QString &type, QString *error);
 
 // Engine format for an output file name by its extension ("xls", "pdf", "docx", …); empty when the

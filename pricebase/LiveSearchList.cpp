@@ -85,10 +85,17 @@ void LiveSearchList::hideEvent(QHideEvent *event) {
 }
 
 CellEditorWatcher::CellEditorWatcher(QAbstractItemView *view, LiveSearchList *list)
-    : QObject(view), m_view(view), m_list(list) {
+    : QObject(view), m_view(view), m_viewport(view->viewport()), m_list(list) {
     // The in-place editor is a child of the viewport; it is polished when shown, before the key that
     // opened it arrives.
-    view->viewport()->installEventFilter(this);
+    m_viewport->installEventFilter(this);
+}
+
+CellEditorWatcher::~CellEditorWatcher() {
+    if (m_viewport)
+        m_viewport->removeEventFilter(this);
+    if (m_editor)
+        m_editor->removeEventFilter(this);
 }
 
 void CellEditorWatcher::editorShown(QLineEdit *edit) {
@@ -102,15 +109,17 @@ void CellEditorWatcher::editorShown(QLineEdit *edit) {
         if (edit == m_editor)
             emit textEdited(m_index, text);
     });
-    connect(edit, &QObject::destroyed, this, [this] {
+    // The editor may go while the window does: the list is then reached as the widget it still is.
+    QPointer<QWidget> list(m_list.data());
+    connect(edit, &QObject::destroyed, this, [list] {
         // The editor closed: the list goes with it unless the user went into it.
-        if (!m_list->hasFocus())
-            m_list->hide();
+        if (list && !list->hasFocus())
+            list->hide();
     });
 }
 
 void CellEditorWatcher::discardEditor() {
-    if (!m_editor)
+    if (!m_editor || !m_view)
         return;
     QLineEdit *edit = m_editor;
     m_editor = nullptr;
@@ -118,11 +127,16 @@ void CellEditorWatcher::discardEditor() {
 }
 
 bool CellEditorWatcher::eventFilter(QObject *watched, QEvent *event) {
-    if (watched == m_view->viewport() && event->type() == QEvent::ChildPolished) {
+    // The event's kind first: while the window goes, its widgets send others, and the view and the list
+    // are then half gone and must not be touched.
+    const QEvent::Type type = event->type();
+    if (type != QEvent::ChildPolished && type != QEvent::KeyPress)
+        return false;
+    if (type == QEvent::ChildPolished && watched == m_viewport && m_view) {
         editorShown(qobject_cast<QLineEdit *>(static_cast<QChildEvent *>(event)->child()));
         return false;
     }
-    if (watched == m_editor && event->type() == QEvent::KeyPress && m_list->isVisible()) {
+    if (type == QEvent::KeyPress && watched == m_editor && m_list && m_list->isVisible()) {
         auto *key = static_cast<QKeyEvent *>(event);
         switch (key->key()) {
         case Qt::Key_Down:

@@ -42,6 +42,7 @@ class CellEditorWatcher : public QObject {
     Q_OBJECT
 public:
     CellEditorWatcher(QAbstractItemView *view, LiveSearchList *list);
+    ~CellEditorWatcher() override;
     QLineEdit *editor() const { return m_editor; }
     QModelIndex editedIndex() const { return m_index; }
     // Closes the editor without writing its text into the cell.
@@ -58,8 +59,11 @@ protected:
 private:
     void editorShown(QLineEdit *edit);
 
-    QAbstractItemView *m_view;
-    LiveSearchList *m_list;
+    // The view dies before this watcher (its child): while its widgets go, events still reach the
+    // filter, which must then touch neither the view nor the list.
+    QPointer<QAbstractItemView> m_view;
+    QPointer<QWidget> m_viewport;
+    QPointer<LiveSearchList> m_list;
     QPointer<QLineEdit> m_editor;
     QModelIndex m_index;
 };

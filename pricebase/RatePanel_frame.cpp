@@ -5,6 +5,7 @@
 #include "storage/MainSettings.h"
 #include "storage/SettingsStore.h"
 #include "ui/Dialogs.h"
+#include "ui/ShortTextDelegate.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -173,6 +174,7 @@ void TRatePanel::buildWidgets() {
     StringGridRas = new QTableView(split);
     StringGridRas->setObjectName(QStringLiteral("StringGridRas"));
     StringGridRas->setModel(&m_base.model());
+    StringGridRas->setItemDelegate(new ShortTextDelegate(StringGridRas));
     StringGridRas->verticalHeader()->setVisible(false);
     StringGridRas->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     StringGridRas->verticalHeader()->setDefaultSectionSize(21);

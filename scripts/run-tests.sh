@@ -23,4 +23,9 @@ for s in "$top"/scripts/services/*.sh; do
   fi
 done
 export VIRN_TEST_SCRATCH="$scratch"
+# A sanitized build (make sanitize) stops at the first report; the leaks of the system's own libraries
+# (fontconfig, the X and GL stubs) are not the program's.
+export ASAN_OPTIONS="abort_on_error=1:detect_leaks=1:detect_stack_use_after_return=0"
+export LSAN_OPTIONS="suppressions=$top/scripts/sanitize.supp:print_suppressions=0"
+export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
 cd "$build" && ctest --output-on-failure -j 2 --timeout 600

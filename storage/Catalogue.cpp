@@ -229,7 +229,11 @@ QList<SchemaStep> myDocSteps() {
               "data DATE, date_compare INTEGER, dataend DATE, number TEXT, name TEXT, "
               "filename TEXT, ext TEXT, avans TEXT, allsum TEXT, status INTEGER, month TEXT, "
               "year TEXT)"),
-          outputTable("account"), outputTable("act")}},
+          outputTable("account"), outputTable("act")},
+         // Registers of earlier versions hold these tables with fewer columns; they are completed here,
+         // before step 2 indexes client and date_compare. (Completing only touches files still at
+         // version 0, which so far could not pass step 2 at all.)
+         true},
         // Look-ups: the register filters by customer and period, each output is found by its estimate.
         {2,
          "documents",
@@ -258,6 +262,12 @@ QList<SchemaStep> matSteps() {
               "date_compare TEXT, dataoffs DATE, note TEXT)")}},
         // The write-off report looks the warehouse up by customer and by object.
         {2, "materials", {}, {index("storage", {"customer"}), index("storage", {"object"})}},
+        // The warehouse: stock rows are the rows without a write-off date; the report filters a
+        // customer's write-offs by period.
+        {3,
+         "materials",
+         {},
+         {index("storage", {"dataoffs"}), index("storage", {"customer", "date_compare"})}},
     };
 }
 

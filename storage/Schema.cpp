@@ -1,5 +1,7 @@
 #include "Schema.h"
 
+#include "TextValues.h"
+
 #include "Transaction.h"
 
 #include <QHash>
@@ -19,12 +21,6 @@ struct Column {
     QString type;
 };
 
-QString quoted(const QString &identifier) {
-    QString s = identifier;
-    s.replace(QLatin1Char('"'), QStringLiteral("\"\""));
-    return QLatin1Char('"') + s + QLatin1Char('"');
-}
-
 QString createdTable(const QString &statement) {
     static const QRegularExpression re(
         QStringLiteral("^\\s*CREATE\\s+TABLE\\s+(?:IF\\s+NOT\\s+EXISTS\\s+)?(\\w+)"),
@@ -35,7 +31,7 @@ QString createdTable(const QString &statement) {
 QList<Column> columnsOf(QSqlDatabase db, const QString &table) {
     QList<Column> out;
     QSqlQuery q(db);
-    if (q.exec(QStringLiteral("PRAGMA table_info(%1)").arg(quoted(table))))
+    if (q.exec(QStringLiteral("PRAGMA table_info(%1)").arg(TextValues::sqlIdentifier(table))))
         while (q.next())
             out.append({q.value(1).toString(), q.value(2).toString()});
     return out;
@@ -60,7 +56,8 @@ public:
     QList<Column> columns(const QString &table) {
         QList<Column> out;
         sqlite3_stmt *st = nullptr;
-        const QByteArray sql = QStringLiteral("PRAGMA table_info(%1)").arg(quoted(table)).toUtf8();
+        const QByteArray sql =
+            QStringLiteral("PRAGMA table_info(%1)").arg(TextValues::sqlIdentifier(table)).toUtf8();
         if (sqlite3_prepare_v2(m_db, sql.constData(), -1, &st, nullptr) != SQLITE_OK)
             return out;
         while (sqlite3_step(st) == SQLITE_ROW) {
@@ -103,7 +100,8 @@ QString runStep(QSqlDatabase db, const SchemaStep &step) {
         if (present.isEmpty())
             return QStringLiteral("нет таблицы %1").arg(c.table);
         if (!has(present, c.column) && !q.exec(QStringLiteral("ALTER TABLE %1 ADD COLUMN %2 %3")
-                                                   .arg(quoted(c.table), quoted(c.column), c.type)))
+                                                   .arg(TextValues::sqlIdentifier(c.table),
+                                                        TextValues::sqlIdentifier(c.column), c.type)))
             return failure(q);
     }
     for (const QString &s : step.statements)
@@ -120,7 +118,7 @@ QString runStep(QSqlDatabase db, const SchemaStep &step) {
             if (has(present, c.name))
                 continue;
             if (!q.exec(QStringLiteral("ALTER TABLE %1 ADD COLUMN %2 %3")
-                            .arg(quoted(table), quoted(c.name),
+                            .arg(TextValues::sqlIdentifier(table), TextValues::sqlIdentifier(c.name),
                                  c.type.isEmpty() ? QStringLiteral("TEXT") : c.type)))
                 return failure(q);
         }
@@ -171,17 +169,25 @@ QString upgrade(QSqlDatabase db, const QList<SchemaStep> &steps) {
 }
 
 QStringList columns(Db which, const QString &table) {
+    return columns(which, table, latestVersion(which));
+}
+
+QStringList columns(Db which, const QString &table, int version) {
     static QMutex mutex;
-    static QHash<QPair<int, QString>, QStringList> cache;
+    static QHash<QString, QStringList> cache;
     QMutexLocker lock(&mutex);
-    const auto key = qMakePair(static_cast<int>(which), table.toLower());
+    const QString key =
+        QStringLiteral("%1/%2/%3").arg(static_cast<int>(which)).arg(version).arg(table.toLower());
     auto it = cache.find(key);
     if (it == cache.end()) {
         Scratch s;
         for (const SchemaStep &step : schemaSteps(which)) {
+            if (step.number > version)
+                break;
             for (const NewColumn &c : step.columns)
                 s.exec(QStringLiteral("ALTER TABLE %1 ADD COLUMN %2 %3")
-                           .arg(quoted(c.table), quoted(c.column), c.type));
+                           .arg(TextValues::sqlIdentifier(c.table), TextValues::sqlIdentifier(c.column),
+                                c.type));
             for (const QString &statement : step.statements)
                 s.exec(statement);
         }
@@ -204,7 +210,7 @@ bool clearTables(QSqlDatabase db, const QStringList &tables, QString *error) {
         return fail(t.error());
     QSqlQuery q(db);
     for (const QString &table : tables)
-        if (!q.exec(QStringLiteral("DELETE FROM %1").arg(quoted(table))))
+        if (!q.exec(QStringLiteral("DELETE FROM %1").arg(TextValues::sqlIdentifier(table))))
             return fail(failure(q));
     // sqlite_sequence exists once any AUTOINCREMENT table does; names there keep their creation case.
     if (q.exec(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='table' AND name='sqlite_sequence'")) &&

@@ -36,6 +36,8 @@ inline QString upgrade(QSqlDatabase db, Db which) {
 
 // Columns of a table as the steps of the database leave it, in order (empty for an unknown table).
 QStringList columns(Db which, const QString &table);
+// The same as the steps up to `version` leave it (empty when the table did not exist yet).
+QStringList columns(Db which, const QString &table, int version);
 
 // Empties tables in place: their layout and indexes stay, and their AUTOINCREMENT counters start
 // again from 1, as for a table just created. This is how a table is reset; a table of the catalogue

@@ -96,7 +96,7 @@ QString makeTemp(const QString &targetPath, QString *error) {
 }
 
 // Backs up `from` into the empty file at `tempPath`.
-QString backup(sqlite3 *from, const QString &tempPath) {
+QString backup(sqlite3 *from, const QString &tempPath, const Seal &seal) {
     sqlite3 *to = nullptr;
     int rc = sqlite3_open_v2(QFile::encodeName(tempPath).constData(), &to, SQLITE_OPEN_READWRITE, nullptr);
     if (rc != SQLITE_OK) {
@@ -130,6 +130,8 @@ QString backup(sqlite3 *from, const QString &tempPath) {
         if (rc != SQLITE_OK)
             why = sqliteText(to, rc);
     }
+    if (why.isEmpty() && seal)
+        why = seal(to);
     if (sqlite3_close(to) != SQLITE_OK && why.isEmpty())
         why = QStringLiteral("файл не закрылся");
     return why;
@@ -139,11 +141,16 @@ QString finish(const QString &tempPath, const QString &targetPath) {
     QString why = check(tempPath);
     if (why.isEmpty()) {
         // The new file keeps the rights of the one it replaces; a new one gets the usual rights.
+        // Only the file's own bits: the "user" flags say what the running user may do, which for the
+        // system's administrator is everything, and would make a read-only file writable.
+        constexpr QFileDevice::Permissions kModeBits =
+            QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner | QFileDevice::ReadGroup |
+            QFileDevice::WriteGroup | QFileDevice::ExeGroup | QFileDevice::ReadOther | QFileDevice::WriteOther |
+            QFileDevice::ExeOther;
         const QFileDevice::Permissions perms =
             QFileInfo::exists(targetPath)
-                ? QFile::permissions(targetPath)
-                : (QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadUser |
-                   QFileDevice::WriteUser | QFileDevice::ReadGroup | QFileDevice::ReadOther);
+                ? QFile::permissions(targetPath) & kModeBits
+                : (QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther);
         QFile::setPermissions(tempPath, perms);
         if (!syncPath(tempPath))
             why = QStringLiteral("не удалось записать данные на диск");
@@ -158,7 +165,7 @@ QString finish(const QString &tempPath, const QString &targetPath) {
     return {};
 }
 
-QString copyFrom(sqlite3 *from, const QString &targetPath) {
+QString copyFrom(sqlite3 *from, const QString &targetPath, const Seal &seal) {
     const QString target = canonicalTarget(targetPath);
     if (!QFileInfo(QFileInfo(target).absolutePath()).isDir())
         return named(target, QStringLiteral("папка «%1» не существует")
@@ -167,7 +174,7 @@ QString copyFrom(sqlite3 *from, const QString &targetPath) {
     const QString temp = makeTemp(target, &error);
     if (temp.isEmpty())
         return error;
-    const QString why = backup(from, temp);
+    const QString why = backup(from, temp, seal);
     if (!why.isEmpty()) {
         QFile::remove(temp);
         QFile::remove(temp + QStringLiteral("-journal"));
@@ -262,17 +269,17 @@ QString check(const QString &path) {
     return why;
 }
 
-QString saveTo(QSqlDatabase source, const QString &targetPath) {
+QString saveTo(QSqlDatabase source, const QString &targetPath, const Seal &seal) {
     QVariant h = source.isOpen() && source.driver() ? source.driver()->handle() : QVariant();
     sqlite3 *from = nullptr;
     if (h.isValid() && qstrcmp(h.typeName(), "sqlite3*") == 0)
         from = *static_cast<sqlite3 *const *>(h.data());
     if (!from)
         return named(targetPath, QStringLiteral("рабочая база не открыта"));
-    return copyFrom(from, targetPath);
+    return copyFrom(from, targetPath, seal);
 }
 
-QString copyFile(const QString &sourcePath, const QString &targetPath) {
+QString copyFile(const QString &sourcePath, const QString &targetPath, const Seal &seal) {
     sqlite3 *from = nullptr;
     const int rc =
         sqlite3_open_v2(QFile::encodeName(sourcePath).constData(), &from, SQLITE_OPEN_READONLY, nullptr);
@@ -283,7 +290,7 @@ QString copyFile(const QString &sourcePath, const QString &targetPath) {
             .arg(QDir::toNativeSeparators(sourcePath), why);
     }
     sqlite3_busy_timeout(from, kBusyRetries * kBusySleepMs);
-    const QString why = copyFrom(from, targetPath);
+    const QString why = copyFrom(from, targetPath, seal);
     sqlite3_close(from);
     return why;
 }

@@ -7,16 +7,23 @@
 
 #include <QSqlDatabase>
 #include <QString>
+#include <functional>
+
+struct sqlite3;
 
 namespace SqliteSnapshot {
 
+// Run on the finished copy before it is checked and takes the target's place: what the copy carries
+// beside the source's content (a document file, its sums). Empty string on success, else the reason.
+using Seal = std::function<QString(sqlite3 *copy)>;
+
 // Copies the open database `source` to `targetPath`. Returns an empty string on success, else a
 // Russian message naming the file; the target is then untouched.
-QString saveTo(QSqlDatabase source, const QString &targetPath);
+QString saveTo(QSqlDatabase source, const QString &targetPath, const Seal &seal = {});
 
 // Copies the database file `sourcePath` (opened read-only on its own connection, so that another
 // connection may go on writing to it) to `targetPath`.
-QString copyFile(const QString &sourcePath, const QString &targetPath);
+QString copyFile(const QString &sourcePath, const QString &targetPath, const Seal &seal = {});
 
 // Opens `path` read-only with defensive settings (trusted_schema=OFF, cell_size_check=ON, the
 // defensive flag) and runs quick_check. Empty string when the file is a sound SQLite database, else

@@ -5,6 +5,12 @@
 
 namespace TextValues {
 
+QString sqlIdentifier(const QString &name) {
+    QString s = name;
+    s.replace(QLatin1Char('"'), QStringLiteral("\"\""));
+    return QLatin1Char('"') + s + QLatin1Char('"');
+}
+
 QString sqlLiteral(const QString &text) {
     if (text.contains(QChar(0)))
         throw SqlTextError("значение содержит символ NUL и не может быть записано");
@@ -121,6 +127,11 @@ std::optional<Decimal> parseAmount(const QString &text) {
 
 bool isBlank(const QString &text) {
     return text.trimmed().isEmpty();
+}
+
+QString typedNumber(const QString &text) {
+    QString s = text;
+    return s.replace(QLatin1Char('.'), QLatin1Char(','));
 }
 
 QString formatQuantity(const Decimal &value) {

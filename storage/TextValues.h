@@ -27,6 +27,10 @@ QString nameFromStored(const QString &stored);
 // The stored form quoted as an SQL literal.
 QString sqlName(const QString &shown);
 
+// A table or column name quoted for SQL ("name", inner double quotes doubled): names read from a file
+// of another program may hold anything.
+QString sqlIdentifier(const QString &name);
+
 // Table names that come from settings or accounts: letters, digits and underscores only.
 bool isSafeTableName(const QString &name);
 
@@ -47,6 +51,8 @@ std::optional<Decimal> parsePositivePrice(const QString &text);
 std::optional<Decimal> parseAmount(const QString &text);
 // True when the text holds nothing but blanks.
 bool isBlank(const QString &text);
+// A number as the user typed it into a grid cell, kept with a decimal comma: every "." becomes ",".
+QString typedNumber(const QString &text);
 
 // A quantity: up to three decimals (rounded half away from zero), trailing zeros dropped, decimal
 // comma ("1,5", "12"). Amounts are Money's (Money::text, Money::grouped).

@@ -3,7 +3,9 @@
 // written is {"event":"ready",…} once the engine has started, or {"event":"fatal",…} when it cannot.
 //
 // Arguments: --install DIR (LibreOffice "program" folder), --profile DIR (private profile folder),
-// --temp DIR (scratch files of this helper).
+// --temp DIR (scratch files of this helper), --engine-temp DIR (the engine's own temporary files,
+// which the program removes when the helper ends), --memory-mb N (the address space the helper may
+// take: past it the engine's allocations fail and the helper ends, not the machine's memory).
 
 #include "LokSession.h"
 #include "office/SheetText.h"
@@ -23,6 +25,7 @@
 #include <iostream>
 #include <string>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
@@ -419,6 +422,8 @@ int main(int argc, char **argv) {
     QString install = QStringLiteral("/usr/lib/libreoffice/program");
     QString profile;
     QString temp = QDir::tempPath();
+    QString engineTemp;
+    long memoryMb = 0;
     for (int i = 1; i + 1 < argc; i += 2) {
         const QString key = QString::fromLocal8Bit(argv[i]);
         const QString value = QString::fromUtf8(argv[i + 1]);
@@ -428,6 +433,21 @@ int main(int argc, char **argv) {
             profile = value;
         else if (key == QLatin1String("--temp"))
             temp = value;
+        else if (key == QLatin1String("--engine-temp"))
+            engineTemp = value;
+        else if (key == QLatin1String("--memory-mb"))
+            memoryMb = value.toLong();
+    }
+    if (memoryMb > 0) {
+        const rlim_t bytes = static_cast<rlim_t>(memoryMb) * 1024 * 1024;
+        rlimit limit{bytes, bytes};
+        setrlimit(RLIMIT_AS, &limit);
+    }
+    // The engine makes folders of its own (lu*.tmp) in the temporary folder: a private one, which the
+    // program removes, instead of the system's.
+    if (!engineTemp.isEmpty()) {
+        QDir().mkpath(engineTemp);
+        setenv("TMPDIR", QFile::encodeName(engineTemp).constData(), 1);
     }
     if (profile.isEmpty()) {
         writeLine({{QStringLiteral("event"), QStringLiteral("fatal")},

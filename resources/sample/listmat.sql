@@ -75,4 +75,14 @@ INSERT INTO list1 (namemat, edizm, price, numpos) VALUES ('Стеклохолс�
 INSERT INTO list1 (namemat, edizm, price, numpos) VALUES ('Плёнка защитная, 4×5 м', 'шт.', '240', '73');
 INSERT INTO list1 (namemat, edizm, price, numpos) VALUES ('Лента малярная 48 мм', 'шт.', '120', '74');
 INSERT INTO list1 (namemat, edizm, price, numpos) VALUES ('Мешки для строительного мусора', 'шт.', '12', '75');
+-- The warehouse (table storage): stock rows have no write-off date; two materials are below their minimum.
+INSERT INTO storage (data, namemat, edizm, kolvo, price, summa, minlimit) VALUES ('05.03.2026', 'Штукатурка гипсовая, мешок 30 кг', 'шт.', '24', '520', '12480,00', '10');
+INSERT INTO storage (data, namemat, edizm, kolvo, price, summa, minlimit) VALUES ('05.03.2026', 'Грунтовка глубокого проникновения, 10 л', 'шт.', '3', '950', '2850,00', '5');
+INSERT INTO storage (data, namemat, edizm, kolvo, price, summa, minlimit) VALUES ('12.03.2026', 'Клей плиточный, мешок 25 кг', 'шт.', '15', '520', '7800,00', '5');
+INSERT INTO storage (data, namemat, edizm, kolvo, price, summa, minlimit) VALUES ('12.03.2026', 'Профиль направляющий ПН 27x28, 3 м', 'шт.', '40', '95', '3800,00', '20');
+INSERT INTO storage (data, namemat, edizm, kolvo, price, summa, minlimit) VALUES ('20.03.2026', 'Лента малярная 48 мм', 'шт.', '12', '120', '1440,00', '');
+INSERT INTO storage (data, namemat, edizm, kolvo, price, summa, minlimit) VALUES ('20.03.2026', 'Саморез по металлу 3,5x25, уп. 200 шт.', 'уп.', '2', '310', '620,00', '4');
+-- What was taken from it into the sample customer's estimates.
+INSERT INTO storage (namemat, edizm, kolvo, price, summa, customer, object, dataoffs, month, year, date_compare) VALUES ('Штукатурка гипсовая, мешок 30 кг', 'шт.', '10', '520', '5200,00', 'Кудрявцев Олег Николаевич', 'Квартира, ул. Садовая, д. 14, кв. 37', '18.03.2026', '3', '2026', '20260318');
+INSERT INTO storage (namemat, edizm, kolvo, price, summa, customer, object, dataoffs, month, year, date_compare) VALUES ('Клей плиточный, мешок 25 кг', 'шт.', '5', '520', '2600,00', 'Кудрявцев Олег Николаевич', 'Квартира, ул. Садовая, д. 14, кв. 37', '10.04.2026', '4', '2026', '20260410');
 COMMIT;

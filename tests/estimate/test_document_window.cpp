@@ -264,4 +264,90 @@ TEST_F(DocumentWindowTest, TheCustomerNamesTheFolderTheRegisterRowAndTheCounter)
         count(Db::People, "SELECT COUNT(*) FROM NumDoc WHERE Client='ООО `Ромашка`' AND Object='Кухня'"), 1);
 }
 
+TEST_F(DocumentWindowTest, SavingOverAReadOnlyFileAsksFirst) {
+    edit();
+    const QString path = folder.file("Sm/Только чтение.sim");
+    dialogs->queueFile(path);
+    ASSERT_TRUE(window->spdSaveClick());
+    const QByteArray saved = [&] {
+        QFile f(path);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }();
+    ASSERT_TRUE(QFile::setPermissions(path, QFileDevice::ReadOwner | QFileDevice::ReadGroup | QFileDevice::ReadOther));
+
+    // Cancel: nothing is written, the edit stays.
+    edit("Окраска потолка");
+    dialogs->queueAnswer(Dialogs::Answer::Cancel);
+    EXPECT_FALSE(window->spdSaveClick());
+    EXPECT_TRUE(dialogs->lastText().contains("доступен только для чтения")) << dialogs->lastText().toStdString();
+    EXPECT_TRUE(window->isChanged());
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    EXPECT_EQ(f.readAll(), saved);
+    f.close();
+
+    // No: saved under another name, the read-only file as it was.
+    const QString other = folder.file("Sm/Копия.sim");
+    dialogs->queueAnswer(Dialogs::Answer::No);
+    dialogs->queueFile(other);
+    EXPECT_TRUE(window->spdSaveClick());
+    EXPECT_EQ(window->document().fileName(), other);
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    EXPECT_EQ(f.readAll(), saved);
+    f.close();
+
+    // Yes: replaced, and still read-only.
+    window->OpenMyFile(path);
+    edit("Окраска дверей");
+    dialogs->queueAnswer(Dialogs::Answer::Yes);
+    EXPECT_TRUE(window->spdSaveClick());
+    EXPECT_FALSE(window->isChanged());
+    EXPECT_FALSE(QFileInfo(path).permissions() & QFileDevice::WriteOwner);
+    window->CreateNewDoc();
+    window->OpenMyFile(path);
+    EXPECT_EQ(firstName(), "Окраска дверей");
+}
+
+// A program killed with changes in its working copy: the next start offers them, and they come
+// back as the unsaved changes of their document; declined, they are kept among the autosave copies.
+TEST_F(DocumentWindowTest, ACrashedProgramsChangesAreOfferedAtTheNextStart) {
+    for (const Dialogs::Answer answer : {Dialogs::Answer::Yes, Dialogs::Answer::No}) {
+        SCOPED_TRACE(answer == Dialogs::Answer::Yes ? "recovered" : "declined");
+        window.reset();
+        module.reset();
+        const QString document = folder.file("Sm/Ремонт.sim");
+        QProcess crashed;
+        crashed.start(QStringLiteral(DOCFILE_HELPER), {"hold-copy", folder.path(), document});
+        ASSERT_TRUE(crashed.waitForReadyRead(20000)) << crashed.readAllStandardError().toStdString();
+        crashed.kill();
+        crashed.waitForFinished();
+
+        dialogs->clear();
+        dialogs->queueAnswer(answer);
+        window = std::make_unique<TForm1>(QStringList{});
+        module = std::make_unique<TModuleSQL>(window->dataFolder());
+        window->attachModule(module.get());
+        window->FormShow();
+        ASSERT_FALSE(dialogs->shown().isEmpty());
+        EXPECT_EQ(dialogs->shown().first().caption, "Восстановление");
+        EXPECT_TRUE(dialogs->shown().first().text.contains("Ремонт.sim")) << dialogs->shown().first().text.toStdString();
+        const QStringList kept =
+            QDir(folder.file("Sm/Autosave")).entryList({QStringLiteral("*Восстановление Ремонт.sim")}, QDir::Files);
+        if (answer == Dialogs::Answer::Yes) {
+            EXPECT_EQ(firstName(), "Несохранённая работа");
+            EXPECT_EQ(window->document().fileName(), document);
+            EXPECT_TRUE(window->isChanged());
+            EXPECT_TRUE(kept.isEmpty());
+        } else {
+            EXPECT_EQ(firstName(), "");
+            EXPECT_EQ(window->document().fileName(), QString());
+            ASSERT_EQ(kept.size(), 1);
+            DatabaseFile copy(folder.file("Sm/Autosave/" + kept.first()));
+            EXPECT_EQ(copy.rows("SELECT nameras FROM smeta"), QStringList{"Несохранённая работа"});
+        }
+        // Offered once: nothing is left to offer again.
+        EXPECT_TRUE(QDir(folder.file("Temp")).entryList({QStringLiteral("recovery-*")}, QDir::Files).isEmpty());
+    }
+}
+
 } // namespace

@@ -4,6 +4,7 @@
 #include "MainWindowFixture.h"
 #include "estimate/CrewGrid.h"
 #include "estimate/EstimateEditor.h"
+#include "ui/ShortTextDelegate.h"
 
 #include <QAction>
 #include <QApplication>
@@ -249,6 +250,24 @@ TEST_F(EditorWindowTest, BadAndHugeInputIsMarkedAndCountedUnderTheGrid) {
         EXPECT_EQ(qty.data(Qt::BackgroundRole).isValid(), qtyBad) << c.what;
         EXPECT_EQ(qty.data(Qt::ToolTipRole).toString(), grid()->cellProblem(2, Qty)) << c.what;
     }
+}
+
+// A name of a megabyte (pasted, or from a file of another program) is drawn as its beginning in
+// every grid of the estimate: laying out the whole text at every paint froze the window.
+TEST_F(EditorWindowTest, AHugeCellIsDrawnShortAndKeptWhole) {
+    const QString huge(1000000, QChar(0x0416));
+    EXPECT_EQ(ShortTextDelegate::shown(huge).size(), ShortTextDelegate::kShownChars + 1);
+    EXPECT_TRUE(ShortTextDelegate::shown(huge).endsWith(QChar(0x2026)));
+    EXPECT_EQ(ShortTextDelegate::shown(QStringLiteral("Окраска")), QStringLiteral("Окраска"));
+
+    ASSERT_TRUE(grid()->setData(at(2, Name), huge, Qt::EditRole));
+    for (const char *name : {"StringGridDoc", "StringGridBrig", "StringGridMat", "StringGridRas"}) {
+        auto *v = child<QTableView>(window.get(), QString::fromLatin1(name));
+        ASSERT_NE(v, nullptr) << name;
+        EXPECT_NE(qobject_cast<ShortTextDelegate *>(v->itemDelegate()), nullptr) << name;
+    }
+    EXPECT_FALSE(view()->grab().isNull());
+    EXPECT_EQ(grid()->cell(2, Name), huge); // what is kept and saved is the whole text
 }
 
 } // namespace

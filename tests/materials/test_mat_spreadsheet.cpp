@@ -1,18 +1,29 @@
-// Materials lists to and from spreadsheet files: the rows read from a sheet's cells, files refused
-// before the engine sees them, and, through the real engine, the round trip of a list and hostile
-// files refused with a Russian message.
+// Materials lists and the warehouse to and from spreadsheet files: the rows read from a sheet's cells,
+// files refused before the engine sees them, and, through the real engine, the round trip of a list
+// and of the stock in both modes (in Times New Roman), the warehouse window's export and import with a
+// damaged file refused and the stock kept, and hostile files refused with a Russian message.
 
 #include "MatTestData.h"
+#include "ScriptedDialogs.h"
+#include "StockTestData.h"
 #include "TestFolder.h"
 #include "ZipStore.h"
 #include "materials/MatSpreadsheet.h"
+#include "materials/SkladMat_frame.h"
+#include "materials/StockSpreadsheet.h"
+#include "materials/Warehouse.h"
 #include "office/OfficeEngine.h"
+#include "office/OfficeService.h"
+#include "storage/ModuleSQL.h"
 #include "storage/TextValues.h"
 
 #include <QDir>
 #include <QFile>
+#include <QStandardItemModel>
+#include <QTest>
 #include <memory>
 #include <unistd.h>
+#include <zip.h>
 
 namespace {
 
@@ -201,6 +212,132 @@ TEST_F(MatSpreadsheetEngine, HostileFilesAreRefusedInRussian) {
     std::vector<MatRow> rows;
     EXPECT_FALSE(MatSpreadsheet::readFile(engine(), narrow, scratch(), rows, &error));
     EXPECT_TRUE(error.contains(QString::fromUtf8("не хватает столбцов"))) << error.toStdString();
+}
+
+// One entry of a zip package (an ".xlsx"), or empty.
+QByteArray zipEntry(const QString &path, const char *name) {
+    int error = 0;
+    zip_t *zip = zip_open(path.toLocal8Bit().constData(), ZIP_RDONLY, &error);
+    if (!zip)
+        return {};
+    QByteArray out;
+    zip_stat_t st;
+    if (zip_stat(zip, name, 0, &st) == 0) {
+        if (zip_file_t *f = zip_fopen(zip, name, 0)) {
+            out.resize(static_cast<int>(st.size));
+            out.resize(static_cast<int>(std::max<zip_int64_t>(0, zip_fread(f, out.data(), st.size))));
+            zip_fclose(f);
+        }
+    }
+    zip_close(zip);
+    return out;
+}
+
+// "name|unit|quantity|price|sale|sum|min|date" with numbers as exact values, so that "560,00" sent
+// and "560" read back are the same.
+QStringList stockTexts(const std::vector<StockItem> &items) {
+    auto number = [](const QString &t) {
+        const auto v = TextValues::parseAmount(t);
+        return v ? v->text() : t;
+    };
+    QStringList out;
+    for (const StockItem &s : items)
+        out << QStringList{s.name,         s.unit,        number(s.quantity), number(s.price),
+                           number(s.sale), number(s.sum), number(s.minlimit), s.date}
+                   .join('|');
+    return out;
+}
+
+TEST_F(MatSpreadsheetEngine, TheStockGoesOutAndComesBackInBothModes) {
+    std::vector<StockItem> stock = {
+        stockItem("Цемент М500, мешок 50 кг", "мешок", "10", "560,00", "4", "700"),
+        stockItem("Клей \"Юнис\"; белый", "мешок", "2,5", "1 250,50", "", "1400"),
+        stockItem("Лента, 50 м", "рулон", "", "")};
+    stock[0].sum = "5600,00";
+    stock[1].sum = "3126,25";
+    for (StockMode mode : {StockMode::Warehouse, StockMode::Shop}) {
+        SCOPED_TRACE(stockModeCaption(mode).toStdString());
+        const QString xlsx = folder.file(StockSpreadsheet::exportFileName(mode));
+        QString error;
+        ASSERT_TRUE(StockSpreadsheet::writeFile(engine(), stock, mode, xlsx, scratch(), &error))
+            << error.toStdString();
+        // Every cell in Times New Roman, the titles of the mode on the first row.
+        EXPECT_TRUE(zipEntry(xlsx, "xl/styles.xml").contains("Times New Roman"));
+        const QByteArray strings = zipEntry(xlsx, "xl/sharedStrings.xml");
+        for (const QString &title : StockSpreadsheet::titles(mode))
+            EXPECT_TRUE(strings.contains(title.toUtf8())) << title.toStdString();
+        std::vector<StockItem> back;
+        ASSERT_TRUE(
+            StockSpreadsheet::readFile(engine(), xlsx, scratch(), mode, QDate(2020, 3, 5), back, &error))
+            << error.toStdString();
+        std::vector<StockItem> expected = stock;
+        for (StockItem &s : expected) {
+            if (mode == StockMode::Shop)
+                s.sum = s.minlimit = QString(); // the shop's sheet keeps neither
+        }
+        EXPECT_EQ(stockTexts(back), stockTexts(expected));
+    }
+    // The shop's sheet says the markup per unit.
+    ASSERT_TRUE(engine().load(folder.file(StockSpreadsheet::exportFileName(StockMode::Shop))));
+    SheetText::Grid cells;
+    ASSERT_TRUE(engine().sheet(&cells));
+    engine().close();
+    ASSERT_GE(cells.size(), 2);
+    EXPECT_EQ(TextValues::parseAmount(cells[1].value(4))->text(), "140");
+}
+
+// The warehouse window's own export and import, through the program's office service.
+TEST_F(MatSpreadsheetEngine, TheWarehouseWindowExportsAndAnImportKeepsTheStockWhenTheFileIsDamaged) {
+    ScriptedDialogsGuard dialogs;
+    TModuleSQL module(folder.path());
+    QSqlDatabase mat = module.database(Db::Mat);
+    addStock(mat, stockItem("Цемент", "мешок", "10", "560", "4"));
+    addStock(mat, stockItem("Гипс", "мешок", "3", "400"));
+    Warehouse warehouse([&module] { return module.database(Db::Mat); });
+    QStandardItemModel estimate(0, 7);
+    OfficeService office(folder.path());
+    TSkladMat sklad(warehouse, &estimate);
+    sklad.setDataFolder(folder.path());
+    sklad.setOfficeProvider([&office] { return &office; });
+    QString opened;
+    sklad.setFileOpener([&opened](const QString &path) {
+        opened = path;
+        return true;
+    });
+    sklad.refresh();
+    const QStringList before = stockRows(mat);
+
+    sklad.ToolSaveExcelClick();
+    QTRY_VERIFY_WITH_TIMEOUT(!opened.isEmpty() || !dialogs->shown().isEmpty(), 120000);
+    ASSERT_TRUE(dialogs->shown().isEmpty()) << dialogs->lastText().toStdString();
+    EXPECT_EQ(opened, folder.file("Sp/Склад материалов (склад).xlsx"));
+
+    // A zip package that is no spreadsheet: told, the stock as it was.
+    ASSERT_TRUE(writeStoredZip(folder.file("склад.xlsx"), {{"inside.txt", "просто текст"}}));
+    dialogs->queueFile(folder.file("склад.xlsx"));
+    dialogs->queueAnswer(Dialogs::Answer::Yes); // replace the stock
+    sklad.ToolLoadExcelClick();
+    QTRY_VERIFY_WITH_TIMEOUT(
+        dialogs->wasShown(QStringLiteral("Склад не загружен")) || dialogs->shown().size() > 3, 120000);
+    EXPECT_TRUE(std::any_of(dialogs->shown().begin(), dialogs->shown().end(),
+                            [](const ScriptedDialogs::Shown &s) {
+                                return s.text.startsWith("Склад не загружен") &&
+                                       s.text.contains("не является таблицей");
+                            }))
+        << dialogs->lastText().toStdString();
+    EXPECT_EQ(stockRows(mat), before);
+
+    // The exported file brings back the stock as it was after a change.
+    ASSERT_TRUE(warehouse.setQuantity(0, "1"));
+    dialogs->clear();
+    dialogs->queueFile(opened);
+    dialogs->queueAnswer(Dialogs::Answer::Yes);
+    sklad.ToolLoadExcelClick();
+    QTRY_VERIFY_WITH_TIMEOUT(dialogs->shown().size() >= 3, 120000);
+    EXPECT_EQ(dialogs->lastText(), "На склад загружено строк: 2.");
+    EXPECT_EQ(queryRows(mat, "SELECT namemat, kolvo, price, minlimit FROM storage ORDER BY id"),
+              (QStringList{"Цемент|10|560|4", "Гипс|3|400|"}));
+    EXPECT_EQ(warehouse.model().rowCount(), 2);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include "MainWindowFixture.h"
 #include "MatTestData.h"
+#include "SampleData.h"
 #include "SqlRows.h"
 #include "estimate/EditorPart.h"
 #include "estimate/EstimateEditor.h"
@@ -17,7 +18,6 @@
 #include "pricebase/LiveSearchList.h"
 #include "pricebase/PriceBase.h"
 #include "pricebase/RatePanel_frame.h"
-#include "storage/Schema.h"
 
 #include <QAction>
 #include <QApplication>
@@ -33,23 +33,6 @@
 
 namespace {
 
-// Runs the statements of a sample file (comments and the transaction lines of the script left out).
-void runScript(QSqlDatabase db, const QString &file) {
-    QFile f(QStringLiteral(VIRN_SOURCE_DIR "/resources/sample/") + file);
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly)) << file.toStdString();
-    QSqlQuery q(db);
-    for (const QString &statement : QString::fromUtf8(f.readAll()).split(QStringLiteral(";\n"))) {
-        QString sql;
-        for (const QString &line : statement.split(u'\n'))
-            if (!line.startsWith(QStringLiteral("--")) && line != "BEGIN;" && line != "BEGIN" &&
-                line != "COMMIT;" && line != "COMMIT")
-                sql += line + u'\n';
-        if (!sql.trimmed().isEmpty()) {
-            ASSERT_TRUE(q.exec(sql)) << sql.toStdString();
-        }
-    }
-}
-
 class MaterialsWindow : public MainWindowFixture {
 protected:
     void SetUp() override {
@@ -60,7 +43,7 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
         part = window->part<MaterialsPart>();
         ASSERT_NE(part, nullptr);
-        runScript(module->database(Db::Mat), "listmat.sql");
+        runSampleScript(module->database(Db::Mat), "listmat.sql");
         frame()->ReadSqlMat();
     }
     TListMat *frame() const { return part->listFrame(); }
@@ -84,15 +67,7 @@ protected:
         QTest::mouseClick(grid()->viewport(), Qt::LeftButton, {}, at);
         QTest::mouseDClick(grid()->viewport(), Qt::LeftButton, {}, at);
     }
-    void openSampleEstimate() {
-        const QString path = folder.file("Sm/Образец сметы.sim");
-        {
-            DatabaseFile file(path);
-            ASSERT_TRUE(Schema::upgrade(file.db(), Db::Smeta).isEmpty());
-            runScript(file.db(), "estimate.sql");
-        }
-        ASSERT_TRUE(window->OpenMyFile(path));
-    }
+    void openSampleEstimate() { ::openSampleEstimate(folder, *window); }
     MaterialsPart *part = nullptr;
 };
 
@@ -110,7 +85,7 @@ TEST_F(MaterialsWindow, TwoMaterialsPickedIntoTheSampleEstimate) {
     panel()->PageControlRas->setCurrentIndex(static_cast<int>(PriceTab::Material));
     EXPECT_TRUE(frame()->isVisible());
     EXPECT_EQ(frame()->PageControlMat->tabText(3), "Склад");
-    EXPECT_FALSE(frame()->PageControlMat->isTabEnabled(3));
+    EXPECT_TRUE(frame()->PageControlMat->isTabEnabled(3)); // the warehouse's stock
     // The groups of the sample list are its "пв" titles.
     EXPECT_GT(frame()->ComboBox->count(), 2);
     EXPECT_EQ(frame()->ComboBox->itemText(1), "Сухие смеси");

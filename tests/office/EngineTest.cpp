@@ -7,7 +7,9 @@
 
 #include "office/InWord.h"
 #include "office/OfficeEngine.h"
+#include "office/OfficeTemplates.h"
 #include "office/SheetTemplate.h"
+#include "office/TemplateFile.h"
 #include "office/WordTemplate.h"
 
 #include "TestFolder.h"
@@ -342,6 +344,136 @@ TEST_F(Engine, HangingHelperFailsAfterItsTimeLimitAndIsReplaced) {
     engine().setTimeLimit(0);
     EXPECT_FALSE(engine().running());
     ASSERT_TRUE(engine().load(templ)) << engine().error().toStdString();
+    EXPECT_NE(engine().processId(), pid);
+    engine().close();
+}
+
+// ---------------------------------------------------------------------------------------------
+// The engine kept in its bounds: its temporary files stay in a folder of its own and go with it, its
+// address space is capped, a whole document has a time budget and can be cancelled, a cell takes no
+// text of megabytes, and a value that looks like a field is no field left unfilled.
+
+QStringList engineFolders(const QString &folder) {
+    return QDir(folder).entryList({QStringLiteral("lu*.tmp")}, QDir::Dirs | QDir::NoDotAndDotDot);
+}
+
+TEST_F(Engine, ItsTemporaryFilesStayInItsOwnFolderAndGoWithIt) {
+    // The system's temporary folder as the program finds it.
+    const QString systemTemp = m_folder.file(QStringLiteral("tmp"));
+    QDir().mkpath(systemTemp);
+    const QByteArray previous = qgetenv("TMPDIR");
+    qputenv("TMPDIR", QFile::encodeName(systemTemp));
+    QString engineTemp;
+    {
+        OfficeEngine own(m_folder.file(QStringLiteral("data")));
+        QString error;
+        OfficeTemplates::ensureDefaults(m_folder.file(QStringLiteral("data")), &error);
+        const QString templ =
+            OfficeTemplates::path(m_folder.file(QStringLiteral("data")), QStringLiteral("Шаблон Смета.xls"));
+        ASSERT_TRUE(own.load(templ)) << own.error().toStdString();
+        ASSERT_TRUE(own.saveAs(m_folder.file(QStringLiteral("out.pdf")), QStringLiteral("pdf")));
+        engineTemp = own.engineTempDir();
+        EXPECT_FALSE(engineFolders(engineTemp).isEmpty()); // the engine does make them, there
+        own.close();
+        own.stop();
+        EXPECT_FALSE(QFileInfo::exists(engineTemp));
+    }
+    if (previous.isEmpty())
+        qunsetenv("TMPDIR");
+    else
+        qputenv("TMPDIR", previous);
+    EXPECT_TRUE(engineFolders(systemTemp).isEmpty()) << engineFolders(systemTemp).join(u' ').toStdString();
+}
+
+TEST_F(Engine, ItsAddressSpaceIsCapped) {
+    const QString templ = m_folder.file(QStringLiteral("t.xls"));
+    writeSheetTemplate(engine(), m_folder.file(QStringLiteral("t.fods")), templ);
+    ASSERT_TRUE(engine().load(templ));
+    QFile limits(QStringLiteral("/proc/%1/limits").arg(engine().processId()));
+    ASSERT_TRUE(limits.open(QIODevice::ReadOnly));
+    const QString text = QString::fromLatin1(limits.readAll());
+    const QString expected = QString::number(qint64(OfficeEngine::memoryLimitMb()) * 1024 * 1024);
+    const QString line = text.section(QStringLiteral("Max address space"), 1, 1).section(u'\n', 0, 0);
+    EXPECT_TRUE(line.simplified().startsWith(expected + u' ' + expected)) << line.toStdString();
+    engine().close();
+}
+
+TEST_F(Engine, AWholeDocumentStopsAtItsBudgetOrWhenCancelled) {
+    const QString templ = m_folder.file(QStringLiteral("t.xls"));
+    writeSheetTemplate(engine(), m_folder.file(QStringLiteral("t.fods")), templ);
+    ASSERT_TRUE(engine().load(templ));
+    QString cell;
+    engine().setBudget(1);
+    QThread::msleep(20);
+    EXPECT_FALSE(engine().findCell(QStringLiteral("[итого]"), true, &cell));
+    EXPECT_TRUE(engine().error().contains(QStringLiteral("отведённые"))) << engine().error().toStdString();
+    EXPECT_FALSE(engine().running());
+    engine().clearBudget();
+
+    auto cancel = std::make_shared<std::atomic<bool>>(false);
+    engine().setBudget(600000, cancel);
+    ASSERT_TRUE(engine().load(templ)) << engine().error().toStdString();
+    cancel->store(true);
+    EXPECT_FALSE(engine().findCell(QStringLiteral("[итого]"), true, &cell));
+    EXPECT_TRUE(engine().error().contains(QStringLiteral("отменена"))) << engine().error().toStdString();
+    engine().clearBudget();
+    // The next document works as ever.
+    ASSERT_TRUE(engine().load(templ)) << engine().error().toStdString();
+    ASSERT_TRUE(engine().findCell(QStringLiteral("[итого]"), true, &cell));
+    engine().close();
+}
+
+TEST_F(Engine, ACellTakesNoTextOfMegabytes) {
+    const QString templ = m_folder.file(QStringLiteral("t.xls"));
+    writeSheetTemplate(engine(), m_folder.file(QStringLiteral("t.fods")), templ);
+    ASSERT_TRUE(engine().load(templ));
+    OfficeEngine::Input in;
+    in.cell = QStringLiteral("A1");
+    in.text = QString(1000000, QChar(0x0416));
+    ASSERT_TRUE(engine().enter({in})) << engine().error().toStdString();
+    SheetText::Grid grid;
+    ASSERT_TRUE(engine().sheet(&grid));
+    ASSERT_FALSE(grid.isEmpty());
+    EXPECT_EQ(grid[0][0].size(), OfficeEngine::kMaxTextChars);
+    EXPECT_TRUE(grid[0][0].endsWith(QChar(0x2026)));
+    engine().close();
+}
+
+TEST_F(Engine, AValueThatLooksLikeAFieldIsNoFieldLeftUnfilled) {
+    // Every field of a sheet gets a value that holds brackets, as a customer named "ООО [заказчик]".
+    const QString sheetTemplate = m_folder.file(QStringLiteral("t.xls"));
+    writeSheetTemplate(engine(), m_folder.file(QStringLiteral("t.fods")), sheetTemplate);
+    SheetText::Grid grid;
+    ASSERT_TRUE(engine().load(sheetTemplate));
+    ASSERT_TRUE(engine().sheet(&grid));
+    engine().close();
+    SheetData data;
+    for (const QString &name : SheetTemplate::analyse(grid, data).named)
+        data.values.insert(name, SheetValue::ofText(QStringLiteral("ООО [%1]").arg(name)));
+    ASSERT_FALSE(data.values.isEmpty());
+    const QString out = m_folder.file(QStringLiteral("filled.xls"));
+    QString error;
+    EXPECT_TRUE(SheetTemplate::fill(engine(), sheetTemplate, data, {{out, QString()}}, &error))
+        << error.toStdString();
+}
+
+TEST_F(Engine, ATemplateThatDoesNotLoadInItsTimeIsNamedAndTheHelperReplaced) {
+    const QString templ = m_folder.file(QStringLiteral("t.xls"));
+    writeSheetTemplate(engine(), m_folder.file(QStringLiteral("t.fods")), templ);
+    ASSERT_TRUE(engine().load(templ));
+    engine().close();
+    const qint64 pid = engine().processId();
+    ::kill(static_cast<pid_t>(pid), SIGSTOP); // the engine takes the file and does not come back
+    engine().setTimeLimit(1500);
+    QString error;
+    EXPECT_FALSE(TemplateFile::open(engine(), templ, QStringLiteral("spreadsheet"), &error));
+    engine().setTimeLimit(0);
+    EXPECT_TRUE(
+        error.startsWith(QStringLiteral("Шаблон %1 не открылся").arg(QDir::toNativeSeparators(templ))))
+        << error.toStdString();
+    EXPECT_FALSE(engine().running());
+    ASSERT_TRUE(TemplateFile::open(engine(), templ, QStringLiteral("spreadsheet"), &error))
+        << error.toStdString();
     EXPECT_NE(engine().processId(), pid);
     engine().close();
 }

@@ -116,15 +116,22 @@ TEST_F(Export, EveryTitleFillsItsForm) {
     }
 }
 
+TEST_F(Export, ACustomerWhoseNameLooksLikeAFieldIsPrintedAsItIs) {
+    sql(QStringLiteral("UPDATE parametrs SET value='ООО [заказчик]' WHERE name='Customer';"));
+    const QString text = pdfText(exportTo(QStringLiteral("Заказчик в скобках.pdf"))).simplified();
+    EXPECT_TRUE(text.contains(QStringLiteral("ООО [заказчик]"))) << text.toStdString();
+}
+
 TEST_F(Export, MissingTemplateOrDocumentWritesNothing) {
-    // A folder in the template's place: the template is not there, and is not put back.
+    // A folder in the template's place: it is told as a folder, and no template is put back.
     const QString templ = OfficeTemplates::path(m_data, QStringLiteral("Шаблон Локальная.xls"));
     QFile::remove(templ);
     ASSERT_TRUE(QDir().mkpath(templ));
     const QString out = m_folder.file(QStringLiteral("out.pdf"));
     QString error;
     EXPECT_FALSE(EstimateExport::exportFile(m_document, out, m_data, &error, &engine()));
-    EXPECT_EQ(error, QStringLiteral("Отсутствует файл ") + QDir::toNativeSeparators(templ));
+    EXPECT_EQ(error, QStringLiteral("Шаблон %1 не открывается: это папка, а не файл.")
+                         .arg(QDir::toNativeSeparators(templ)));
     EXPECT_FALSE(QFile::exists(out));
 
     const QString notADocument = m_folder.file(QStringLiteral("текст.sim"));

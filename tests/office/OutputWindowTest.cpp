@@ -14,7 +14,10 @@
 #include <QFile>
 #include <QLineEdit>
 #include <QProcess>
+#include <QProgressDialog>
+#include <QPushButton>
 #include <QSignalSpy>
+#include <QStatusBar>
 #include <QTimer>
 
 #ifndef VIRN_SOURCE_DIR
@@ -116,6 +119,34 @@ TEST_F(OutputWindow, WithoutLibreOfficeTheUserIsToldWhatToInstall) {
     // The rest of the program goes on: the document can still be edited and saved.
     edit();
     EXPECT_TRUE(window->isChanged());
+}
+
+// A long document is made behind a progress window whose "Отменить" stops it: nothing is written and
+// nothing but that is reported.
+TEST_F(OutputWindow, AnExportIsCancelledFromItsProgressWindow) {
+    openSample();
+    const QString pdf = folder.file(QStringLiteral("Вывод/отменённая.pdf"));
+    dialogs->queueFile(pdf);
+    QTimer::singleShot(100, window.get(), [this] {
+        auto *progress = window->findChild<QProgressDialog *>(QStringLiteral("OutputProgress"));
+        ASSERT_NE(progress, nullptr);
+        auto *button = progress->findChild<QPushButton *>();
+        ASSERT_NE(button, nullptr);
+        EXPECT_EQ(button->text(), QStringLiteral("Отменить"));
+        button->click();
+    });
+    int ticks = 0;
+    QString path;
+    EXPECT_FALSE(runAndWait(&OutputPart::MExportPDFClick, &path, &ticks));
+    EXPECT_FALSE(QFile::exists(pdf));
+    EXPECT_FALSE(window->part<OutputPart>()->busy());
+    EXPECT_EQ(dialogs->shown().last().kind, QStringLiteral("saveFile")); // no error box after it
+    EXPECT_TRUE(window->statusBar()->currentMessage().contains(QStringLiteral("отменён")))
+        << window->statusBar()->currentMessage().toStdString();
+    // The next document is made as ever.
+    dialogs->queueFile(pdf);
+    ASSERT_TRUE(runAndWait(&OutputPart::MExportPDFClick, &path, &ticks));
+    EXPECT_TRUE(QFile::exists(pdf));
 }
 
 } // namespace

@@ -96,6 +96,16 @@ TEST(SheetTemplate, UnfilledCountsOnlyPlaceholdersWithDataAndRowPlaceholders) {
               (QStringList{"[заголовок]", "[строки.сумма]"}));
 }
 
+TEST(SheetTemplate, AValueThatLooksLikeAFieldIsNoFieldLeftUnfilled) {
+    // The customer's name holds brackets; the title's own field was not filled.
+    const SheetText::Grid filled{
+        {"ООО [заголовок]", "Заказчик: ООО [заголовок]", "[заголовок]"},
+    };
+    const QSet<QString> written{"ООО [заголовок]", "Заказчик: ООО [заголовок]"};
+    EXPECT_EQ(SheetTemplate::unfilled(filled, estimateLikeData(), written), QStringList{"[заголовок]"});
+    EXPECT_EQ(SheetTemplate::unfilled({{"ООО [заголовок]"}}, estimateLikeData(), written), QStringList{});
+}
+
 TEST(TemplateFile, RefusesMissingLargeAndForeignFiles) {
     TestFolder folder;
     const QString missing = folder.file(QStringLiteral("Шаблон Смета.xls"));
@@ -115,10 +125,14 @@ TEST(TemplateFile, RefusesMissingLargeAndForeignFiles) {
         QByteArray content;
         bool ok;
     } cases[] = {
-        {"text.xls", "just text", false},         {"real.xls", "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1rest", true},
-        {"zip.docx", "PK\x03\x04rest", false}, // a zip header over no archive: damaged
-        {"fake.docx", "{\\rtf1}", false},         {"doc.rtf", "{\\rtf1\\ansi}", true},
-        {"note.txt", "Договор [заказчик]", true}, {"binary.txt", QByteArray("a\0b", 3), false},
+        {"text.xls", "just text", false},
+        // The first bytes of a format with nothing of it behind them.
+        {"garbage.xls", "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1rest", false},
+        {"garbage.docx", "PK\x03\x04rest", false},
+        {"fake.docx", "{\\rtf1}", false},
+        {"doc.rtf", "{\\rtf1\\ansi}", true},
+        {"note.txt", "Договор [заказчик]", true},
+        {"binary.txt", QByteArray("a\0b", 3), false},
         {"picture.png", "\x89PNG", false},
     };
     for (const Case &c : cases) {

@@ -19,6 +19,13 @@ TEST(TextValues, SqlLiteralDoublesQuotesAndRefusesNul) {
     EXPECT_THROW(sqlLiteral(QStringLiteral("a") + QChar(0) + QStringLiteral("b")), SqlTextError);
 }
 
+TEST(TextValues, SqlIdentifierQuotesAnyName) {
+    const std::pair<QString, QString> cases[] = {
+        {"smeta", "\"smeta\""}, {"a\"b", "\"a\"\"b\""}, {"таблица 1", "\"таблица 1\""}, {"", "\"\""}};
+    for (const auto &[in, out] : cases)
+        EXPECT_EQ(sqlIdentifier(in), out) << in.toStdString();
+}
+
 TEST(TextValues, NameRuleRoundTrips) {
     const std::pair<QString, QString> cases[] = {
         {"ООО \"Ромашка\"", "ООО `Ромашка`"},

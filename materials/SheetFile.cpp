@@ -1,0 +1,273 @@
+#include "SheetFile.h"
+
+#include "office/OfficeEngine.h"
+#include "storage/TextValues.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QScopeGuard>
+#include <QUuid>
+#include <QXmlStreamWriter>
+
+namespace SheetFile {
+
+namespace {
+
+bool fail(QString *error, const QString &text) {
+    if (error)
+        *error = text;
+    return false;
+}
+
+void report(const Progress &progress, int value) {
+    if (progress)
+        progress(value);
+}
+
+QString shown(const QString &path) {
+    return QDir::toNativeSeparators(path);
+}
+
+QString scratchName(const QString &dir, const QString &suffix) {
+    return QDir(dir).filePath(
+        QStringLiteral("sheet-%1.%2").arg(QUuid::createUuid().toString(QUuid::WithoutBraces), suffix));
+}
+
+// Removes a scratch file however the work ends.
+struct Scratch {
+    QString path;
+    ~Scratch() {
+        if (!path.isEmpty())
+            QFile::remove(path);
+    }
+};
+
+const QString kOffice = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:office:1.0");
+const QString kTable = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:table:1.0");
+const QString kText = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:text:1.0");
+const QString kStyle = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:style:1.0");
+const QString kFo = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0");
+const QString kSvg = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0");
+
+void textProperties(QXmlStreamWriter &x, const QString &font, bool bold) {
+    x.writeEmptyElement(kStyle, QStringLiteral("text-properties"));
+    if (!font.isEmpty()) {
+        x.writeAttribute(kStyle, QStringLiteral("font-name"), font);
+        x.writeAttribute(kFo, QStringLiteral("font-family"), font);
+    }
+    if (bold)
+        x.writeAttribute(kFo, QStringLiteral("font-weight"), QStringLiteral("bold"));
+}
+
+void styles(QXmlStreamWriter &x, const Table &t) {
+    if (!t.font.isEmpty()) {
+        x.writeStartElement(kOffice, QStringLiteral("font-face-decls"));
+        x.writeEmptyElement(kStyle, QStringLiteral("font-face"));
+        x.writeAttribute(kStyle, QStringLiteral("name"), t.font);
+        x.writeAttribute(kSvg, QStringLiteral("font-family"), QStringLiteral("'%1'").arg(t.font));
+        x.writeEndElement();
+        // Every cell in the font, including those the user adds later.
+        x.writeStartElement(kOffice, QStringLiteral("styles"));
+        x.writeStartElement(kStyle, QStringLiteral("default-style"));
+        x.writeAttribute(kStyle, QStringLiteral("family"), QStringLiteral("table-cell"));
+        textProperties(x, t.font, false);
+        x.writeEndElement();
+        x.writeStartElement(kStyle, QStringLiteral("style"));
+        x.writeAttribute(kStyle, QStringLiteral("name"), QStringLiteral("Default"));
+        x.writeAttribute(kStyle, QStringLiteral("family"), QStringLiteral("table-cell"));
+        textProperties(x, t.font, false);
+        x.writeEndElement();
+        x.writeEndElement();
+    }
+    x.writeStartElement(kOffice, QStringLiteral("automatic-styles"));
+    for (size_t c = 0; c < t.widthsCm.size(); ++c) {
+        x.writeStartElement(kStyle, QStringLiteral("style"));
+        x.writeAttribute(kStyle, QStringLiteral("name"), QStringLiteral("co%1").arg(c));
+        x.writeAttribute(kStyle, QStringLiteral("family"), QStringLiteral("table-column"));
+        x.writeEmptyElement(kStyle, QStringLiteral("table-column-properties"));
+        x.writeAttribute(kStyle, QStringLiteral("column-width"), QStringLiteral("%1cm").arg(t.widthsCm[c]));
+        x.writeEndElement();
+    }
+    x.writeStartElement(kStyle, QStringLiteral("style"));
+    x.writeAttribute(kStyle, QStringLiteral("name"), QStringLiteral("ceTitle"));
+    x.writeAttribute(kStyle, QStringLiteral("family"), QStringLiteral("table-cell"));
+    textProperties(x, t.font, true);
+    x.writeEndElement();
+    x.writeStartElement(kStyle, QStringLiteral("style"));
+    x.writeAttribute(kStyle, QStringLiteral("name"), QStringLiteral("ceText"));
+    x.writeAttribute(kStyle, QStringLiteral("family"), QStringLiteral("table-cell"));
+    textProperties(x, t.font, false);
+    x.writeEndElement();
+    x.writeEndElement();
+}
+
+} // namespace
+
+QString cleanNumber(const QString &text) {
+    const QString t = text.trimmed();
+    if (t.isEmpty() || TextValues::parseAmount(t))
+        return t;
+    static const QRegularExpression currency(QStringLiteral("\\s*(₽|р\\.|руб\\.?|rub)\\s*$"),
+                                             QRegularExpression::CaseInsensitiveOption);
+    QString stripped = t;
+    stripped.remove(currency);
+    return !stripped.isEmpty() && TextValues::parseAmount(stripped) ? stripped.trimmed() : t;
+}
+
+bool checkFile(const QString &path, QString *error) {
+    const QFileInfo info(path);
+    if (!info.isFile())
+        return fail(error, QStringLiteral("Файл %1 не найден.").arg(shown(path)));
+    if (info.size() == 0)
+        return fail(error, QStringLiteral("Файл %1 пуст.").arg(shown(path)));
+    if (info.size() > kMaxFileBytes)
+        return fail(error, QStringLiteral("Файл %1 больше %2 МБ: такой файл не загружается.")
+                               .arg(shown(path))
+                               .arg(kMaxFileBytes / (1024 * 1024)));
+    QFile f(path);
+    if (!f.open(QIODevice::ReadOnly))
+        return fail(error,
+                    QStringLiteral("Не удалось открыть файл %1: %2").arg(shown(path), f.errorString()));
+    const QByteArray head = f.read(8);
+    // ".xlsx" and ".ods" are ZIP packages, ".xls" an OLE compound file.
+    const bool zip = head.startsWith("PK\x03\x04");
+    const bool ole = head.startsWith("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1");
+    if (!zip && !ole)
+        return fail(error,
+                    QStringLiteral("Файл %1 не является таблицей Excel или OpenOffice (.xls, .xlsx, .ods).")
+                        .arg(shown(path)));
+    return true;
+}
+
+bool readCells(OfficeEngine &engine, const QString &path, const QString &scratchDir, SheetText::Grid &cells,
+               QString *error, const Progress &progress) {
+    cells.clear();
+    report(progress, 0);
+    if (!checkFile(path, error))
+        return false;
+    QString type;
+    report(progress, 5);
+    if (!engine.load(path, &type)) {
+        // A helper still running refused the file itself; a crash or a timeout stopped it and says so.
+        if (engine.running())
+            return fail(error,
+                        QStringLiteral("Файл %1 повреждён или не является таблицей Excel или OpenOffice.")
+                            .arg(shown(path)));
+        return fail(error, QStringLiteral("Файл %1 не прочитан: %2").arg(shown(path), engine.error()));
+    }
+    auto closeEngine = qScopeGuard([&engine] { engine.close(); });
+    if (type != QLatin1String("spreadsheet"))
+        return fail(error,
+                    QStringLiteral("Файл %1 не является таблицей Excel или OpenOffice.").arg(shown(path)));
+    report(progress, 40);
+    QDir().mkpath(scratchDir);
+    Scratch csv{scratchName(scratchDir, QStringLiteral("csv"))};
+    if (!engine.saveAs(csv.path, QStringLiteral("csv")))
+        return fail(
+            error, QStringLiteral("Не удалось прочитать лист файла %1: %2").arg(shown(path), engine.error()));
+    report(progress, 65);
+    QFile f(csv.path);
+    if (!f.open(QIODevice::ReadOnly))
+        return fail(error, QStringLiteral("Не удалось прочитать лист файла %1.").arg(shown(path)));
+    if (f.size() > kMaxTextBytes)
+        return fail(error,
+                    QStringLiteral("Первый лист файла %1 больше %2 МБ текста: такой файл не загружается.")
+                        .arg(shown(path))
+                        .arg(kMaxTextBytes / (1024 * 1024)));
+    const QString text = QString::fromUtf8(f.readAll());
+    f.close();
+    cells = SheetText::parseCsv(text);
+    report(progress, 75);
+    return true;
+}
+
+QByteArray flatOds(const Table &t) {
+    QByteArray out;
+    QXmlStreamWriter x(&out);
+    x.writeStartDocument();
+    x.writeNamespace(kOffice, QStringLiteral("office"));
+    x.writeNamespace(kTable, QStringLiteral("table"));
+    x.writeNamespace(kText, QStringLiteral("text"));
+    x.writeNamespace(kStyle, QStringLiteral("style"));
+    x.writeNamespace(kFo, QStringLiteral("fo"));
+    x.writeNamespace(kSvg, QStringLiteral("svg"));
+    x.writeStartElement(kOffice, QStringLiteral("document"));
+    x.writeAttribute(kOffice, QStringLiteral("version"), QStringLiteral("1.2"));
+    x.writeAttribute(kOffice, QStringLiteral("mimetype"),
+                     QStringLiteral("application/vnd.oasis.opendocument.spreadsheet"));
+    styles(x, t);
+    x.writeStartElement(kOffice, QStringLiteral("body"));
+    x.writeStartElement(kOffice, QStringLiteral("spreadsheet"));
+    x.writeStartElement(kTable, QStringLiteral("table"));
+    x.writeAttribute(kTable, QStringLiteral("name"), t.sheetName);
+    const int columns = std::max<int>(t.titles.size(), static_cast<int>(t.widthsCm.size()));
+    for (int c = 0; c < columns; ++c) {
+        x.writeEmptyElement(kTable, QStringLiteral("table-column"));
+        if (c < static_cast<int>(t.widthsCm.size()))
+            x.writeAttribute(kTable, QStringLiteral("style-name"), QStringLiteral("co%1").arg(c));
+    }
+    auto cell = [&](const QString &value, const QString &style, bool number) {
+        x.writeStartElement(kTable, QStringLiteral("table-cell"));
+        x.writeAttribute(kTable, QStringLiteral("style-name"), style);
+        const auto parsed = number ? TextValues::parseAmount(value) : std::nullopt;
+        if (parsed) {
+            // A number the spreadsheet can count with; shown as typed.
+            x.writeAttribute(kOffice, QStringLiteral("value-type"), QStringLiteral("float"));
+            x.writeAttribute(kOffice, QStringLiteral("value"), parsed->text().replace(u',', u'.'));
+            x.writeTextElement(kText, QStringLiteral("p"), value.trimmed());
+        } else if (!value.isEmpty()) {
+            x.writeAttribute(kOffice, QStringLiteral("value-type"), QStringLiteral("string"));
+            x.writeTextElement(kText, QStringLiteral("p"), value);
+        }
+        x.writeEndElement();
+    };
+    if (!t.titles.isEmpty()) {
+        x.writeStartElement(kTable, QStringLiteral("table-row"));
+        for (const QString &title : t.titles)
+            cell(title, QStringLiteral("ceTitle"), false);
+        x.writeEndElement();
+    }
+    for (const QStringList &row : t.rows) {
+        x.writeStartElement(kTable, QStringLiteral("table-row"));
+        for (int c = 0; c < row.size(); ++c)
+            cell(row.at(c), QStringLiteral("ceText"),
+                 c < static_cast<int>(t.number.size()) && t.number[static_cast<size_t>(c)]);
+        x.writeEndElement();
+    }
+    x.writeEndDocument();
+    return out;
+}
+
+bool write(OfficeEngine &engine, const Table &table, const QString &path, const QString &scratchDir,
+           QString *error, const Progress &progress) {
+    report(progress, 0);
+    QDir().mkpath(scratchDir);
+    Scratch ods{scratchName(scratchDir, QStringLiteral("fods"))};
+    {
+        QFile f(ods.path);
+        if (!f.open(QIODevice::WriteOnly) || f.write(flatOds(table)) < 0)
+            return fail(error,
+                        QStringLiteral("Не удалось записать временный файл в %1.").arg(shown(scratchDir)));
+    }
+    report(progress, 20);
+    if (!engine.load(ods.path))
+        return fail(error, QStringLiteral("Таблица не передана в файл: %1").arg(engine.error()));
+    auto closeEngine = qScopeGuard([&engine] { engine.close(); });
+    report(progress, 60);
+    // The file the user chose is replaced only by a complete one.
+    Scratch part{QFileInfo(path).absoluteDir().filePath(
+        QStringLiteral(".%1.%2.part")
+            .arg(QFileInfo(path).fileName(), QUuid::createUuid().toString(QUuid::Id128)))};
+    if (!engine.saveAs(part.path, QStringLiteral("xlsx")))
+        return fail(error,
+                    QStringLiteral("Не удалось сохранить файл %1: %2").arg(shown(path), engine.error()));
+    if ((QFile::exists(path) && !QFile::remove(path)) || !QFile::rename(part.path, path))
+        return fail(error, QStringLiteral("Не удалось заменить файл %1.").arg(shown(path)));
+    part.path.clear();
+    report(progress, 100);
+    return true;
+}
+
+} // namespace SheetFile
