@@ -2,8 +2,8 @@
 
 #include "CashRecord.h"
 #include "FileConnection.h"
-#include "WarehouseTransfer.h"
 #include "customers/CustomerRegister.h"
+#include "materials/WarehouseTransfer.h"
 #include "storage/Catalogue.h"
 #include "storage/ModuleSQL.h"
 #include "storage/Schema.h"

@@ -3,6 +3,7 @@
 #include "CashStore.h"
 #include "customers/CustomerRegister.h"
 
+#include "materials/WriteOffs.h"
 #include "storage/ModuleSQL.h"
 #include "storage/SqliteSnapshot.h"
 #include "storage/TextValues.h"
@@ -45,6 +46,32 @@ CashBook::CashBook(TModuleSQL &module, QObject *parent)
 QSqlDatabase CashBook::book() const {
     return m_module.database(Db::Cash);
 }
+
+namespace {
+
+// The income from sold materials: the warehouse's write-offs with the customer, object and date clauses
+// of the record list (the category does not apply to them).
+std::optional<MoneyResult> soldTotal(QSqlDatabase warehouse, const CashFilter &f) {
+    if (!warehouse.isOpen())
+        return std::nullopt;
+    WriteOffFilter w;
+    w.customer = f.customer;
+    w.object = f.object;
+    if (f.month > 0)
+        w.month = QString::number(f.month);
+    w.year = f.year;
+    if (f.period) {
+        w.from = f.begin;
+        w.to = f.end;
+    }
+    QString error;
+    const MoneyResult sum = WriteOffs::soldTotal(warehouse, w, &error);
+    if (!error.isEmpty())
+        return std::nullopt;
+    return sum;
+}
+
+} // namespace
 
 QSqlDatabase CashBook::warehouse() const {
     return m_module.database(Db::Mat);
@@ -121,7 +148,7 @@ bool CashBook::reload(bool fresh) {
         m_balance = CashStore::balance(book(), m_filter.customer, m_filter.object, &why);
         m_balanceFresh = why.isEmpty();
     }
-    m_sold = CashStore::soldMaterials(warehouse(), m_filter);
+    m_sold = soldTotal(warehouse(), m_filter);
     emit totalsChanged();
     emit reloaded();
     return ok;

@@ -65,7 +65,8 @@ public:
     const CashTotals &totals() const { return m_totals; }
     // Income less expenses over every record of the customer and object.
     const MoneyResult &balance() const { return m_balance; }
-    // The income from sold materials of the warehouse; nullopt when the warehouse cannot be read.
+    // The income from sold materials: the warehouse's write-offs to the customer and object within the
+    // date clauses (WriteOffs::soldTotal); nullopt when the warehouse cannot be read.
     const std::optional<MoneyResult> &soldMaterials() const { return m_sold; }
     // EditZakupka for a percent.
     MoneyResult purchaseAmount(int percent) const;

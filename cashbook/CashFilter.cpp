@@ -72,13 +72,6 @@ QString balance(const QString &customer, const QString &object) {
     return QStringLiteral("SELECT * FROM Cash WHERE ") + (c.isEmpty() ? QStringLiteral("1") : c);
 }
 
-QString soldMaterials(const CashFilter &f) {
-    QString c = customerObject(f.customer, f.object);
-    if (c.isEmpty())
-        c = QStringLiteral("customer<>''");
-    return QStringLiteral("SELECT * FROM storage WHERE ") + joined(c, dateClauses(f));
-}
-
 QString years() {
     return QStringLiteral("SELECT DISTINCT year FROM Cash WHERE 1");
 }

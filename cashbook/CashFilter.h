@@ -38,9 +38,6 @@ QString records(const CashFilter &filter);
 // The balance of the customer and object whatever the other filters: "SELECT * FROM Cash WHERE
 // customer='…' and object='…'", one of the two, or "… WHERE 1".
 QString balance(const QString &customer, const QString &object);
-// The sold materials of the warehouse (table storage) with the same customer/object and date clauses;
-// without a customer or object only the write-offs (rows given to a customer) count.
-QString soldMaterials(const CashFilter &filter);
 // "SELECT DISTINCT year FROM Cash WHERE 1": the years of the year list.
 QString years();
 

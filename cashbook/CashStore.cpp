@@ -159,24 +159,6 @@ MoneyResult balance(QSqlDatabase book, const QString &customer, const QString &o
     return balanceOf(q);
 }
 
-std::optional<MoneyResult> soldMaterials(QSqlDatabase warehouse, const CashFilter &filter) {
-    const QString sql = selecting(CashSql::soldMaterials(filter), QStringLiteral("summa"));
-    QSqlQuery q(warehouse);
-    q.setForwardOnly(true);
-    if (!warehouse.isOpen() || !q.exec(sql))
-        return std::nullopt;
-    MoneyResult sum = Money();
-    while (q.next()) {
-        const QString text = q.value(0).toString();
-        if (text.isEmpty())
-            continue;
-        const MoneyResult m = Money::parse(text);
-        if (m.ok())
-            sum += m;
-    }
-    return sum;
-}
-
 QStringList years(QSqlDatabase book) {
     QStringList out;
     QSqlQuery q(book);

@@ -1,7 +1,6 @@
 #pragma once
 // The cash book's tables in its database: the records (cash) and their receipt lines (checks), read
-// by the filter's statement and written one record or line at a time. The warehouse's table storage
-// of listmat.db is only read here (the income from sold materials). Failures come back as Russian
+// by the filter's statement and written one record or line at a time. Failures come back as Russian
 // text in *error; nothing is half written (every change is one statement or one transaction).
 
 #include "CashFilter.h"
@@ -11,7 +10,6 @@
 #include <QSqlDatabase>
 #include <QString>
 #include <QStringList>
-#include <optional>
 #include <vector>
 
 // One receipt line: goods bought for a record (val is the record's key).
@@ -37,8 +35,6 @@ bool load(QSqlDatabase book, const CashFilter &filter, std::vector<qint64> *ids,
 bool entries(QSqlDatabase book, const std::vector<qint64> &ids, std::vector<CashEntry> *out, QString *error);
 // Income less the five expenses over every record of the customer and object (either may be empty).
 MoneyResult balance(QSqlDatabase book, const QString &customer, const QString &object, QString *error);
-// The sum of the sold materials' summa; nullopt when the warehouse cannot be read.
-std::optional<MoneyResult> soldMaterials(QSqlDatabase warehouse, const CashFilter &filter);
 // The distinct years of the records, in ascending order.
 QStringList years(QSqlDatabase book);
 

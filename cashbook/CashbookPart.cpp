@@ -5,6 +5,7 @@
 #include "MobileExchange.h"
 #include "customers/CustomersPart.h"
 #include "estimate/OutputPart.h"
+#include "materials/WarehousePart.h"
 #include "office/OfficeService.h"
 #include "server/ServerPart.h"
 #include "storage/MainSettings.h"
@@ -121,8 +122,11 @@ void CashbookPart::MKassaBookClick() {
         c.bookChanged = [this](const QString &path) { bookChanged(path); };
         MainShell *shell = m_shell;
         c.status = [shell](const QString &text) { shell->showStatus(text); };
+        if (WarehousePart *warehouse = shell->part<WarehousePart>())
+            c.soldMaterials = [warehouse](const QString &customer, const QString &object) {
+                warehouse->showSoldMaterials(customer, object);
+            };
         m_page = new TKassaBook(c, pages);
-        m_page->setSoldMaterialsView(m_soldMaterials);
         pages->addTab(m_page, QStringLiteral("Касса"));
         // Every entry into the page reads the lists and the records again (another copy of the program
         // may have written the book meanwhile).
@@ -135,10 +139,4 @@ void CashbookPart::MKassaBookClick() {
         m_page->enter();
     else
         pages->setCurrentWidget(m_page);
-}
-
-void CashbookPart::setSoldMaterialsView(std::function<void()> show) {
-    m_soldMaterials = std::move(show);
-    if (m_page)
-        m_page->setSoldMaterialsView(m_soldMaterials);
 }

@@ -3,12 +3,11 @@
 // the page TKassaBook. At start the book of the settings ("Path"/"Cashbook", else Sp/cashbase.db) is
 // checked and brought to the current layout before any part reads the customers from it; another book
 // opened from the page is kept there. The page's "Проданный материал" opens the warehouse's report of
-// sold materials once that is connected (setSoldMaterialsView).
+// sold materials (WarehousePart) for the chosen customer and object.
 
 #include "ui/MainShell.h"
 
 #include <QPointer>
-#include <functional>
 
 class CashBook;
 class MobileExchange;
@@ -28,9 +27,6 @@ public:
 
     // MKassaBook: the page, made on first use and read again on every entry.
     void MKassaBookClick();
-    // Connects "Проданный материал" (ToolDohodMat) to the report of sold materials; until then the
-    // button is hidden.
-    void setSoldMaterialsView(std::function<void()> show);
 
     CashBook *book() const { return m_book; }
     TKassaBook *page() const;
@@ -49,6 +45,5 @@ private:
     MobileExchange *m_exchange = nullptr;
     OfficeService *m_office = nullptr;
     QPointer<TKassaBook> m_page;
-    std::function<void()> m_soldMaterials;
     QString m_defaultBook;
 };

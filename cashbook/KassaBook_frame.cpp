@@ -16,13 +16,13 @@
 #include <QListView>
 #include <QMenu>
 #include <QPushButton>
-#include <QSpinBox>
 #include <QShortcut>
+#include <QSpinBox>
 #include <QSplitter>
 #include <QStandardItemModel>
 #include <QStringListModel>
-#include <QStyledItemDelegate>
 #include <QStyle>
+#include <QStyledItemDelegate>
 #include <QTabWidget>
 #include <QTableView>
 #include <QToolBar>
@@ -101,7 +101,7 @@ TKassaBook::TKassaBook(const Context &context, QWidget *parent)
     m_totals->setHorizontalHeaderLabels(TotalsCol::titles());
     build();
     connectAll();
-    setSoldMaterialsView({});
+    ToolDohodMat->setVisible(static_cast<bool>(m_ctx.soldMaterials));
 }
 
 void TKassaBook::build() {
@@ -266,10 +266,8 @@ QWidget *TKassaBook::buildRecordButtons() {
     rows->setContentsMargins(0, 0, 0, 0);
     btnAddRecord = button(box, QStringLiteral("btnAddRecord"), QStringLiteral("Добавить запись"),
                           QStringLiteral("Добавить запись (Insert)"));
-
     btnDeleteRecord = button(box, QStringLiteral("btnDeleteRecord"), QStringLiteral("Удалить запись"),
                              QStringLiteral("Удалить запись (Ctrl+Delete)"));
-
     btnFirstRecord = button(box, QStringLiteral("btnFirstRecord"), QStringLiteral("Первая запись"));
     btnLastRecord = button(box, QStringLiteral("btnLastRecord"), QStringLiteral("Последняя запись"));
     DateEdit = datePicker(box, QStringLiteral("DateEdit"));
@@ -300,7 +298,7 @@ QWidget *TKassaBook::buildRecordButtons() {
 }
 
 QWidget *TKassaBook::buildRashodPage() {
-    auto *page = new QWidget;
+    auto *page = named(new QWidget, QStringLiteral("TabRashod"));
     auto *layout = new QVBoxLayout(page);
     GridRashod = grid(page, QStringLiteral("GridRashod"), m_book.records());
     GridRashod->setColumnWidth(CashCol::Marker, 24);
@@ -348,7 +346,7 @@ QWidget *TKassaBook::buildRashodPage() {
 }
 
 QWidget *TKassaBook::buildChekiPage() {
-    auto *page = new QWidget;
+    auto *page = named(new QWidget, QStringLiteral("TabCheki"));
     auto *layout = new QVBoxLayout(page);
     GridCheki = grid(page, QStringLiteral("GridCheki"), m_book.checks());
     GridCheki->setColumnWidth(ChecksCol::Marker, 24);

@@ -44,14 +44,15 @@ public:
         // Another book became the book (its path is kept in the settings, the registers follow it).
         std::function<void(const QString &path)> bookChanged;
         std::function<void(const QString &text)> status;
+        // ToolDohodMat: the warehouse's report of sold materials for a customer and object (either may
+        // be empty); the button is hidden when the program has no warehouse.
+        std::function<void(const QString &customer, const QString &object)> soldMaterials;
     };
 
     explicit TKassaBook(const Context &context, QWidget *parent = nullptr);
 
     // Entering the page: the lists and the records read again.
     void enter();
-    // ToolDohodMat opens the sold materials of the warehouse through this; hidden without it.
-    void setSoldMaterialsView(std::function<void()> show);
     // The caption "Касса " + the book's path.
     QString caption() const;
     bool outputBusy() const { return m_outputBusy; }
@@ -164,7 +165,6 @@ private:
     QStringListModel *m_customers;
     QStringListModel *m_objects;
     QStandardItemModel *m_totals;
-    std::function<void()> m_soldMaterials;
     bool m_outputBusy = false;
     bool m_settingDates = false;
 };

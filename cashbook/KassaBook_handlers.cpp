@@ -34,11 +34,6 @@ QString TKassaBook::caption() const {
     return QStringLiteral("Касса ") + QDir::toNativeSeparators(m_book.bookPath());
 }
 
-void TKassaBook::setSoldMaterialsView(std::function<void()> show) {
-    m_soldMaterials = std::move(show);
-    ToolDohodMat->setVisible(static_cast<bool>(m_soldMaterials));
-}
-
 void TKassaBook::enter() {
     LabelBook->setText(caption());
     reloadCustomers();
@@ -373,6 +368,6 @@ void TKassaBook::ToolSaveClick() {
 }
 
 void TKassaBook::ToolDohodMatClick() {
-    if (m_soldMaterials)
-        m_soldMaterials();
+    if (m_ctx.soldMaterials)
+        m_ctx.soldMaterials(m_book.filter().customer, m_book.filter().object);
 }

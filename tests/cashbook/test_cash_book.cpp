@@ -247,6 +247,10 @@ TEST_F(CashBookTest, IncomeFromSoldMaterialsOfTheWarehouse) {
     EXPECT_EQ(t.book->soldMaterials()->text(), "1500,50");
     t.book->clearFilters();
     EXPECT_EQ(t.book->soldMaterials()->text(), "11000,50");
+    // The month clause of every customer; the category does not apply to write-offs.
+    t.book->setMonthClause(3, "2024");
+    t.book->setCategory(1);
+    EXPECT_EQ(t.book->soldMaterials()->text(), "10500,50");
 }
 
 TEST_F(CashBookTest, YearsOfTheRecords) {

@@ -130,12 +130,12 @@ TEST_F(CashOutputWindow, ExportFromThePage) {
     book.showReceipts(row);
     ASSERT_EQ(book.addLine(&o), 0);
     ASSERT_TRUE(book.editLine(0, ChecksCol::Name, "Грунтовка"));
-    page->CheckBoxCheki->setChecked(true);
+    child<QCheckBox>(page, "CheckBoxCheki")->setChecked(true);
 
     QSignalSpy finished(page, &TKassaBook::outputFinished);
     const QString pdf = folder.file("Касса Иванов.pdf");
     dialogs->queueFile(pdf);
-    page->ToolPDF->trigger();
+    child<QAction>(page, "ToolPDF")->trigger();
     ASSERT_TRUE(finished.wait(120000));
     ASSERT_TRUE(finished.at(0).at(0).toBool()) << dialogs->lastText().toStdString();
     const QString text = pdfText(pdf);
@@ -145,7 +145,7 @@ TEST_F(CashOutputWindow, ExportFromThePage) {
 
     const QString xlsx = folder.file("Касса Иванов.xlsx");
     dialogs->queueFile(xlsx);
-    page->ToolExcel->trigger();
+    child<QAction>(page, "ToolExcel")->trigger();
     ASSERT_TRUE(finished.wait(120000));
     EXPECT_TRUE(finished.at(1).at(0).toBool()) << dialogs->lastText().toStdString();
     EXPECT_GT(QFileInfo(xlsx).size(), 1000);

@@ -66,16 +66,6 @@ TEST(CashQuery, BalanceIgnoresEverythingButCustomerAndObject) {
               "SELECT * FROM Cash WHERE customer='Иванов' and object='Дача'");
 }
 
-TEST(CashQuery, SoldMaterialsTakeTheCustomerAndDateClauses) {
-    EXPECT_EQ(
-        CashSql::soldMaterials(filter("Иванов", "Дача", 3, 3, "2024", false)),
-        "SELECT * FROM storage WHERE customer='Иванов' and object='Дача' and month='3' and year='2024'");
-    // Without a customer only what was given to one counts (stock rows have none).
-    EXPECT_EQ(CashSql::soldMaterials(filter("", "", 0, 0, "", true)),
-              "SELECT * FROM storage WHERE customer<>'' and date_compare>='20240301' and "
-              "date_compare<='20240331'");
-}
-
 TEST(CashQuery, MonthMovesAcrossYears) {
     const QDate today(2024, 5, 15);
     struct Case {

@@ -9,9 +9,13 @@
 #include "cashbook/CashbookPart.h"
 #include "cashbook/KassaBook_frame.h"
 #include "customers/CustomerRegister.h"
+#include "materials/DohodMat_frame.h"
+#include "materials/WarehousePart.h"
+#include "materials/WriteOffs.h"
 #include "server/RemoteClient.h"
 #include "server/ServerPart.h"
 #include "storage/SqliteSnapshot.h"
+#include "storage/TextValues.h"
 
 #include <QAction>
 #include <QApplication>
@@ -50,6 +54,8 @@ protected:
         page = child<TKassaBook>(window.get(), "KassaBook");
         ASSERT_NE(page, nullptr);
     }
+    // A component of the page by its objectName.
+    template <typename T> T *w(const char *name) const { return child<T>(page, QString::fromLatin1(name)); }
     void clickList(QListView *list, const QString &text) {
         const QModelIndexList found =
             list->model()->match(list->model()->index(0, 0), Qt::DisplayRole, text, 1, Qt::MatchExactly);
@@ -58,23 +64,23 @@ protected:
     }
     // "Добавить запись" on the date, then the cells typed in.
     void addRecord(const QDate &date, const std::map<int, QString> &cells) {
-        page->DateEdit->setDate(date);
-        QTest::mouseClick(page->btnAddRecord, Qt::LeftButton);
-        const QModelIndex current = page->GridRashod->currentIndex();
+        w<QDateEdit>("DateEdit")->setDate(date);
+        QTest::mouseClick(w<QPushButton>("btnAddRecord"), Qt::LeftButton);
+        const QModelIndex current = w<QTableView>("GridRashod")->currentIndex();
         ASSERT_TRUE(current.isValid());
         EXPECT_EQ(current.column(), CashCol::Date);
-        QAbstractItemModel *m = page->GridRashod->model();
+        QAbstractItemModel *m = w<QTableView>("GridRashod")->model();
         for (const auto &[column, text] : cells)
             ASSERT_TRUE(m->setData(m->index(current.row(), column), text, Qt::EditRole));
     }
     QStringList totals() const {
         QStringList out;
-        QAbstractItemModel *m = page->StrGridItigo->model();
+        QAbstractItemModel *m = w<QTableView>("StrGridItigo")->model();
         for (int c = 0; c < m->columnCount(); ++c)
             out << m->index(0, c).data().toString();
         return out;
     }
-    int rows() const { return page->GridRashod->model()->rowCount(); }
+    int rows() const { return w<QTableView>("GridRashod")->model()->rowCount(); }
     QStringList bookRows(const QString &sql) { return queryRows(module->database(Db::Cash), sql); }
 
     TKassaBook *page = nullptr;
@@ -84,22 +90,22 @@ protected:
 
 TEST_F(CashWindow, RecordsFilteredByMonthAndCategoryWithTheirTotals) {
     EXPECT_EQ(window->pages()->currentWidget(), page);
-    EXPECT_TRUE(page->LabelBook->text().startsWith("Касса "));
-    EXPECT_FALSE(page->ToolDohodMat->isVisible());
-    EXPECT_EQ(page->GridRashod->model()->columnCount(), 12);
-    EXPECT_EQ(page->StrGridItigo->model()->columnCount(), 10);
+    EXPECT_TRUE(w<QLabel>("LabelBook")->text().startsWith("Касса "));
+    EXPECT_TRUE(w<QAction>("ToolDohodMat")->isVisible());
+    EXPECT_EQ(w<QTableView>("GridRashod")->model()->columnCount(), 12);
+    EXPECT_EQ(w<QTableView>("StrGridItigo")->model()->columnCount(), 10);
 
     // Without a customer and object nothing is added.
-    QTest::mouseClick(page->btnAddRecord, Qt::LeftButton);
+    QTest::mouseClick(w<QPushButton>("btnAddRecord"), Qt::LeftButton);
     EXPECT_EQ(dialogs->lastText(), "Выберите заказчика и объект");
     EXPECT_EQ(dialogs->lastCaption(), "Предупреждение");
     EXPECT_EQ(rows(), 0);
 
-    clickList(page->ListBox1, "Иванов");
-    EXPECT_EQ(page->ListBox2->model()->rowCount(), 2);
-    clickList(page->ListBox2, "Квартира \"Центр\"");
-    EXPECT_EQ(page->LabelCustomer->text(), "Иванов");
-    EXPECT_EQ(page->LabelObject->text(), "Квартира \"Центр\"");
+    clickList(w<QListView>("ListBox1"), "Иванов");
+    EXPECT_EQ(w<QListView>("ListBox2")->model()->rowCount(), 2);
+    clickList(w<QListView>("ListBox2"), "Квартира \"Центр\"");
+    EXPECT_EQ(w<QLabel>("LabelCustomer")->text(), "Иванов");
+    EXPECT_EQ(w<QLabel>("LabelObject")->text(), "Квартира \"Центр\"");
 
     addRecord(QDate(2024, 3, 4), {{kIncoming, "100000"}, {CashCol::Note, "аванс"}});
     addRecord(QDate(2024, 3, 12), {{kMaterial, "35000.50"}, {kMySalary, "15000"}});
@@ -110,109 +116,151 @@ TEST_F(CashWindow, RecordsFilteredByMonthAndCategoryWithTheirTotals) {
               QStringList{"4"});
     EXPECT_EQ(totals(), QStringList({"100 000,00", "35 000,00", "47 000,50", "0,00", "0,00", "0,00",
                                      "82 000,50", "17 999,50", "35 000,00", "47"}));
-    EXPECT_EQ(page->EditLastBalance->text(), "17 999,50");
-    EXPECT_FALSE(page->EditLastBalance->isHidden());
-    page->SpinEditZakupka->setValue(10);
-    EXPECT_EQ(page->EditZakupka->text(), "4700,05");
+    EXPECT_EQ(w<QLineEdit>("EditLastBalance")->text(), "17 999,50");
+    EXPECT_FALSE(w<QLineEdit>("EditLastBalance")->isHidden());
+    w<QSpinBox>("SpinEditZakupka")->setValue(10);
+    EXPECT_EQ(w<QLineEdit>("EditZakupka")->text(), "4700,05");
 
     // March by the month/year filter.
-    page->ComboBoxMonth->setCurrentIndex(3);
-    ASSERT_EQ(page->ComboBoxYear->findText("2024"), 1);
-    page->ComboBoxYear->setCurrentIndex(1);
-    QTest::mouseClick(page->btnMonthFilter, Qt::LeftButton);
+    w<QComboBox>("ComboBoxMonth")->setCurrentIndex(3);
+    ASSERT_EQ(w<QComboBox>("ComboBoxYear")->findText("2024"), 1);
+    w<QComboBox>("ComboBoxYear")->setCurrentIndex(1);
+    QTest::mouseClick(w<QPushButton>("btnMonthFilter"), Qt::LeftButton);
     EXPECT_EQ(rows(), 2);
     EXPECT_EQ(totals(), QStringList({"100 000,00", "15 000,00", "35 000,50", "0,00", "0,00", "0,00",
                                      "50 000,50", "49 999,50", "15 000,00", "8"}));
-    EXPECT_EQ(page->DateEdit->date(), QDate(2024, 3, 4));
+    EXPECT_EQ(w<QDateEdit>("DateEdit")->date(), QDate(2024, 3, 4));
     // The balance is the whole object's.
-    EXPECT_EQ(page->EditLastBalance->text(), "17 999,50");
+    EXPECT_EQ(w<QLineEdit>("EditLastBalance")->text(), "17 999,50");
 
     // And the materials of March only.
-    page->FiltrCategory->setCurrentIndex(3);
+    w<QComboBox>("FiltrCategory")->setCurrentIndex(3);
     EXPECT_EQ(rows(), 1);
     EXPECT_EQ(totals().mid(0, 3), QStringList({"0,00", "0,00", "35 000,50"}));
-    EXPECT_EQ(page->GridRashod->model()->index(0, kMySalary).data().toString(), "");
+    EXPECT_EQ(w<QTableView>("GridRashod")->model()->index(0, kMySalary).data().toString(), "");
 
     // "Следующий месяц" moves the filter to April.
-    QTest::mouseClick(page->btnMonthNext, Qt::LeftButton);
-    EXPECT_EQ(page->ComboBoxMonth->currentIndex(), 4);
+    QTest::mouseClick(w<QPushButton>("btnMonthNext"), Qt::LeftButton);
+    EXPECT_EQ(w<QComboBox>("ComboBoxMonth")->currentIndex(), 4);
     EXPECT_EQ(rows(), 1);
     EXPECT_EQ(totals().at(2), "12 000,00");
 
-    page->PageControl->setCurrentWidget(page->TabRashod);
+    w<QTabWidget>("PageControl")->setCurrentWidget(w<QWidget>("TabRashod"));
     // The rate panel narrowed, as the user does while working in the cash book.
     child<QSplitter>(window.get(), "SplitterMain")->setSizes({300, 1500});
     page->window()->grab().save(QStringLiteral(VIRN_SCREENSHOT_DIR "/cashbook_window.png"));
 
     // A period whose end is before its begin is refused and the end set back.
-    page->DateBegin->setDate(QDate(2024, 4, 10));
-    page->DateEnd->setDate(QDate(2024, 4, 1));
+    w<QDateEdit>("DateBegin")->setDate(QDate(2024, 4, 10));
+    w<QDateEdit>("DateEnd")->setDate(QDate(2024, 4, 1));
     EXPECT_EQ(dialogs->lastText(), "Начало периода не должно превышать окончание");
-    EXPECT_EQ(page->DateEnd->date(), QDate(2024, 4, 10));
+    EXPECT_EQ(w<QDateEdit>("DateEnd")->date(), QDate(2024, 4, 10));
 
     // Everything again, then the last record deleted after the question.
-    QTest::mouseClick(page->btnClearFilters, Qt::LeftButton);
-    EXPECT_EQ(page->FiltrCategory->currentIndex(), 0);
+    QTest::mouseClick(w<QPushButton>("btnClearFilters"), Qt::LeftButton);
+    EXPECT_EQ(w<QComboBox>("FiltrCategory")->currentIndex(), 0);
     EXPECT_EQ(rows(), 4);
-    EXPECT_EQ(page->LabelCustomer->text(), "");
-    QTest::mouseClick(page->btnLastRecord, Qt::LeftButton);
+    EXPECT_EQ(w<QLabel>("LabelCustomer")->text(), "");
+    QTest::mouseClick(w<QPushButton>("btnLastRecord"), Qt::LeftButton);
     dialogs->queueAnswer(Dialogs::Answer::No);
-    QTest::mouseClick(page->btnDeleteRecord, Qt::LeftButton);
+    QTest::mouseClick(w<QPushButton>("btnDeleteRecord"), Qt::LeftButton);
     EXPECT_EQ(dialogs->lastText(), "Удалить запись от 20.04.2024?");
     EXPECT_EQ(rows(), 4);
     dialogs->queueAnswer(Dialogs::Answer::Yes);
-    QTest::mouseClick(page->btnDeleteRecord, Qt::LeftButton);
+    QTest::mouseClick(w<QPushButton>("btnDeleteRecord"), Qt::LeftButton);
     EXPECT_EQ(rows(), 3);
     EXPECT_EQ(bookRows("SELECT count(*) FROM cash"), QStringList{"3"});
 
     // Insert in the page adds a record (here refused: the filters were cleared with the customer).
     QApplication::setActiveWindow(window.get());
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    page->GridRashod->setFocus();
+    w<QTableView>("GridRashod")->setFocus();
     dialogs->clear();
-    QTest::keyClick(page->GridRashod, Qt::Key_Insert);
+    QTest::keyClick(w<QTableView>("GridRashod"), Qt::Key_Insert);
     EXPECT_EQ(dialogs->lastText(), "Выберите заказчика и объект");
 }
 
+TEST_F(CashWindow, SoldMaterialsOfTheWarehouse) {
+    // Write-offs of the warehouse: two to Иванов's Дача (March and April 2024), one to Петров.
+    QSqlDatabase mat = module->database(Db::Mat);
+    for (const auto &[name, sum, customer, object, day] :
+         {std::tuple{"Цемент", "1500,50", "Иванов", "Дача", QDate(2024, 3, 5)},
+          std::tuple{"Песок", "499,50", "Иванов", "Дача", QDate(2024, 4, 10)},
+          std::tuple{"Плитка", "9000", "Петров", "Гараж", QDate(2024, 3, 1)}}) {
+        WriteOff wo;
+        wo.name = name;
+        wo.sum = sum;
+        wo.customer = customer;
+        wo.object = object;
+        wo.date = TextValues::shortDate(day);
+        wo.month = QString::number(day.month());
+        wo.year = QString::number(day.year());
+        wo.dateCompare = TextValues::dateCompareDay(day);
+        ASSERT_FALSE(WriteOffs::add(mat, wo).isEmpty());
+    }
+    clickList(w<QListView>("ListBox1"), "Иванов");
+    clickList(w<QListView>("ListBox2"), "Дача");
+    EXPECT_EQ(w<QLabel>("lbDohodMat")->text(), "В том числе доход от продажи материалов:   2 000,00");
+    // March only: the period applies to the write-offs too.
+    w<QDateEdit>("DateBegin")->setDate(QDate(2024, 3, 1));
+    w<QDateEdit>("DateEnd")->setDate(QDate(2024, 3, 31));
+    QTest::mouseClick(w<QPushButton>("btnPeriodFilter"), Qt::LeftButton);
+    EXPECT_EQ(w<QLabel>("lbDohodMat")->text(), "В том числе доход от продажи материалов:   1 500,50");
+    // Another customer: his own write-offs (the period stays).
+    clickList(w<QListView>("ListBox1"), "Петров");
+    clickList(w<QListView>("ListBox2"), "Гараж");
+    EXPECT_EQ(w<QLabel>("lbDohodMat")->text(), "В том числе доход от продажи материалов:   9 000,00");
+
+    // "Проданный материал" opens the warehouse's report for the chosen customer and object.
+    w<QAction>("ToolDohodMat")->trigger();
+    TDohodMat *report = window->part<WarehousePart>()->soldMaterialsWindow();
+    ASSERT_NE(report, nullptr);
+    EXPECT_TRUE(report->isVisible());
+    EXPECT_EQ(report->windowTitle(), "Доход с продаж материалов");
+    EXPECT_EQ(child<QComboBox>(report, "ComboBoxZakaz")->currentText(), "Петров");
+    EXPECT_EQ(child<QComboBox>(report, "ComboBoxObject")->currentText(), "Гараж");
+    report->close();
+}
+
 TEST_F(CashWindow, ReceiptsAndPurchaseThroughThePage) {
-    clickList(page->ListBox1, "Петров");
-    clickList(page->ListBox2, "Гараж");
+    clickList(w<QListView>("ListBox1"), "Петров");
+    clickList(w<QListView>("ListBox2"), "Гараж");
     addRecord(QDate(2024, 5, 6), {{kMaterial, "900"}});
-    QTest::mouseClick(page->btnAddCheki, Qt::LeftButton);
-    EXPECT_EQ(page->PageControl->currentWidget(), page->TabCheki);
-    QTest::mouseClick(page->btnAddCheck, Qt::LeftButton);
-    QAbstractItemModel *lines = page->GridCheki->model();
+    QTest::mouseClick(w<QPushButton>("btnAddCheki"), Qt::LeftButton);
+    EXPECT_EQ(w<QTabWidget>("PageControl")->currentWidget(), w<QWidget>("TabCheki"));
+    QTest::mouseClick(w<QPushButton>("btnAddCheck"), Qt::LeftButton);
+    QAbstractItemModel *lines = w<QTableView>("GridCheki")->model();
     ASSERT_EQ(lines->rowCount(), 1);
-    page->GridCheki->closePersistentEditor(page->GridCheki->currentIndex());
+    w<QTableView>("GridCheki")->closePersistentEditor(w<QTableView>("GridCheki")->currentIndex());
     ASSERT_TRUE(lines->setData(lines->index(0, ChecksCol::Name), "Краска", Qt::EditRole));
     ASSERT_TRUE(lines->setData(lines->index(0, ChecksCol::Quantity), "3", Qt::EditRole));
     ASSERT_TRUE(lines->setData(lines->index(0, ChecksCol::Price), "300", Qt::EditRole));
-    EXPECT_EQ(page->EditCheki->text(), "900,00 руб.");
-    page->EditValuta->setCurrentIndex(4);
-    EXPECT_EQ(page->EditCheki->text(), "900,00 тг.");
+    EXPECT_EQ(w<QLineEdit>("EditCheki")->text(), "900,00 руб.");
+    w<QComboBox>("EditValuta")->setCurrentIndex(4);
+    EXPECT_EQ(w<QLineEdit>("EditCheki")->text(), "900,00 тг.");
 
-    page->PageControl->setCurrentWidget(page->TabRashod);
+    w<QTabWidget>("PageControl")->setCurrentWidget(w<QWidget>("TabRashod"));
     dialogs->queueAnswer(Dialogs::Answer::Yes);
-    QTest::mouseClick(page->btnDeleteCheki, Qt::LeftButton);
+    QTest::mouseClick(w<QPushButton>("btnDeleteCheki"), Qt::LeftButton);
     EXPECT_EQ(dialogs->lastText(), "Удалить расшифровку по чекам от 06.05.2024?");
     EXPECT_EQ(bookRows("SELECT count(*) FROM checks"), QStringList{"0"});
 
-    page->SpinEditZakupka->setValue(20);
-    EXPECT_EQ(page->EditZakupka->text(), "180,00");
-    QTest::mouseClick(page->btnAddZakupka, Qt::LeftButton);
+    w<QSpinBox>("SpinEditZakupka")->setValue(20);
+    EXPECT_EQ(w<QLineEdit>("EditZakupka")->text(), "180,00");
+    QTest::mouseClick(w<QPushButton>("btnAddZakupka"), Qt::LeftButton);
     EXPECT_EQ(rows(), 2);
     EXPECT_EQ(bookRows("SELECT material, note FROM cash ORDER BY _id DESC LIMIT 1"),
               QStringList{"180,00|Закупка материалов 20%"});
 }
 
 TEST_F(CashWindow, SaveACopyAndOpenAnotherBook) {
-    clickList(page->ListBox1, "Иванов");
-    clickList(page->ListBox2, "Дача");
+    clickList(w<QListView>("ListBox1"), "Иванов");
+    clickList(w<QListView>("ListBox2"), "Дача");
     addRecord(QDate(2024, 1, 9), {{kIncoming, "5000"}});
 
     const QString copy = folder.file(CashBook::copyName(QDate::currentDate()));
     dialogs->queueFile(copy);
-    page->ToolSave->trigger();
+    w<QAction>("ToolSave")->trigger();
     ASSERT_TRUE(QFile::exists(copy));
     EXPECT_EQ(SqliteSnapshot::check(copy), QString());
 
@@ -222,10 +270,10 @@ TEST_F(CashWindow, SaveACopyAndOpenAnotherBook) {
         ASSERT_TRUE(QSqlQuery(f.db()).exec("UPDATE cash SET incoming='7000'"));
     }
     dialogs->queueFile(copy);
-    page->ToolOpen->trigger();
-    EXPECT_EQ(page->LabelBook->text(), "Касса " + QDir::toNativeSeparators(copy));
+    w<QAction>("ToolOpen")->trigger();
+    EXPECT_EQ(w<QLabel>("LabelBook")->text(), "Касса " + QDir::toNativeSeparators(copy));
     EXPECT_EQ(window->settings().text("Cashbook"), copy);
-    EXPECT_EQ(page->ListBox1->model()->rowCount(), 2);
+    EXPECT_EQ(w<QListView>("ListBox1")->model()->rowCount(), 2);
     EXPECT_EQ(rows(), 1);
     EXPECT_EQ(totals().at(0), "7 000,00");
 
@@ -237,44 +285,44 @@ TEST_F(CashWindow, SaveACopyAndOpenAnotherBook) {
         f.write("не база");
     }
     dialogs->queueFile(junk);
-    page->ToolOpen->trigger();
+    w<QAction>("ToolOpen")->trigger();
     EXPECT_TRUE(dialogs->lastText().contains("не является кассовой книгой"));
-    EXPECT_EQ(page->LabelBook->text(), "Касса " + QDir::toNativeSeparators(copy));
+    EXPECT_EQ(w<QLabel>("LabelBook")->text(), "Касса " + QDir::toNativeSeparators(copy));
 }
 
 TEST_F(CashWindow, MobileExchangeThroughThePage) {
     QSignalSpy finished(page, &TKassaBook::exchangeFinished);
     // No server yet.
     dialogs->queueAnswer(Dialogs::Answer::Yes);
-    page->NGetMobail->trigger();
+    w<QAction>("NGetMobail")->trigger();
     ASSERT_TRUE(finished.count() > 0 || finished.wait(5000));
     EXPECT_TRUE(dialogs->lastText().contains("Файловый сервер"));
 
     FileServerProcess server;
     ASSERT_TRUE(server.start()) << server.error().toStdString();
     window->part<ServerPart>()->client()->setServer(server.url(), server.key());
-    clickList(page->ListBox1, "Иванов");
-    clickList(page->ListBox2, "Дача");
+    clickList(w<QListView>("ListBox1"), "Иванов");
+    clickList(w<QListView>("ListBox2"), "Дача");
     addRecord(QDate(2024, 2, 1), {{kIncoming, "300"}});
 
     // Nothing on the server.
     dialogs->queueAnswer(Dialogs::Answer::Yes);
-    page->NGetMobail->trigger();
+    w<QAction>("NGetMobail")->trigger();
     ASSERT_TRUE(finished.wait(20000));
     EXPECT_EQ(dialogs->lastText(), "Отсутствует база кассы на сервере");
 
     dialogs->queueAnswer(Dialogs::Answer::No);
-    page->NPostAndroid->trigger();
+    w<QAction>("NPostAndroid")->trigger();
     EXPECT_EQ(dialogs->lastText(), "Заменить мобильную кассу на базу с компьютера?");
     EXPECT_EQ(dialogs->lastCaption(), "Сохранить мобильную кассу");
     dialogs->queueAnswer(Dialogs::Answer::Yes);
-    page->NPostAndroid->trigger();
+    w<QAction>("NPostAndroid")->trigger();
     ASSERT_TRUE(finished.wait(20000));
     EXPECT_EQ(dialogs->lastCaption(), "База загружена на сервер");
     EXPECT_EQ(dialogs->lastText(), "Готово");
 
     dialogs->queueAnswer(Dialogs::Answer::Yes);
-    page->NGetMobail->trigger();
+    w<QAction>("NGetMobail")->trigger();
     ASSERT_TRUE(finished.wait(20000));
     EXPECT_EQ(dialogs->lastCaption(), "Касса загружена");
     EXPECT_EQ(dialogs->lastText(), "Сделано");
