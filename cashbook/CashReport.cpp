@@ -110,6 +110,15 @@ public:
         }
         x.writeEndElement();
     }
+    // A whole number (a count of days), right-aligned as the spreadsheet aligns numbers.
+    void count(qint64 value, const QString &style) {
+        x.writeStartElement(kTable, QStringLiteral("table-cell"));
+        x.writeAttribute(kTable, QStringLiteral("style-name"), style);
+        x.writeAttribute(kOffice, QStringLiteral("value-type"), QStringLiteral("float"));
+        x.writeAttribute(kOffice, QStringLiteral("value"), QString::number(value));
+        x.writeTextElement(kText, QStringLiteral("p"), QString::number(value));
+        x.writeEndElement();
+    }
     int columns() const { return m_columns; }
 
 private:
@@ -316,23 +325,23 @@ QByteArray flatOds(const CashReport &r) {
     s.text(QString(), QStringLiteral("tot"), all - 1 - CashCategory::kCount);
     s.endRow();
     line(QString(), QStringLiteral("lbl"), all);
-    auto summary = [&s](const QString &label, const std::optional<Money> &value, const QString &text = {}) {
+    auto summary = [&s](const QString &label, const std::optional<Money> &value) {
         s.beginRow();
         s.text(label, QStringLiteral("lbl"), 3);
-        if (value)
-            s.money(value, QStringLiteral("lblnum"));
-        else
-            s.text(text, QStringLiteral("lbl"));
+        s.money(value, QStringLiteral("lblnum"));
         s.endRow();
     };
     summary(QStringLiteral("Расходы"), present(r.totals.expenses));
     summary(QStringLiteral("Остаток"), present(r.totals.remainder));
     summary(QStringLiteral("Доход"), present(r.totals.income));
-    summary(QStringLiteral("Период (дн.)"), std::nullopt,
-            r.totals.days ? QString::number(*r.totals.days) : QString());
+    s.beginRow();
+    s.text(QStringLiteral("Период (дн.)"), QStringLiteral("lbl"), 3);
+    if (r.totals.days)
+        s.count(*r.totals.days, QStringLiteral("lbl"));
+    s.endRow();
     summary(QStringLiteral("Баланс"), present(r.balance));
     if (r.sold && r.sold->ok() && !(*r.sold)->isZero())
-        summary(QStringLiteral("В том числе доход от продажи материалов"), present(*r.sold));
+        summary(QStringLiteral("Доход от продажи материалов"), present(*r.sold));
     s.end();
     return out;
 }

@@ -9,6 +9,7 @@
 #include "cashbook/CashReport.h"
 #include "cashbook/CashbookPart.h"
 #include "cashbook/KassaBook_frame.h"
+#include "materials/WriteOffs.h"
 #include "office/OfficeEngine.h"
 
 #include <QAction>
@@ -57,6 +58,17 @@ protected:
         ASSERT_TRUE(t.book->editLine(0, ChecksCol::Unit, "меш"));
         ASSERT_TRUE(t.book->editLine(0, ChecksCol::Quantity, "20"));
         ASSERT_TRUE(t.book->editLine(0, ChecksCol::Price, "480"));
+        // Materials of the warehouse written off to the object in March: the book's income from them.
+        WriteOff sold;
+        sold.name = "Клей плиточный";
+        sold.sum = "3150,00";
+        sold.customer = "ООО \"Ремонт\"";
+        sold.object = "Склад";
+        sold.date = "15.03.2024";
+        sold.month = "3";
+        sold.year = "2024";
+        sold.dateCompare = "20240315";
+        ASSERT_FALSE(WriteOffs::add(t.module->database(Db::Mat), sold).isEmpty());
         t.book->setMonthClause(3, "2024");
     }
     static inline std::unique_ptr<OfficeEngine> s_engine;
@@ -85,7 +97,7 @@ TEST_F(CashOutputTest, PdfAndSpreadsheetOfTheFilteredBook) {
     for (const char *expected :
          {"Кассовая книга", "Заказчик: ООО \"Ремонт\"", "Объект: Склад", "Период: Март 2024",
           "аванс по договору", "Цемент М500: 20 меш × 480 = 9600,00", "Итого", "150 000,00", "23 456,70",
-          "Остаток", "124 743,30", "Период (дн.)"})
+          "Остаток", "124 743,30", "Период (дн.)", "Доход от продажи материалов", "3 150,00"})
         EXPECT_TRUE(text.contains(QString::fromUtf8(expected))) << expected << "\n" << text.toStdString();
     QProcess::execute("pdftoppm", {"-png", "-r", "60", "-f", "1", "-l", "1", pdf,
                                    QStringLiteral(VIRN_SCREENSHOT_DIR "/cashbook_pdf")});
