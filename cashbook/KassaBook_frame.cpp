@@ -314,8 +314,6 @@ QWidget *TKassaBook::buildRashodPage() {
     lbDohodMat = named(new QLabel(page), QStringLiteral("lbDohodMat"));
     bottom->addWidget(LabelBalance);
     bottom->addWidget(EditLastBalance);
-    bottom->addSpacing(16);
-    bottom->addWidget(lbDohodMat);
     bottom->addStretch(1);
     // The purchase of materials: a percentage of the "Материал" sum below.
     EditZakupka = named(new QLineEdit(page), QStringLiteral("EditZakupka"));
@@ -334,6 +332,8 @@ QWidget *TKassaBook::buildRashodPage() {
     bottom->addWidget(new QLabel(QStringLiteral("%"), page));
     bottom->addWidget(btnAddZakupka);
     layout->addLayout(bottom);
+    // The income from sold materials on a line of its own: it is long, and empty most of the time.
+    layout->addWidget(lbDohodMat);
     StrGridItigo = named(new QTableView(page), QStringLiteral("StrGridItigo"));
     StrGridItigo->setModel(m_totals);
     StrGridItigo->setEditTriggers(QAbstractItemView::NoEditTriggers);

@@ -210,6 +210,8 @@ TEST_F(CashWindow, SoldMaterialsOfTheWarehouse) {
     clickList(w<QListView>("ListBox1"), "Петров");
     clickList(w<QListView>("ListBox2"), "Гараж");
     EXPECT_EQ(w<QLabel>("lbDohodMat")->text(), "В том числе доход от продажи материалов:   9 000,00");
+    child<QSplitter>(window.get(), "SplitterMain")->setSizes({300, 1500});
+    page->grab().save(QStringLiteral(VIRN_SCREENSHOT_DIR "/cashbook_sold.png"));
 
     // "Проданный материал" opens the warehouse's report for the chosen customer and object.
     w<QAction>("ToolDohodMat")->trigger();
