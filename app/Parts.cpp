@@ -5,6 +5,7 @@
 #include "TForm1.h"
 
 #include "calculators/CalculatorsPart.h"
+#include "cashbook/CashbookPart.h"
 #include "customers/CustomersPart.h"
 #include "documents/ActsPart.h"
 #include "documents/ContractPart.h"
@@ -29,6 +30,7 @@ std::vector<ShellPart *> makeShellParts(QObject *owner) {
         new PricePart(owner),        // the rate panel, live search, insertion
         new ResourcesPart(owner),    // rate resources, copying lists, the note to the lists
         new CustomersPart(owner),    // customers, objects, contractor
+        new CashbookPart(owner),     // the cash book (its book opened before the header reads customers)
         new HeaderPart(owner),       // the estimate's header
         new OutputPart(owner),       // preview, print, PDF and spreadsheet of the estimate
         new ServerPart(owner),       // the file server: settings, updates, news

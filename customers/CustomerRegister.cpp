@@ -294,6 +294,82 @@ bool CustomerRegister::mirrorCustomer(const QString &oldName, const Fields &cust
     });
 }
 
+bool CustomerRegister::appendOrUpdate(QSqlDatabase db, const QString &table, const QStringList &keys,
+                                      const Fields &row) {
+    QStringList columns, sets, where;
+    QVariantList values, setValues, keyValues;
+    for (auto it = row.constBegin(); it != row.constEnd(); ++it) {
+        // Names go into the tables in their stored form.
+        const bool name = it.key() == QLatin1String("fio") || it.key() == QLatin1String("object");
+        const QVariant value = name ? nameToStored(it.value()) : it.value();
+        columns << it.key();
+        values << value;
+        if (keys.contains(it.key())) {
+            where << it.key() + QStringLiteral("=?");
+            keyValues << value;
+        } else {
+            sets << it.key() + QStringLiteral("=?");
+            setValues << value;
+        }
+    }
+    const QString condition = where.join(QStringLiteral(" and "));
+    int found = 0;
+    if (!sets.isEmpty()) {
+        if (!run(db,
+                 QStringLiteral("UPDATE %1 SET %2 WHERE %3")
+                     .arg(table, sets.join(QLatin1Char(',')), condition),
+                 setValues + keyValues, &found))
+            return false;
+    } else {
+        QSqlQuery q(db);
+        q.prepare(QStringLiteral("SELECT 1 FROM %1 WHERE %2").arg(table, condition));
+        for (const QVariant &v : keyValues)
+            q.addBindValue(v);
+        found = q.exec() && q.next() ? 1 : 0;
+    }
+    return found > 0 ||
+           run(db,
+               QStringLiteral("INSERT INTO %1 (%2) values(%3)")
+                   .arg(table, columns.join(QStringLiteral(", ")), RecordIo::placeholders(columns.size())),
+               values);
+}
+
+RegisterStatus CustomerRegister::mirrorToPeople(const QList<Fields> &customers,
+                                                const QList<Fields> &objects) {
+    QSqlDatabase p = people();
+    // Only the columns of the register that this file has.
+    auto present = [&p](const QString &table, const QStringList &columns) {
+        QStringList out;
+        for (const QString &c : columns)
+            if (RecordIo::hasColumn(p, table, c))
+                out << c;
+        return out;
+    };
+    const QStringList customerColumns = present(QStringLiteral("Customer"), Columns::customer());
+    const QStringList objectColumns = present(QStringLiteral("Object"), Columns::object());
+    auto kept = [](const Fields &row, const QStringList &columns) {
+        Fields out;
+        for (const QString &c : columns)
+            if (row.contains(c))
+                out.insert(c, row.value(c));
+        return out;
+    };
+    const bool ok = inTransaction(p, [&] {
+        for (const Fields &c : customers)
+            if (!TextValues::isBlank(c.value(QStringLiteral("fio"))) &&
+                !appendOrUpdate(p, QStringLiteral("Customer"), {QStringLiteral("fio")},
+                                kept(c, customerColumns)))
+                return false;
+        for (const Fields &o : objects)
+            if (!TextValues::isBlank(o.value(QStringLiteral("object"))) &&
+                !appendOrUpdate(p, QStringLiteral("Object"),
+                                {QStringLiteral("fio"), QStringLiteral("object")}, kept(o, objectColumns)))
+                return false;
+        return true;
+    });
+    return ok ? RegisterStatus::Ok : RegisterStatus::Failed;
+}
+
 RegisterStatus CustomerRegister::save(const Fields &customer, const Fields &requisites,
                                       const QString &chosenObject, const QString &objectNote,
                                       QString *savedId) {

@@ -48,6 +48,12 @@ public:
     RegisterStatus save(const Fields &customer, const Fields &requisites, const QString &chosenObject,
                         const QString &objectNote, QString *savedId = nullptr);
 
+    // Customers and objects of a register kept elsewhere (a cash book of an earlier version) into
+    // peoplebase.db: a customer found there by name is updated with the columns given, else appended;
+    // an object likewise by its customer and name. Columns the people database lacks are left out.
+    // One transaction: on failure nothing is written.
+    RegisterStatus mirrorToPeople(const QList<Fields> &customers, const QList<Fields> &objects);
+
     QString lastError() const { return m_error; }
 
     // The address parts that compose the "Адрес" field, each with its tick.
@@ -72,6 +78,8 @@ private:
     bool writeRequisites(QSqlDatabase db, const QString &id, const Fields &customer,
                          const Fields &requisites);
     bool mirrorCustomer(const QString &oldName, const Fields &customer);
+    // Updates the row of table found by the key columns with the other columns of row, or appends it.
+    bool appendOrUpdate(QSqlDatabase db, const QString &table, const QStringList &keys, const Fields &row);
 
     TModuleSQL &m_module;
     QString m_error;

@@ -179,6 +179,8 @@ QList<SchemaStep> cashSteps() {
          {index("customer", {"fio"}), index("Object", {"fio", "object"}),
           index("cash", {"customer", "object"}), index("checks", {"val"}), index("RequisiteZak", {"id"}),
           index("Requisite", {"id"})}},
+        // The cash book filters its records by month and year and by period, and lists their years.
+        {4, "cashbook", {}, {index("cash", {"date_compare"}), index("cash", {"year", "month"})}},
     };
 }
 

@@ -43,8 +43,10 @@ TEST(TableOwners, OnlyTheOwnersWriteWhatTheyOwn) {
           "pricebase/RemotePriceList.cpp", "estimate/DocumentChecksum.cpp", "server/DocumentStore.cpp"}},
         {"tables of the catalogue are emptied, not dropped",
          R"("\s*DROP\s+TABLE)",
-         // the scratch table, the remote list, a leftover table of old documents.
-         {"pricebase/RateInsertion.cpp", "pricebase/RemotePriceList.cpp", "estimate/EstimateStore.cpp"}},
+         // the scratch table, the remote list, a leftover table of old documents; the tables of an
+         // earlier cash book's layout once the upgrade has carried their rows to their owners.
+         {"pricebase/RateInsertion.cpp", "pricebase/RemotePriceList.cpp", "estimate/EstimateStore.cpp",
+          "cashbook/BookUpgrade.cpp"}},
         {"the estimate's materials are written by their store",
          R"("\s*(INSERT\s+INTO|UPDATE|DELETE\s+FROM|DROP\s+TABLE(\s+IF\s+EXISTS)?|ALTER\s+TABLE)\s+materials\b)",
          {"estimate/MaterialsStore.cpp"}},
