@@ -110,9 +110,9 @@ public:
     // The address space the helper may take (MB): a file that makes the engine take more ends the
     // helper instead of the machine's memory.
     static int memoryLimitMb();
-    // The longest text entered into one cell or put in place of one placeholder; a longer one is cut
-    // (the engine takes seconds and gigabytes for a text of megabytes).
-    static constexpr int kMaxTextChars = 10000;
+    // The longest text entered into one cell or put in place of one placeholder, the most a spreadsheet
+    // cell holds; a longer one is cut (the engine takes seconds and gigabytes for a text of megabytes).
+    static constexpr int kMaxTextChars = 32767;
     static QString cutText(const QString &text);
     // The helper's scratch folder for the engine's own temporary files (removed when it stops).
     QString engineTempDir() const;

@@ -215,7 +215,7 @@ TEST_F(RegisterWindowTest, OpensFromTheMainWindowFiltersOpensEstimatesAndMovesAD
     grid->selectRow(row);
     dialogs->queueAnswer(Dialogs::Answer::Yes);
     frame->ToolSetDrafts->trigger();
-    EXPECT_EQ(dialogs->shown().last().caption, "Действие");
+    EXPECT_EQ(dialogs->shown().last().caption, "Действие") << dialogs->lastText().toStdString();
     EXPECT_FALSE(QFile::exists(b));
     EXPECT_EQ(window->document().fileName(), folder.file("Sm/Drafts/Иванов.sim"));
     EXPECT_TRUE(window->document().isDraft());

@@ -192,6 +192,30 @@ TEST_F(MatSpreadsheetEngine, AListGoesOutAndComesBackTheSame) {
     }
 }
 
+// A spreadsheet of text cells written through a flat OpenDocument file, saved by the engine as ".xlsx".
+void writeXlsx(const QString &fods, const QString &xlsx, const QList<QStringList> &rows) {
+    QString body;
+    for (const QStringList &row : rows) {
+        body += QStringLiteral("<table:table-row>");
+        for (const QString &cell : row)
+            body += QStringLiteral("<table:table-cell office:value-type=\"string\"><text:p>%1</text:p>"
+                                   "</table:table-cell>")
+                        .arg(cell.toHtmlEscaped());
+        body += QStringLiteral("</table:table-row>");
+    }
+    write(fods, QStringLiteral(R"(<?xml version="1.0" encoding="UTF-8"?>
+<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"
+ xmlns:table="urn:oasis:names:tc:opendocument:xmlns:table:1.0"
+ xmlns:text="urn:oasis:names:tc:opendocument:xmlns:text:1.0" office:version="1.2"
+ office:mimetype="application/vnd.oasis.opendocument.spreadsheet"><office:body><office:spreadsheet>
+<table:table table:name="Лист1">%1</table:table></office:spreadsheet></office:body></office:document>)")
+                    .arg(body)
+                    .toUtf8());
+    ASSERT_TRUE(engine().load(fods));
+    ASSERT_TRUE(engine().saveAs(xlsx, "xlsx"));
+    engine().close();
+}
+
 TEST_F(MatSpreadsheetEngine, HostileFilesAreRefusedInRussian) {
     // A ZIP package that is no spreadsheet, and a word-processor document under a spreadsheet's name.
     write(folder.file("inside.txt"), "просто текст");
@@ -201,20 +225,8 @@ TEST_F(MatSpreadsheetEngine, HostileFilesAreRefusedInRussian) {
     engine().close();
     ASSERT_TRUE(QFile::rename(folder.file("letter.odt"), folder.file("letter.ods")));
     // A spreadsheet with two columns only.
-    write(folder.file("narrow.fods"),
-          R"(<?xml version="1.0" encoding="UTF-8"?>
-<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"
- xmlns:table="urn:oasis:names:tc:opendocument:xmlns:table:1.0"
- xmlns:text="urn:oasis:names:tc:opendocument:xmlns:text:1.0" office:version="1.2"
- office:mimetype="application/vnd.oasis.opendocument.spreadsheet"><office:body><office:spreadsheet>
-<table:table table:name="Лист1"><table:table-row>
-<table:table-cell office:value-type="string"><text:p>Клей</text:p></table:table-cell>
-<table:table-cell office:value-type="string"><text:p>мешок</text:p></table:table-cell>
-</table:table-row></table:table></office:spreadsheet></office:body></office:document>)");
     const QString narrow = folder.file("narrow.xlsx");
-    ASSERT_TRUE(engine().load(folder.file("narrow.fods")));
-    ASSERT_TRUE(engine().saveAs(narrow, "xlsx"));
-    engine().close();
+    writeXlsx(folder.file("narrow.fods"), narrow, {{"Клей", "мешок"}});
     QString error;
     for (const char *file : {"junk.xlsx", "letter.ods"}) {
         std::vector<MatRow> rows = {matRow("было")};
@@ -225,25 +237,9 @@ TEST_F(MatSpreadsheetEngine, HostileFilesAreRefusedInRussian) {
         EXPECT_TRUE(error.contains(QString::fromUtf8("таблиц"))) << file << ": " << error.toStdString();
     }
     // A cell of megabytes is named and refused (the grids that would show it freeze on it).
-    write(folder.file("long.fods"), QStringLiteral(R"(<?xml version="1.0" encoding="UTF-8"?>
-<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"
- xmlns:table="urn:oasis:names:tc:opendocument:xmlns:table:1.0"
- xmlns:text="urn:oasis:names:tc:opendocument:xmlns:text:1.0" office:version="1.2"
- office:mimetype="application/vnd.oasis.opendocument.spreadsheet"><office:body><office:spreadsheet>
-<table:table table:name="Лист1"><table:table-row>
-<table:table-cell office:value-type="string"><text:p>Клей</text:p></table:table-cell>
-<table:table-cell office:value-type="string"><text:p>мешок</text:p></table:table-cell>
-<table:table-cell office:value-type="float" office:value="5"><text:p>5</text:p></table:table-cell>
-</table:table-row><table:table-row>
-<table:table-cell office:value-type="string"><text:p>Цемент</text:p></table:table-cell>
-<table:table-cell office:value-type="string"><text:p>%1</text:p></table:table-cell>
-</table:table-row></table:table></office:spreadsheet></office:body></office:document>)")
-                                        .arg(QString(SheetFile::kMaxCellChars + 1, QChar(u'ж')))
-                                        .toUtf8());
     const QString longCell = folder.file("long.xlsx");
-    ASSERT_TRUE(engine().load(folder.file("long.fods")));
-    ASSERT_TRUE(engine().saveAs(longCell, "xlsx"));
-    engine().close();
+    writeXlsx(folder.file("long.fods"), longCell,
+              {{"Клей", "мешок", "5"}, {"Цемент", QString(SheetFile::kMaxCellChars + 1, QChar(u'ж'))}});
     std::vector<MatRow> cut;
     EXPECT_FALSE(MatSpreadsheet::readFile(engine(), longCell, scratch(), cut, &error));
     EXPECT_TRUE(error.contains(QString::fromUtf8("ячейка B2 (строка 2) длиннее"))) << error.toStdString();
