@@ -5,6 +5,7 @@
 #include "storage/ModuleSQL.h"
 #include "storage/TextValues.h"
 #include "ui/Dialogs.h"
+#include "ui/ShortTextDelegate.h"
 
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -33,6 +34,7 @@ ActVolumesPage::ActVolumesPage(EstimateDocument &document, QWidget *parent)
     v->addWidget(LabelVolumes);
     GridVolumes = named(new QTableView(this), "GridVolumes");
     GridVolumes->setModel(&m_volumes);
+    GridVolumes->setItemDelegate(new ShortTextDelegate(GridVolumes));
     GridVolumes->verticalHeader()->hide();
     GridVolumes->horizontalHeader()->setSectionResizeMode(ActVolumeCol::Name, QHeaderView::Stretch);
     GridVolumes->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |

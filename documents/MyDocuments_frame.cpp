@@ -5,6 +5,7 @@
 #include "customers/CustomerRegister.h"
 #include "storage/ModuleSQL.h"
 #include "storage/TextValues.h"
+#include "ui/ShortTextDelegate.h"
 
 #include <QAction>
 #include <QButtonGroup>
@@ -161,6 +162,7 @@ QTableView *TMyDocuments::makeGrid(const QString &name, QWidget *parent) {
     grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
     grid->setAlternatingRowColors(true);
     grid->setWordWrap(false);
+    grid->setItemDelegate(new ShortTextDelegate(grid)); // a name of thousands of characters paints short
     grid->verticalHeader()->hide();
     // Every row is one line high: the view never measures rows, however many there are.
     grid->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);

@@ -78,6 +78,41 @@ QString write(sqlite3 *copy) {
     return {};
 }
 
+QString rewrite(sqlite3 *file, const QString &table) {
+    auto step = [file](const QString &sql, const QByteArray &sum, const QString &name) {
+        sqlite3_stmt *st = nullptr;
+        if (sqlite3_prepare_v2(file, sql.toUtf8().constData(), -1, &st, nullptr) != SQLITE_OK) {
+            sqlite3_finalize(st);
+            return -1;
+        }
+        const QByteArray nameBytes = name.toUtf8();
+        sqlite3_bind_text(st, 1, sum.constData(), sum.size(), SQLITE_TRANSIENT);
+        sqlite3_bind_text(st, 2, nameBytes.constData(), nameBytes.size(), SQLITE_TRANSIENT);
+        const int rc = sqlite3_step(st);
+        sqlite3_finalize(st);
+        return rc == SQLITE_DONE ? sqlite3_changes(file) : -1;
+    };
+    sqlite3_stmt *has = nullptr;
+    const bool sealed =
+        sqlite3_prepare_v2(file, "SELECT 1 FROM main.sqlite_master WHERE type='table' AND name='checksum'",
+                           -1, &has, nullptr) == SQLITE_OK &&
+        sqlite3_step(has) == SQLITE_ROW;
+    sqlite3_finalize(has);
+    if (!sealed)
+        return {};
+    QString why;
+    const QByteArray sum = ContentChecksum::ofTable(file, QStringLiteral("main"), table, &why);
+    if (sum.isEmpty())
+        return QStringLiteral("контрольная сумма документа не записана: %1").arg(why);
+    int changed = step(QStringLiteral("UPDATE %1 SET value=? WHERE name=?").arg(kTable), sum, table);
+    if (changed == 0)
+        changed = step(QStringLiteral("INSERT INTO %1 (value, name) VALUES (?, ?)").arg(kTable), sum, table);
+    if (changed < 0)
+        return QStringLiteral("контрольная сумма документа не записана: %1")
+            .arg(QString::fromUtf8(sqlite3_errmsg(file)));
+    return {};
+}
+
 bool verify(sqlite3 *db, const QString &schema, QStringList *damaged, QString *error) {
     damaged->clear();
     const QByteArray sql =

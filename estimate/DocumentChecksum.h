@@ -19,6 +19,11 @@ inline const QString kTable = QStringLiteral("checksum");
 // checksum, made when missing. Empty string on success, else the reason.
 QString write(sqlite3 *copy);
 
+// Writes the sum of one table of a sealed document file again, after the program itself changed that
+// table in the file (the register's link): the other sums stay, so damage found before stays found.
+// A file without sums is left without. Empty string on success, else the reason.
+QString rewrite(sqlite3 *file, const QString &table);
+
 // Compares the sums a document carries (schema "main" or an attached file) with its content.
 // *damaged gets the tables whose content is not what was saved (a table that has gone counts too);
 // a document without sums has none. False with *error when the content could not be read.

@@ -326,12 +326,8 @@ QString leftOutWarning(const EstimatePrint &print) {
 }
 
 int timeBudgetMs(const EstimatePrint &print) {
-    // Two minutes for the engine's start and the template, and a little per row (an estimate of
-    // 100 000 rows gets about 9 minutes).
-    constexpr int kBaseMs = 120000;
-    constexpr int kPerRowMs = 4;
-    const qint64 rows = print.rows.size() + print.materialRows.size() + print.koefLines.size();
-    return static_cast<int>(qMin<qint64>(kBaseMs + kPerRowMs * rows, 60ll * 60 * 1000));
+    return SheetTemplate::timeBudgetMs(print.rows.size() + print.materialRows.size() +
+                                       print.koefLines.size());
 }
 
 bool produce(OfficeEngine &engine, const QString &dataFolder, const EstimatePrint &print,

@@ -1,6 +1,6 @@
 #include "Registration.h"
-#include "estimate/DocumentChecksum.h"
 
+#include "estimate/DocumentChecksum.h"
 #include "storage/Money.h"
 #include "storage/Schema.h"
 #include "storage/TextValues.h"
@@ -12,6 +12,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QVariant>
+#include <sqlite3.h>
 
 namespace Registration {
 
@@ -62,24 +63,36 @@ bool run(QSqlDatabase db, const QString &sql, const QVariantList &values, QStrin
     return true;
 }
 
+// The processor time the link of a document file may take to be written.
+constexpr int kRelinkBudgetMs = 5000;
+
+bool hasTable(QSqlDatabase file, const QString &name) {
+    QSqlQuery has(file);
+    has.prepare(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='table' AND name=?"));
+    has.addBindValue(name);
+    return has.exec() && has.next();
+}
+
 // The one mydoc row of a document file, under one transaction.
 bool writeLink(QSqlDatabase file, qlonglong id, const QString &note, QString *error) {
     Transaction t(file);
     if (!t.active())
         return fail(error, t.error());
     // A file made before documents carried the link gets the document's tables first.
-    QSqlQuery has(file);
-    if (!has.exec(QStringLiteral("SELECT 1 FROM sqlite_master WHERE type='table' AND name='mydoc'")))
-        return fail(error, has);
-    if (!has.next()) {
+    if (!hasTable(file, QStringLiteral("mydoc"))) {
         const QString why = Schema::upgrade(file, Db::Smeta);
         if (!why.isEmpty())
             return fail(error, why);
     }
-    has.finish();
-    return run(file, QStringLiteral("DELETE FROM mydoc"), {}, error) &&
-           run(file, QStringLiteral("INSERT INTO mydoc (iddoc, note) values(?, ?)"), {id, note}, error) &&
-           (t.commit() || fail(error, t.error()));
+    if (!run(file, QStringLiteral("DELETE FROM mydoc"), {}, error) ||
+        !run(file, QStringLiteral("INSERT INTO mydoc (iddoc, note) values(?, ?)"), {id, note}, error))
+        return false;
+    // A file sealed with the sums of its content gets the link's sum anew, so that the new link is not
+    // taken for damage on open (the other sums stay, and with them any damage found before).
+    const QString why = DocumentChecksum::rewrite(UntrustedSqlite::handle(file), QStringLiteral("mydoc"));
+    if (!why.isEmpty())
+        return fail(error, why);
+    return t.commit() || fail(error, t.error());
 }
 
 // A register row that another copy of the program has deleted meanwhile.
@@ -367,18 +380,14 @@ bool relinkFile(const QString &documentPath, qlonglong id, const QString &note, 
         if (!file.open()) {
             fail(error, file.lastError().text().trimmed());
         } else {
-            // The file is a copy of a document from anywhere: nothing in its schema runs with trust.
-            QSqlQuery(file).exec(QStringLiteral("PRAGMA trusted_schema=OFF"));
+            // The file may come from anywhere: nothing in it runs (no trigger fires on the link's
+            // rows), no value of its schema grows without end, and the work has a time budget.
+            sqlite3 *handle = UntrustedSqlite::handle(file);
+            UntrustedSqlite::restrict(handle);
+            UntrustedSqlite::Budget budget(handle, kRelinkBudgetMs);
             ok = writeLink(file, id, note, error);
-            // The link is part of the content the file's sums cover: they are written anew, or the
-            // moved document would be reported as changed by another program at its next opening.
-            if (ok) {
-                sqlite3 *handle = UntrustedSqlite::handle(file);
-                const QString why = handle ? DocumentChecksum::write(handle)
-                                           : QStringLiteral("файл открыт не как база SQLite");
-                if (!why.isEmpty())
-                    ok = fail(error, why);
-            }
+            if (!ok && budget.spent())
+                fail(error, UntrustedSqlite::failure(handle, SQLITE_INTERRUPT, &budget));
             file.close();
         }
     }

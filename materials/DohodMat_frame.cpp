@@ -2,6 +2,7 @@
 
 #include "SoldReport.h"
 #include "ui/Dialogs.h"
+#include "ui/ShortTextDelegate.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -75,6 +76,7 @@ TDohodMat::TDohodMat(SoldReport &report, QWidget *parent) : QDialog(parent), m_r
     GridDohod = new QTableView(this);
     GridDohod->setObjectName(QStringLiteral("GridDohod"));
     GridDohod->setModel(&m_report.model());
+    GridDohod->setItemDelegate(new ShortTextDelegate(GridDohod));
     GridDohod->verticalHeader()->setVisible(false);
     GridDohod->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     GridDohod->verticalHeader()->setDefaultSectionSize(21);

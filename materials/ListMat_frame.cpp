@@ -10,6 +10,7 @@
 #include "office/OfficeService.h"
 #include "ui/DialogButtons.h"
 #include "ui/Dialogs.h"
+#include "ui/ShortTextDelegate.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -223,6 +224,7 @@ void TListMat::buildWidgets() {
     StringGridListMat->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     StringGridListMat->verticalHeader()->setDefaultSectionSize(21);
     StringGridListMat->setWordWrap(false);
+    StringGridListMat->setItemDelegate(new ShortTextDelegate(StringGridListMat));
     StringGridListMat->setSelectionBehavior(QAbstractItemView::SelectRows);
     StringGridListMat->setSelectionMode(QAbstractItemView::ExtendedSelection);
     StringGridListMat->horizontalHeader()->setSectionResizeMode(MatListCol::Name, QHeaderView::Stretch);
@@ -258,6 +260,7 @@ void TListMat::setWarehouse(Warehouse *warehouse) {
     StringGridSklad->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     StringGridSklad->verticalHeader()->setDefaultSectionSize(21);
     StringGridSklad->setWordWrap(false);
+    StringGridSklad->setItemDelegate(new ShortTextDelegate(StringGridSklad));
     StringGridSklad->setSelectionBehavior(QAbstractItemView::SelectRows);
     StringGridSklad->setSelectionMode(QAbstractItemView::SingleSelection);
     // The stock is edited in the warehouse's own window; here it is taken from.

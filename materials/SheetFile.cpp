@@ -1,11 +1,15 @@
 #include "SheetFile.h"
 
 #include "office/OfficeEngine.h"
+#include "office/TemplatePackage.h"
+#include "office/TemplateStructure.h"
+#include "storage/FileKind.h"
 #include "storage/TextValues.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLocale>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QUuid>
@@ -118,8 +122,13 @@ QString cleanNumber(const QString &text) {
 
 bool checkFile(const QString &path, QString *error) {
     const QFileInfo info(path);
-    if (!info.isFile())
+    const FileKind::Kind kind = FileKind::of(path);
+    if (kind == FileKind::Kind::Missing)
         return fail(error, QStringLiteral("Файл %1 не найден.").arg(shown(path)));
+    // A folder or a pipe is told as what it is (a pipe is never opened: reading it would wait for ever).
+    if (kind != FileKind::Kind::File)
+        return fail(error,
+                    QStringLiteral("%1 не загружается: %2.").arg(shown(path), FileKind::problem(path)));
     if (info.size() == 0)
         return fail(error, QStringLiteral("Файл %1 пуст.").arg(shown(path)));
     if (info.size() > kMaxFileBytes)
@@ -138,6 +147,14 @@ bool checkFile(const QString &path, QString *error) {
         return fail(error,
                     QStringLiteral("Файл %1 не является таблицей Excel или OpenOffice (.xls, .xlsx, .ods).")
                         .arg(shown(path)));
+    f.close();
+    // What the package or the compound file holds, before the engine, which trusts it, unpacks it: an
+    // archive bomb or sector tables that point anywhere would keep it busy for minutes.
+    const QString why =
+        zip ? TemplatePackage::problem(path) : TemplateStructure::checkCompound(path, /*spreadsheet=*/true);
+    if (!why.isEmpty())
+        return fail(error, QStringLiteral("Файл %1 повреждён или опасен для открытия: %2 Файл не загружен.")
+                               .arg(shown(path), why.endsWith(u'.') ? why : why + u'.'));
     return true;
 }
 
@@ -179,6 +196,20 @@ bool readCells(OfficeEngine &engine, const QString &path, const QString &scratch
     const QString text = QString::fromUtf8(f.readAll());
     f.close();
     cells = SheetText::parseCsv(text);
+    // A cell of megabytes would freeze every grid that shows it: such a file is refused, naming the cell.
+    for (int r = 0; r < cells.size(); ++r) {
+        for (int c = 0; c < cells.at(r).size(); ++c) {
+            if (cells.at(r).at(c).size() > kMaxCellChars) {
+                const QString cell = SheetText::cellName(r, c);
+                cells.clear();
+                return fail(error, QStringLiteral("В файле %1 ячейка %2 (строка %3) длиннее %4 знаков: такой "
+                                                  "файл не загружается. Сократите текст ячейки.")
+                                       .arg(shown(path), cell)
+                                       .arg(r + 1)
+                                       .arg(QLocale(QLocale::Russian).toString(kMaxCellChars)));
+            }
+        }
+    }
     report(progress, 75);
     return true;
 }

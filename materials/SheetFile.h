@@ -22,13 +22,17 @@ using Progress = std::function<void(int)>; // 0..100
 // Limits a file must keep before it is trusted.
 constexpr qint64 kMaxFileBytes = 50LL * 1024 * 1024; // the file itself
 constexpr qint64 kMaxTextBytes = 80LL * 1024 * 1024; // the text of its first sheet
+constexpr int kMaxCellChars = 10000;                 // one cell of it
 
-// Refuses by its size and its first bytes a file that cannot be an ".xls", ".xlsx" or ".ods"
-// spreadsheet. False with a Russian *error.
+// Refuses what cannot be an ".xls", ".xlsx" or ".ods" spreadsheet (a folder or a pipe, a file too
+// large, other first bytes) or is unsafe for the engine (a zip package past the limits of
+// office/TemplatePackage.h, a compound file whose structure does not hold together). False with a
+// Russian *error.
 bool checkFile(const QString &path, QString *error);
 
 // The first sheet's cells: checked, loaded by the engine (which must see a spreadsheet), exported as
-// text into scratchDir and parsed. Progress goes from 0 to 75.
+// text into scratchDir and parsed; a cell longer than kMaxCellChars refuses the file, naming the cell.
+// Progress goes from 0 to 75.
 bool readCells(OfficeEngine &engine, const QString &path, const QString &scratchDir, SheetText::Grid &cells,
                QString *error, const Progress &progress = {});
 

@@ -7,6 +7,7 @@
 #include "Warehouse.h"
 #include "estimate/EstimateMaterials.h"
 #include "ui/Dialogs.h"
+#include "ui/ShortTextDelegate.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -35,6 +36,7 @@ QTableView *grid(QWidget *parent, const char *name) {
     g->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     g->verticalHeader()->setDefaultSectionSize(21);
     g->setWordWrap(false);
+    g->setItemDelegate(new ShortTextDelegate(g)); // a name of thousands of characters paints short
     g->setSelectionBehavior(QAbstractItemView::SelectRows);
     g->setSelectionMode(QAbstractItemView::SingleSelection);
     g->setContextMenuPolicy(Qt::CustomContextMenu);

@@ -102,6 +102,7 @@ public:
     // helper is stopped (the next request starts it again) and the request fails saying why.
     void setBudget(int ms, std::shared_ptr<const std::atomic<bool>> cancel = {});
     void clearBudget();
+    bool hasBudget() const { return m_budgetMs > 0; }
     bool cancelled() const { return m_cancel && m_cancel->load(); }
 
     // The time one template may take to load; past it the template counts as bad.

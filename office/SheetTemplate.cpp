@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QSet>
 
 #include <algorithm>
@@ -254,12 +255,30 @@ QStringList unfilled(const Grid &filled, const SheetData &data, const QSet<QStri
     return left;
 }
 
+int timeBudgetMs(qint64 rows) {
+    constexpr int kBaseMs = 120000;
+    constexpr int kPerRowMs = 4;
+    return static_cast<int>(qMin<qint64>(kBaseMs + kPerRowMs * rows, 60ll * 60 * 1000));
+}
+
 bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &data,
           const QVector<TemplateFile::Output> &outputs, QString *error, const Progress &progress) {
     auto report = [&](int p) {
         if (progress)
             progress(p);
     };
+    // A document never keeps the engine without end: one whose caller set no budget gets its own.
+    const bool ownBudget = !engine.hasBudget();
+    if (ownBudget) {
+        qint64 rows = 0;
+        for (const SheetList &list : data.lists)
+            rows += list.rows.size();
+        engine.setBudget(timeBudgetMs(rows));
+    }
+    auto dropBudget = qScopeGuard([&engine, ownBudget] {
+        if (ownBudget)
+            engine.clearBudget();
+    });
     if (!TemplateFile::open(engine, templatePath, QStringLiteral("spreadsheet"), error))
         return false;
     auto engineFailed = [&]() {

@@ -95,9 +95,13 @@ QStringList unfilled(const SheetText::Grid &filled, const SheetData &data, const
 
 using Progress = std::function<void(int percent)>;
 
+// The time a whole document of `rows` list rows may take in the engine: two minutes for the engine's
+// start and the template, and a little per row (100 000 rows get about 9 minutes; never past an hour).
+int timeBudgetMs(qint64 rows);
+
 // Loads the template, fills it, checks that nothing given was left unfilled and saves the outputs.
 // False with a Russian message (the template is checked first; nothing is written on failure before
-// saving).
+// saving). The whole document has the engine's budget the caller set, else timeBudgetMs of its rows.
 bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &data,
           const QVector<TemplateFile::Output> &outputs, QString *error, const Progress &progress = {});
 

@@ -41,20 +41,22 @@ bool isXml(const QString &name) {
 } // namespace
 
 QString check(const QString &path) {
-    const QString shown = QDir::toNativeSeparators(path);
-    const auto refuse = [&shown](const QString &why) {
-        return QStringLiteral("Шаблон %1 не открыт: %2").arg(shown, why);
-    };
+    const QString why = problem(path);
+    return why.isEmpty() ? why
+                         : QStringLiteral("Шаблон %1 не открыт: %2").arg(QDir::toNativeSeparators(path), why);
+}
+
+QString problem(const QString &path) {
     Archive archive = openArchive(path);
     if (!archive)
-        return refuse(QStringLiteral("файл повреждён (архив документа не читается)."));
+        return QStringLiteral("файл повреждён (архив документа не читается).");
     const zip_int64_t count = zip_get_num_entries(archive.get(), 0);
     if (count <= 0)
-        return refuse(QStringLiteral("архив документа пуст."));
+        return QStringLiteral("архив документа пуст.");
     if (count > kMaxEntries)
-        return refuse(QStringLiteral("в архиве документа %1 частей, допустимо не более %2.")
-                          .arg(count)
-                          .arg(kMaxEntries));
+        return QStringLiteral("в архиве документа %1 частей, допустимо не более %2.")
+            .arg(count)
+            .arg(kMaxEntries);
 
     const QString tooLarge = QStringLiteral("архив документа распаковывается в слишком большой объём "
                                             "(более %1 МБ); возможно, это архивная бомба.")
@@ -64,16 +66,15 @@ QString check(const QString &path) {
     for (zip_int64_t i = 0; i < count; ++i) {
         zip_stat_t st;
         if (zip_stat_index(archive.get(), static_cast<zip_uint64_t>(i), 0, &st) != 0 || !st.name)
-            return refuse(QStringLiteral("файл повреждён (часть %1 архива не читается).").arg(i + 1));
+            return QStringLiteral("файл повреждён (часть %1 архива не читается).").arg(i + 1);
         const QString name = QString::fromUtf8(st.name);
         if (escapes(name))
-            return refuse(
-                QStringLiteral("в архиве документа есть часть с недопустимым путём «%1».").arg(name));
+            return QStringLiteral("в архиве документа есть часть с недопустимым путём «%1».").arg(name);
         if ((st.valid & ZIP_STAT_SIZE) && st.size > static_cast<zip_uint64_t>(kMaxInflatedBytes))
-            return refuse(tooLarge);
+            return tooLarge;
         total += (st.valid & ZIP_STAT_SIZE) ? static_cast<qint64>(st.size) : 0;
         if (total > kMaxInflatedBytes)
-            return refuse(tooLarge);
+            return tooLarge;
     }
 
     // Then what the entries really hold: an archive may state sizes it does not keep to.
@@ -88,9 +89,9 @@ QString check(const QString &path) {
             continue; // a folder
         Entry entry(zip_fopen_index(archive.get(), static_cast<zip_uint64_t>(i), 0));
         if (!entry)
-            return refuse(QStringLiteral("часть «%1» архива документа не читается (повреждена или "
-                                         "зашифрована).")
-                              .arg(name));
+            return QStringLiteral("часть «%1» архива документа не читается (повреждена или "
+                                  "зашифрована).")
+                .arg(name);
         const qint64 packed = (st.valid & ZIP_STAT_COMP_SIZE) ? static_cast<qint64>(st.comp_size) : 0;
         const qint64 entryLimit = qMax<qint64>(1024 * 1024, packed * kMaxRatio);
         const bool xml = isXml(name);
@@ -100,21 +101,21 @@ QString check(const QString &path) {
             const zip_int64_t n =
                 zip_fread(entry.get(), buffer.data(), static_cast<zip_uint64_t>(buffer.size()));
             if (n < 0)
-                return refuse(QStringLiteral("часть «%1» архива документа повреждена.").arg(name));
+                return QStringLiteral("часть «%1» архива документа повреждена.").arg(name);
             if (n == 0)
                 break;
             unpacked += n;
             total += n;
             if (total > kMaxInflatedBytes || unpacked > entryLimit ||
                 ((st.valid & ZIP_STAT_SIZE) && unpacked > static_cast<qint64>(st.size)))
-                return refuse(tooLarge);
+                return tooLarge;
             if (xml) {
                 const QByteArray piece =
                     tail + QByteArray::fromRawData(buffer.constData(), static_cast<int>(n));
                 if (piece.contains(entity))
-                    return refuse(QStringLiteral("часть «%1» объявляет сущности XML, которых в документах не "
-                                                 "бывает.")
-                                      .arg(name));
+                    return QStringLiteral("часть «%1» объявляет сущности XML, которых в документах не "
+                                          "бывает.")
+                        .arg(name);
                 tail = piece.right(entity.size() - 1);
             }
         }

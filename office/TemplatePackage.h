@@ -18,6 +18,9 @@ constexpr qint64 kMaxRatio = 200; // unpacked ÷ packed of one entry larger than
 // the file. Every entry is unpacked (and thrown away) to check what it really holds, not what the
 // archive says it holds.
 QString check(const QString &path);
+// The same reason without the file's name (a package the user chose as a spreadsheet, not a template):
+// "архив документа пуст.", ...
+QString problem(const QString &path);
 
 // The entry `name` of the package, unpacked; false when the package or the entry cannot be read or
 // the entry is larger than maxBytes.

@@ -1,5 +1,7 @@
 #include "TextFile.h"
 
+#include "FileKind.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -22,6 +24,9 @@ bool read(const QString &path, qint64 maxBytes, QString *text, QString *error) {
     if (!info.exists())
         return true;
     const QString shown = QDir::toNativeSeparators(path);
+    // A folder or a pipe in the file's place is told as what it is (reading a pipe would wait for ever).
+    if (FileKind::of(path) != FileKind::Kind::File)
+        return fail(error, QStringLiteral("Файл %1 не прочитан: %2.").arg(shown, FileKind::problem(path)));
     if (info.size() > maxBytes)
         return fail(error,
                     QStringLiteral("Файл %1 больше %2 КБ и не прочитан.").arg(shown).arg(maxBytes / 1024));

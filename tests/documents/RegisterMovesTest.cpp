@@ -5,8 +5,10 @@
 #include "RegisterTestData.h"
 #include "SqlRows.h"
 #include "TestFolder.h"
+#include "estimate/DocumentChecksum.h"
 #include "estimate/DocumentFile.h"
 #include "storage/ModuleSQL.h"
+#include "storage/UntrustedSqlite.h"
 
 #include <QDir>
 #include <QFile>
@@ -125,6 +127,52 @@ TEST_F(RegisterMovesTest, AnOldFileWithoutItsLinkGetsOne) {
     EXPECT_EQ(linkOf(target), QString::number(moved.newId) + "|draft");
     EXPECT_EQ(contentOf(target), "Побелка");
     EXPECT_FALSE(QFileInfo::exists(path));
+}
+
+// The file's side of a move: a sealed document stays sealed (the new link is no damage when it is
+// opened), a document already damaged keeps its warning, and nothing the file brings runs.
+TEST_F(RegisterMovesTest, TheLinkKeepsTheFilesSealAndRunsNothingOfIt) {
+    auto damagedTables = [](const QString &path) {
+        DatabaseFile file(path);
+        QStringList damaged;
+        QString error;
+        EXPECT_TRUE(DocumentChecksum::verify(UntrustedSqlite::handle(file.db()), "main", &damaged, &error))
+            << error.toStdString();
+        return damaged;
+    };
+    auto seal = [](const QString &path) {
+        DatabaseFile file(path);
+        EXPECT_EQ(DocumentChecksum::write(UntrustedSqlite::handle(file.db())), QString());
+    };
+    // Sealed, then moved twice (one move writes the link in place, the other in the copy).
+    const QString sealed = folder.file("Sm/Целая.sim");
+    qlonglong id = saveDocument(db(), sealed, false, "Целая");
+    seal(sealed);
+    const QString draft = folder.file("Sm/Drafts/Целая.sim");
+    RegisterMoves::Outcome moved = RegisterMoves::move(module, List::Documents, id, draft);
+    ASSERT_TRUE(moved.ok) << moved.error.toStdString();
+    EXPECT_EQ(damagedTables(draft), QStringList());
+    moved = RegisterMoves::move(module, List::Drafts, moved.newId, draft);
+    ASSERT_TRUE(moved.ok) << moved.error.toStdString();
+    EXPECT_EQ(damagedTables(draft), QStringList());
+
+    // Damaged after it was sealed: the move does not hide it.
+    const QString damaged = folder.file("Sm/Правленая.sim");
+    id = saveDocument(db(), damaged, false, "Правленая");
+    seal(damaged);
+    DatabaseFile(damaged).rows("UPDATE smeta SET nameras='Чужое'");
+    moved = RegisterMoves::move(module, List::Documents, id, folder.file("Sm/Drafts/Правленая.sim"));
+    ASSERT_TRUE(moved.ok) << moved.error.toStdString();
+    EXPECT_EQ(damagedTables(moved.newPath), QStringList{"smeta"});
+
+    // A trigger of the file on its link does not fire.
+    const QString hostile = folder.file("Sm/Чужая.sim");
+    id = saveDocument(db(), hostile, false, "Чужая");
+    DatabaseFile(hostile).rows("CREATE TRIGGER grow AFTER INSERT ON mydoc BEGIN "
+                               "INSERT INTO smeta (nameras) VALUES (zeroblob(1000000)); END");
+    moved = RegisterMoves::move(module, List::Documents, id, folder.file("Sm/Drafts/Чужая.sim"));
+    ASSERT_TRUE(moved.ok) << moved.error.toStdString();
+    EXPECT_EQ(contentOf(moved.newPath), "Окраска");
 }
 
 TEST_F(RegisterMovesTest, AFailedMoveLosesNothing) {

@@ -13,6 +13,7 @@
 #include <QFile>
 #include <QFont>
 #include <QStringEncoder>
+#include <sys/stat.h>
 
 namespace {
 
@@ -155,6 +156,12 @@ TEST_F(MatLists, FilterWordsFileKeepsTheLastWordFirstAndEachOnce) {
     ASSERT_TRUE(FilterWords::load(data, &words));
     EXPECT_EQ(words.size(), FilterWords::kMaxWords);
     EXPECT_EQ(words.first(), "слово 0");
+    // A pipe in the file's place is refused, never read (that would wait for ever).
+    ASSERT_TRUE(QFile::remove(folder.file("Sp/filter mat.txt")));
+    ASSERT_EQ(mkfifo(QFile::encodeName(folder.file("Sp/filter mat.txt")).constData(), 0600), 0);
+    QString error;
+    EXPECT_FALSE(FilterWords::load(data, &words, &error));
+    EXPECT_TRUE(error.contains("именованный канал")) << error.toStdString();
 }
 
 TEST_F(MatLists, ListsFollowTheSheetTheFilterAndTheLiveSearch) {

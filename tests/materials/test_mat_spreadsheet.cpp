@@ -22,6 +22,7 @@
 #include <QStandardItemModel>
 #include <QTest>
 #include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <zip.h>
 
@@ -104,13 +105,28 @@ TEST(MatSpreadsheetCells, FilesThatCannotBeSpreadsheetsAreRefusedUnread) {
         big.write("PK\x03\x04");
         ASSERT_TRUE(big.resize(MatSpreadsheet::kMaxFileBytes + 1)); // sparse: nothing is written
     }
+    // Not files at all: a folder and a pipe (which would block a reader for ever).
+    ASSERT_TRUE(QDir().mkpath(folder.file("folder.xlsx")));
+    ASSERT_EQ(mkfifo(QFile::encodeName(folder.file("pipe.xls")).constData(), 0600), 0);
+    // Unsafe for the engine: a package whose XML declares entities (the "billion laughs"), the
+    // old-Excel header with garbage behind it.
+    ASSERT_TRUE(writeStoredZip(folder.file("entities.xlsx"),
+                               {{"xl/workbook.xml", "<!DOCTYPE l [<!ENTITY a \"ha\"><!ENTITY b \"&a;&a;\">]>"
+                                                    "<workbook>&b;</workbook>"}}));
+    QByteArray garbage("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8);
+    for (int i = 0; i < 20000; ++i)
+        garbage += static_cast<char>((i * 7919) % 251);
+    write(folder.file("garbage.xls"), garbage);
     struct Case {
         const char *file;
         const char *reason;
     };
-    for (const Case &c : {Case{"missing.xlsx", "не найден"}, Case{"empty.xlsx", "пуст"},
-                          Case{"text.xlsx", "не является таблицей"},
-                          Case{"picture.xls", "не является таблицей"}, Case{"big.ods", "больше 50 МБ"}}) {
+    for (const Case &c :
+         {Case{"missing.xlsx", "не найден"}, Case{"empty.xlsx", "пуст"},
+          Case{"text.xlsx", "не является таблицей"}, Case{"picture.xls", "не является таблицей"},
+          Case{"big.ods", "больше 50 МБ"}, Case{"folder.xlsx", "это папка"},
+          Case{"pipe.xls", "именованный канал"}, Case{"entities.xlsx", "сущности XML"},
+          Case{"garbage.xls", "повреждён или опасен"}}) {
         QString error;
         EXPECT_FALSE(MatSpreadsheet::checkFile(folder.file(c.file), &error)) << c.file;
         EXPECT_TRUE(error.contains(QString::fromUtf8(c.reason))) << c.file << ": " << error.toStdString();
@@ -176,6 +192,30 @@ TEST_F(MatSpreadsheetEngine, AListGoesOutAndComesBackTheSame) {
     }
 }
 
+// A spreadsheet of text cells written through a flat OpenDocument file, saved by the engine as ".xlsx".
+void writeXlsx(const QString &fods, const QString &xlsx, const QList<QStringList> &rows) {
+    QString body;
+    for (const QStringList &row : rows) {
+        body += QStringLiteral("<table:table-row>");
+        for (const QString &cell : row)
+            body += QStringLiteral("<table:table-cell office:value-type=\"string\"><text:p>%1</text:p>"
+                                   "</table:table-cell>")
+                        .arg(cell.toHtmlEscaped());
+        body += QStringLiteral("</table:table-row>");
+    }
+    write(fods, QStringLiteral(R"(<?xml version="1.0" encoding="UTF-8"?>
+<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"
+ xmlns:table="urn:oasis:names:tc:opendocument:xmlns:table:1.0"
+ xmlns:text="urn:oasis:names:tc:opendocument:xmlns:text:1.0" office:version="1.2"
+ office:mimetype="application/vnd.oasis.opendocument.spreadsheet"><office:body><office:spreadsheet>
+<table:table table:name="Лист1">%1</table:table></office:spreadsheet></office:body></office:document>)")
+                    .arg(body)
+                    .toUtf8());
+    ASSERT_TRUE(engine().load(fods));
+    ASSERT_TRUE(engine().saveAs(xlsx, "xlsx"));
+    engine().close();
+}
+
 TEST_F(MatSpreadsheetEngine, HostileFilesAreRefusedInRussian) {
     // A ZIP package that is no spreadsheet, and a word-processor document under a spreadsheet's name.
     write(folder.file("inside.txt"), "просто текст");
@@ -185,20 +225,8 @@ TEST_F(MatSpreadsheetEngine, HostileFilesAreRefusedInRussian) {
     engine().close();
     ASSERT_TRUE(QFile::rename(folder.file("letter.odt"), folder.file("letter.ods")));
     // A spreadsheet with two columns only.
-    write(folder.file("narrow.fods"),
-          R"(<?xml version="1.0" encoding="UTF-8"?>
-<office:document xmlns:office="urn:oasis:names:tc:opendocument:xmlns:office:1.0"
- xmlns:table="urn:oasis:names:tc:opendocument:xmlns:table:1.0"
- xmlns:text="urn:oasis:names:tc:opendocument:xmlns:text:1.0" office:version="1.2"
- office:mimetype="application/vnd.oasis.opendocument.spreadsheet"><office:body><office:spreadsheet>
-<table:table table:name="Лист1"><table:table-row>
-<table:table-cell office:value-type="string"><text:p>Клей</text:p></table:table-cell>
-<table:table-cell office:value-type="string"><text:p>мешок</text:p></table:table-cell>
-</table:table-row></table:table></office:spreadsheet></office:body></office:document>)");
     const QString narrow = folder.file("narrow.xlsx");
-    ASSERT_TRUE(engine().load(folder.file("narrow.fods")));
-    ASSERT_TRUE(engine().saveAs(narrow, "xlsx"));
-    engine().close();
+    writeXlsx(folder.file("narrow.fods"), narrow, {{"Клей", "мешок"}});
     QString error;
     for (const char *file : {"junk.xlsx", "letter.ods"}) {
         std::vector<MatRow> rows = {matRow("было")};
@@ -208,6 +236,15 @@ TEST_F(MatSpreadsheetEngine, HostileFilesAreRefusedInRussian) {
         EXPECT_FALSE(error.isEmpty()) << file;
         EXPECT_TRUE(error.contains(QString::fromUtf8("таблиц"))) << file << ": " << error.toStdString();
     }
+    // A cell of megabytes is named and refused (the grids that would show it freeze on it).
+    const QString longCell = folder.file("long.xlsx");
+    writeXlsx(folder.file("long.fods"), longCell,
+              {{"Клей", "мешок", "5"}, {"Цемент", QString(SheetFile::kMaxCellChars + 1, QChar(u'ж'))}});
+    std::vector<MatRow> cut;
+    EXPECT_FALSE(MatSpreadsheet::readFile(engine(), longCell, scratch(), cut, &error));
+    EXPECT_TRUE(error.contains(QString::fromUtf8("ячейка B2 (строка 2) длиннее"))) << error.toStdString();
+    EXPECT_TRUE(cut.empty());
+
     // The engine is still there for the next file.
     std::vector<MatRow> rows;
     EXPECT_FALSE(MatSpreadsheet::readFile(engine(), narrow, scratch(), rows, &error));

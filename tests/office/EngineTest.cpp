@@ -455,6 +455,15 @@ TEST_F(Engine, AValueThatLooksLikeAFieldIsNoFieldLeftUnfilled) {
     QString error;
     EXPECT_TRUE(SheetTemplate::fill(engine(), sheetTemplate, data, {{out, QString()}}, &error))
         << error.toStdString();
+    // And the values stand in the document as they were written, brackets and all.
+    ASSERT_TRUE(engine().load(out));
+    ASSERT_TRUE(engine().sheet(&grid));
+    engine().close();
+    QStringList cells;
+    for (const QStringList &row : grid)
+        cells << row;
+    for (auto it = data.values.cbegin(); it != data.values.cend(); ++it)
+        EXPECT_TRUE(cells.join(u'\n').contains(it.value().text)) << it.key().toStdString();
 }
 
 TEST_F(Engine, ATemplateThatDoesNotLoadInItsTimeIsNamedAndTheHelperReplaced) {
