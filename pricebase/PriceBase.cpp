@@ -16,6 +16,24 @@ struct PriceBase::Loaded {
 
 PriceBase::PriceBase(TModuleSQL *module, QObject *parent) : QObject(parent), m_module(module) {}
 
+PriceBase::~PriceBase() {
+    if (m_pending)
+        m_pending->waitForFinished();
+    for (QFuture<std::shared_ptr<Loaded>> &f : m_overtaken)
+        f.waitForFinished();
+}
+
+void PriceBase::overtakePending() {
+    if (!m_pending)
+        return;
+    m_pending->disconnect(this);
+    // Finished ones are forgotten; the list stays as short as the reads still running.
+    m_overtaken.removeIf([](const QFuture<std::shared_ptr<Loaded>> &f) { return f.isFinished(); });
+    m_overtaken.append(m_pending->future());
+    m_pending->deleteLater();
+    m_pending = nullptr;
+}
+
 QSqlDatabase PriceBase::priceDb(QString *error) {
     if (!m_module) {
         if (error)
@@ -83,7 +101,7 @@ void PriceBase::readInBackground() {
         return;
     }
     // The data module's connection has brought the file up to date; the worker only reads.
-    delete m_pending;
+    overtakePending();
     m_pending = new QFutureWatcher<std::shared_ptr<Loaded>>(this);
     connect(m_pending, &QFutureWatcherBase::finished, this, &PriceBase::takeLoaded);
     m_pending->setFuture(QtConcurrent::run(loadList, db.databaseName(), table(), m_currency, m_liveSearch));
@@ -111,11 +129,7 @@ void PriceBase::takeLoaded() {
 
 bool PriceBase::read(QString *error) {
     // A read in the background is overtaken: its rows would be older than these.
-    if (m_pending) {
-        m_pending->disconnect(this);
-        m_pending->deleteLater();
-        m_pending = nullptr;
-    }
+    overtakePending();
     PriceListData data;
     if (!showsRates()) {
         take(data, true);

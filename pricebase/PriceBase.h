@@ -22,6 +22,8 @@ class PriceBase : public QObject {
 public:
     // The data module may come later (the main window gets it after it is built).
     explicit PriceBase(TModuleSQL *module, QObject *parent = nullptr);
+    // Waits for reads still running on a worker: they use the SQL driver, which must outlive them.
+    ~PriceBase() override;
     void setModule(TModuleSQL *module) { m_module = module; }
     bool hasModule() const { return m_module != nullptr; }
 
@@ -88,6 +90,7 @@ private:
     // search: live-search names made with the rows (null: made here when live search is on).
     void take(PriceListData &data, bool rebuild, LiveSearch *search = nullptr);
     void takeLoaded();
+    void overtakePending();
     // price.db, or an invalid handle (and *error) without a data module.
     QSqlDatabase priceDb(QString *error);
 
@@ -102,4 +105,6 @@ private:
     bool m_liveSearch = true;
     bool m_remoteFiltered = false;
     QFutureWatcher<std::shared_ptr<Loaded>> *m_pending = nullptr;
+    // Reads overtaken by a later one: their rows are dropped, but they run to their end.
+    QList<QFuture<std::shared_ptr<Loaded>>> m_overtaken;
 };
