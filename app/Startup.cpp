@@ -149,7 +149,10 @@ int virnMain(int argc, char **argv) {
     window.FormShow();
 
     if (!screenshot.isEmpty()) {
-        // Draw the window once as it opens on this screen, save the picture and leave without questions.
+        // Draw the window once at the size of a common laptop screen (the offscreen screen is a small
+        // square), save the picture and leave without questions.
+        window.setWindowState(Qt::WindowNoState);
+        window.resize(1366, 768);
         QTimer::singleShot(300, &window, [&window, screenshot] {
             const bool ok = window.grab().save(screenshot);
             err() << (ok ? "screenshot: " : "screenshot failed: ") << screenshot << Qt::endl;
