@@ -20,13 +20,17 @@
 #include <QRegularExpression>
 #include <QUrl>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <iostream>
+#include <map>
+#include <set>
 #include <string>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -339,30 +343,109 @@ private:
         return true;
     }
 
-    bool enterCells(const QJsonArray &cells, std::string *error) {
-        for (const QJsonValue &v : cells) {
-            const QJsonObject c = v.toObject();
-            const QString type = c.value(QStringLiteral("type")).toString();
-            if (!goTo(c.value(QStringLiteral("cell")).toString(), error))
+    // One cell of an "enter" request.
+    struct Entry {
+        QString cell;
+        QString type;
+        QString text; // as typed: a number in the Russian form, a formula, a text
+    };
+
+    static Entry entryOf(const QJsonObject &c) {
+        Entry e{c.value(QStringLiteral("cell")).toString(), c.value(QStringLiteral("type")).toString(), {}};
+        e.text = e.type == QLatin1String("number") ? numberText(c.value(QStringLiteral("value")).toDouble())
+                                                   : c.value(QStringLiteral("value")).toString();
+        return e;
+    }
+
+    // A text the engine takes apart when pasted as tab-separated lines, or reads as quoted: such a
+    // cell is entered alone.
+    static bool splitsInPaste(const QString &text) {
+        return text.contains(u'\t') || text.contains(u'\n') || text.contains(u'\r') ||
+               text.startsWith(u'"') || text.startsWith(u'\'');
+    }
+
+    bool enterOne(const Entry &e, std::string *error) {
+        if (!goTo(e.cell, error))
+            return false;
+        if (e.type == QLatin1String("text")) {
+            if (e.text.isEmpty())
+                return m_s.uno(".uno:ClearContents", "", kStep, error);
+            if (mayParseAsNonText(e.text) && !setTextFormat(error))
                 return false;
-            QString text;
-            if (type == QLatin1String("number")) {
-                text = numberText(c.value(QStringLiteral("value")).toDouble());
-            } else {
-                text = c.value(QStringLiteral("value")).toString();
-                if (text.isEmpty()) {
-                    if (!m_s.uno(".uno:ClearContents", "", kStep, error))
-                        return false;
-                    continue;
-                }
-                if (type != QLatin1String("formula") && mayParseAsNonText(text)) {
-                    // 100 is the built-in text format "@".
-                    const char *fmt = R"({"NumberFormatValue":{"type":"long","value":100}})";
-                    if (!m_s.uno(".uno:NumberFormatValue", fmt, kStep, error))
-                        return false;
-                }
+        }
+        return m_s.uno(".uno:EnterString", stringArg("StringName", e.text).toStdString(), kStep, error);
+    }
+
+    // The selection gets the built-in text format "@" (100): what is entered there stays a text.
+    bool setTextFormat(std::string *error) {
+        return m_s.uno(".uno:NumberFormatValue", R"({"NumberFormatValue":{"type":"long","value":100}})",
+                       kStep, error);
+    }
+
+    // Cells are written by blocks: the cells to clear are cleared by rectangles, the texts that the
+    // engine would read as numbers, dates or formulas get the text format by rectangles, and each
+    // rectangle of values is pasted at once as tab-separated lines, which the engine reads as it reads
+    // typing (numbers, formulas). A cell named twice takes its last value. Cells that cannot go in a
+    // block (a text with tabs or line breaks, a name other than "B5") are entered one by one.
+    bool enterCells(const QJsonArray &cells, std::string *error) {
+        using Pos = std::pair<int, int>; // row, column from 0
+        std::map<Pos, Entry> values;
+        std::set<Pos> clear, textFormat;
+        std::vector<Entry> single;
+        for (const QJsonValue &v : cells) {
+            Entry e = entryOf(v.toObject());
+            int row = 0, column = 0;
+            const bool text = e.type == QLatin1String("text");
+            const bool named = SheetText::parseCellName(e.cell, &row, &column);
+            const Pos pos{row, column};
+            if (named) {
+                clear.erase(pos);
+                textFormat.erase(pos);
+                values.erase(pos);
             }
-            if (!m_s.uno(".uno:EnterString", stringArg("StringName", text).toStdString(), kStep, error))
+            single.erase(std::remove_if(single.begin(), single.end(),
+                                        [&e](const Entry &s) { return s.cell == e.cell; }),
+                         single.end());
+            if (!named || splitsInPaste(e.text)) {
+                single.push_back(e);
+                continue;
+            }
+            if (text && e.text.isEmpty()) {
+                clear.insert(pos);
+                continue;
+            }
+            if (text && mayParseAsNonText(e.text))
+                textFormat.insert(pos);
+            values.emplace(pos, std::move(e));
+        }
+        std::set<Pos> filled;
+        for (const auto &v : values)
+            filled.insert(v.first);
+        for (const SheetText::Block &b : SheetText::blocksOf(clear)) {
+            if (!goTo(b.name(), error) || !m_s.uno(".uno:ClearContents", "", kStep, error))
+                return false;
+        }
+        for (const SheetText::Block &b : SheetText::blocksOf(textFormat)) {
+            if (!goTo(b.name(), error) || !setTextFormat(error))
+                return false;
+        }
+        // A paste of more than one line makes the engine ask how to split it: each row of a block
+        // goes in as one line.
+        for (const SheetText::Block &b : SheetText::blocksOf(filled)) {
+            for (int r = b.firstRow; r <= b.lastRow; ++r) {
+                QString line;
+                for (int c = b.firstColumn; c <= b.lastColumn; ++c) {
+                    if (c > b.firstColumn)
+                        line += u'\t';
+                    line += values.at({r, c}).text;
+                }
+                if (!goTo(SheetText::rangeName(r, b.firstColumn, r, b.lastColumn), error) ||
+                    !m_s.paste("text/plain;charset=utf-8", line.toUtf8().toStdString(), error))
+                    return false;
+            }
+        }
+        for (const Entry &e : single) {
+            if (!enterOne(e, error))
                 return false;
         }
         return true;
