@@ -151,6 +151,7 @@ public:
 
 private:
     static constexpr int kStep = 20000; // time limit of one engine command, ms
+    static constexpr const char *kSylkType = "application/x-openoffice-sylk;windows_formatname=\"Sylk\"";
 
     bool load(const QJsonObject &req, QJsonObject *answer, std::string *error) {
         const QString path = req.value(QStringLiteral("path")).toString();
@@ -348,20 +349,29 @@ private:
         QString cell;
         QString type;
         QString text; // as typed: a number in the Russian form, a formula, a text
+        double number = 0;
     };
 
     static Entry entryOf(const QJsonObject &c) {
-        Entry e{c.value(QStringLiteral("cell")).toString(), c.value(QStringLiteral("type")).toString(), {}};
+        Entry e{c.value(QStringLiteral("cell")).toString(),
+                c.value(QStringLiteral("type")).toString(),
+                {},
+                c.value(QStringLiteral("value")).toDouble()};
         e.text = e.type == QLatin1String("number") ? numberText(c.value(QStringLiteral("value")).toDouble())
                                                    : c.value(QStringLiteral("value")).toString();
         return e;
     }
 
-    // A text the engine takes apart when pasted as tab-separated lines, or reads as quoted: such a
-    // cell is entered alone.
-    static bool splitsInPaste(const QString &text) {
-        return text.contains(u'\t') || text.contains(u'\n') || text.contains(u'\r') ||
-               text.startsWith(u'"') || text.startsWith(u'\'');
+    // A text a block cannot carry as it is (a block is lines of cells, each text in quotes, and the
+    // engine reads a line up to 64 KB of UTF-8): such a cell is entered alone.
+    static bool enteredAlone(const QString &text) {
+        if (text.size() > 16000)
+            return true;
+        for (QChar c : text) {
+            if (c.unicode() < 0x20)
+                return true;
+        }
+        return text.startsWith(u'"') || text.startsWith(u'\'');
     }
 
     bool enterOne(const Entry &e, std::string *error) {
@@ -382,15 +392,32 @@ private:
                        kStep, error);
     }
 
-    // Cells are written by blocks: the cells to clear are cleared by rectangles, the texts that the
-    // engine would read as numbers, dates or formulas get the text format by rectangles, and each
-    // rectangle of values is pasted at once as tab-separated lines, which the engine reads as it reads
-    // typing (numbers, formulas). A cell named twice takes its last value. Cells that cannot go in a
-    // block (a text with tabs or line breaks, a name other than "B5") are entered one by one.
+    // Cells are written by blocks: the cells to clear are cleared by rectangles, and each rectangle of
+    // values is pasted at once in the symbolic link format, where a text is set as a text whatever it
+    // looks like ("1-2", "01.02", "007", "=A1") and a number as a number, the cells' formats kept.
+    // Two engine commands a rectangle instead of two or three a cell. A cell named twice takes its last
+    // value. Formulas and cells that cannot go in a block (a text with line breaks, a name other than
+    // "B5") are entered one by one, as typed.
+    static QString blockText(const SheetText::Block &b, const std::map<std::pair<int, int>, Entry> &values) {
+        QString sylk = QStringLiteral("ID;PCALCOOO32\n");
+        for (int r = b.firstRow; r <= b.lastRow; ++r) {
+            for (int c = b.firstColumn; c <= b.lastColumn; ++c) {
+                const Entry &e = values.at({r, c});
+                sylk += QStringLiteral("C;Y%1;X%2;K").arg(r - b.firstRow + 1).arg(c - b.firstColumn + 1);
+                if (e.type == QLatin1String("number"))
+                    sylk += QString::number(e.number, 'g', 17);
+                else
+                    sylk += u'"' + QString(e.text).replace(u';', QStringLiteral(";;")) + u'"';
+                sylk += u'\n';
+            }
+        }
+        return sylk + QStringLiteral("E\n");
+    }
+
     bool enterCells(const QJsonArray &cells, std::string *error) {
         using Pos = std::pair<int, int>; // row, column from 0
         std::map<Pos, Entry> values;
-        std::set<Pos> clear, textFormat;
+        std::set<Pos> clear;
         std::vector<Entry> single;
         for (const QJsonValue &v : cells) {
             Entry e = entryOf(v.toObject());
@@ -400,13 +427,12 @@ private:
             const Pos pos{row, column};
             if (named) {
                 clear.erase(pos);
-                textFormat.erase(pos);
                 values.erase(pos);
             }
             single.erase(std::remove_if(single.begin(), single.end(),
                                         [&e](const Entry &s) { return s.cell == e.cell; }),
                          single.end());
-            if (!named || splitsInPaste(e.text)) {
+            if (!named || e.type == QLatin1String("formula") || enteredAlone(e.text)) {
                 single.push_back(e);
                 continue;
             }
@@ -414,8 +440,6 @@ private:
                 clear.insert(pos);
                 continue;
             }
-            if (text && mayParseAsNonText(e.text))
-                textFormat.insert(pos);
             values.emplace(pos, std::move(e));
         }
         std::set<Pos> filled;
@@ -425,24 +449,11 @@ private:
             if (!goTo(b.name(), error) || !m_s.uno(".uno:ClearContents", "", kStep, error))
                 return false;
         }
-        for (const SheetText::Block &b : SheetText::blocksOf(textFormat)) {
-            if (!goTo(b.name(), error) || !setTextFormat(error))
-                return false;
-        }
-        // A paste of more than one line makes the engine ask how to split it: each row of a block
-        // goes in as one line.
         for (const SheetText::Block &b : SheetText::blocksOf(filled)) {
-            for (int r = b.firstRow; r <= b.lastRow; ++r) {
-                QString line;
-                for (int c = b.firstColumn; c <= b.lastColumn; ++c) {
-                    if (c > b.firstColumn)
-                        line += u'\t';
-                    line += values.at({r, c}).text;
-                }
-                if (!goTo(SheetText::rangeName(r, b.firstColumn, r, b.lastColumn), error) ||
-                    !m_s.paste("text/plain;charset=utf-8", line.toUtf8().toStdString(), error))
-                    return false;
-            }
+            if (!goTo(SheetText::cellName(b.firstRow, b.firstColumn), error) ||
+                !m_s.setClipboard(kSylkType, blockText(b, values).toUtf8().toStdString(), error) ||
+                !m_s.uno(".uno:Paste", "", kStep, error))
+                return false;
         }
         for (const Entry &e : single) {
             if (!enterOne(e, error))

@@ -472,10 +472,11 @@ TEST_F(Engine, CellsEnteredByBlocksKeepTheirKinds) {
         text("A13", QStringLiteral("лишнее")),
         number("B13", -3),
         text("C13", QStringLiteral("'1")),
-        text("D13", QStringLiteral("0,5")),
+        text("D13", QStringLiteral("0,5; \"б\";в\"")),
         text("A13", QString()),
         text("A1", QString()),
         number("B2", 1234567.25),
+        text("A14", QString(10000, QChar(0x0416))),
     };
     const QVector<Expected> expected{
         {9, 0, "string", QStringLiteral("1-2"), 0},
@@ -493,9 +494,10 @@ TEST_F(Engine, CellsEnteredByBlocksKeepTheirKinds) {
         {12, 0, "", {}, 0},
         {12, 1, "float", {}, -3},
         {12, 2, "string", QStringLiteral("'1"), 0},
-        {12, 3, "string", QStringLiteral("0,5"), 0},
+        {12, 3, "string", QStringLiteral("0,5; \"б\";в\""), 0},
         {0, 0, "", {}, 0},
         {1, 1, "float", {}, 1234567.25},
+        {13, 0, "string", QString(10000, QChar(0x0416)), 0},
     };
     const QString templ = m_folder.file(QStringLiteral("t.xls"));
     writeSheetTemplate(engine(), m_folder.file(QStringLiteral("t.fods")), templ);
