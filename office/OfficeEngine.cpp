@@ -397,7 +397,7 @@ bool OfficeEngine::insertImage(const QString &cell, const QString &path) {
 
 bool OfficeEngine::enter(const QVector<Input> &cells) {
     // Sent in parts, so that each request stays well inside its time limit.
-    constexpr int kPart = 400;
+    constexpr int kPart = 1000;
     for (int from = 0; from < cells.size(); from += kPart) {
         QJsonArray list;
         for (int i = from; i < qMin<int>(from + kPart, cells.size()); ++i) {

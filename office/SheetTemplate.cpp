@@ -151,7 +151,7 @@ void rememberBracketed(const QVector<Input> &inputs, QSet<QString> *written) {
 
 bool enterAll(OfficeEngine &engine, const QVector<Input> &inputs, QString *error, const Progress &progress,
               int fromPercent, int toPercent) {
-    constexpr int kPart = 200;
+    constexpr int kPart = 1000; // cells a request: the engine writes them by blocks, and the bar moves
     for (int from = 0; from < inputs.size(); from += kPart) {
         if (!engine.enter(inputs.mid(from, kPart))) {
             *error = engine.error();

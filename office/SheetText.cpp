@@ -84,6 +84,40 @@ bool parseCellName(const QString &name, int *row, int *column) {
     return true;
 }
 
+QVector<Block> blocksOf(const std::set<std::pair<int, int>> &cells) {
+    QVector<Block> blocks;
+    QVector<int> open; // blocks that end on the row above and may go on
+    int openRow = -2;
+    auto it = cells.begin();
+    while (it != cells.end()) {
+        const int row = it->first;
+        QVector<int> next;
+        while (it != cells.end() && it->first == row) {
+            Block run{row, it->second, row, it->second};
+            for (++it; it != cells.end() && it->first == row && it->second == run.lastColumn + 1; ++it)
+                run.lastColumn = it->second;
+            int joined = -1;
+            if (openRow == row - 1) {
+                for (int i : open) {
+                    const Block &b = blocks.at(i);
+                    if (b.firstColumn == run.firstColumn && b.lastColumn == run.lastColumn)
+                        joined = i;
+                }
+            }
+            if (joined >= 0) {
+                blocks[joined].lastRow = row;
+            } else {
+                joined = static_cast<int>(blocks.size());
+                blocks.append(run);
+            }
+            next.append(joined);
+        }
+        open = next;
+        openRow = row;
+    }
+    return blocks;
+}
+
 bool findCell(const Grid &grid, const QString &text, bool exact, int *row, int *column) {
     for (int r = 0; r < grid.size(); ++r) {
         const QStringList &cells = grid.at(r);

@@ -20,13 +20,17 @@
 #include <QRegularExpression>
 #include <QUrl>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <iostream>
+#include <map>
+#include <set>
 #include <string>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -147,6 +151,7 @@ public:
 
 private:
     static constexpr int kStep = 20000; // time limit of one engine command, ms
+    static constexpr const char *kSylkType = "application/x-openoffice-sylk;windows_formatname=\"Sylk\"";
 
     bool load(const QJsonObject &req, QJsonObject *answer, std::string *error) {
         const QString path = req.value(QStringLiteral("path")).toString();
@@ -339,30 +344,119 @@ private:
         return true;
     }
 
-    bool enterCells(const QJsonArray &cells, std::string *error) {
-        for (const QJsonValue &v : cells) {
-            const QJsonObject c = v.toObject();
-            const QString type = c.value(QStringLiteral("type")).toString();
-            if (!goTo(c.value(QStringLiteral("cell")).toString(), error))
+    // One cell of an "enter" request.
+    struct Entry {
+        QString cell;
+        QString type;
+        QString text; // as typed: a number in the Russian form, a formula, a text
+        double number = 0;
+    };
+
+    static Entry entryOf(const QJsonObject &c) {
+        Entry e{c.value(QStringLiteral("cell")).toString(),
+                c.value(QStringLiteral("type")).toString(),
+                {},
+                c.value(QStringLiteral("value")).toDouble()};
+        e.text = e.type == QLatin1String("number") ? numberText(c.value(QStringLiteral("value")).toDouble())
+                                                   : c.value(QStringLiteral("value")).toString();
+        return e;
+    }
+
+    // A text a block cannot carry as it is (a block is lines of cells, each text in quotes, and the
+    // engine reads a line up to 64 KB of UTF-8): such a cell is entered alone.
+    static bool enteredAlone(const QString &text) {
+        if (text.size() > 16000)
+            return true;
+        for (QChar c : text) {
+            if (c.unicode() < 0x20)
+                return true;
+        }
+        return text.startsWith(u'"') || text.startsWith(u'\'');
+    }
+
+    bool enterOne(const Entry &e, std::string *error) {
+        if (!goTo(e.cell, error))
+            return false;
+        if (e.type == QLatin1String("text")) {
+            if (e.text.isEmpty())
+                return m_s.uno(".uno:ClearContents", "", kStep, error);
+            if (mayParseAsNonText(e.text) && !setTextFormat(error))
                 return false;
-            QString text;
-            if (type == QLatin1String("number")) {
-                text = numberText(c.value(QStringLiteral("value")).toDouble());
-            } else {
-                text = c.value(QStringLiteral("value")).toString();
-                if (text.isEmpty()) {
-                    if (!m_s.uno(".uno:ClearContents", "", kStep, error))
-                        return false;
-                    continue;
-                }
-                if (type != QLatin1String("formula") && mayParseAsNonText(text)) {
-                    // 100 is the built-in text format "@".
-                    const char *fmt = R"({"NumberFormatValue":{"type":"long","value":100}})";
-                    if (!m_s.uno(".uno:NumberFormatValue", fmt, kStep, error))
-                        return false;
-                }
+        }
+        return m_s.uno(".uno:EnterString", stringArg("StringName", e.text).toStdString(), kStep, error);
+    }
+
+    // The selection gets the built-in text format "@" (100): what is entered there stays a text.
+    bool setTextFormat(std::string *error) {
+        return m_s.uno(".uno:NumberFormatValue", R"({"NumberFormatValue":{"type":"long","value":100}})",
+                       kStep, error);
+    }
+
+    // Cells are written by blocks: the cells to clear are cleared by rectangles, and each rectangle of
+    // values is pasted at once in the symbolic link format, where a text is set as a text whatever it
+    // looks like ("1-2", "01.02", "007", "=A1") and a number as a number, the cells' formats kept.
+    // Two engine commands a rectangle instead of two or three a cell. A cell named twice takes its last
+    // value. Formulas and cells that cannot go in a block (a text with line breaks, a name other than
+    // "B5") are entered one by one, as typed.
+    static QString blockText(const SheetText::Block &b, const std::map<std::pair<int, int>, Entry> &values) {
+        QString sylk = QStringLiteral("ID;PCALCOOO32\n");
+        for (int r = b.firstRow; r <= b.lastRow; ++r) {
+            for (int c = b.firstColumn; c <= b.lastColumn; ++c) {
+                const Entry &e = values.at({r, c});
+                sylk += QStringLiteral("C;Y%1;X%2;K").arg(r - b.firstRow + 1).arg(c - b.firstColumn + 1);
+                if (e.type == QLatin1String("number"))
+                    sylk += QString::number(e.number, 'g', 17);
+                else
+                    sylk += u'"' + QString(e.text).replace(u';', QStringLiteral(";;")) + u'"';
+                sylk += u'\n';
             }
-            if (!m_s.uno(".uno:EnterString", stringArg("StringName", text).toStdString(), kStep, error))
+        }
+        return sylk + QStringLiteral("E\n");
+    }
+
+    bool enterCells(const QJsonArray &cells, std::string *error) {
+        using Pos = std::pair<int, int>; // row, column from 0
+        std::map<Pos, Entry> values;
+        std::set<Pos> clear;
+        std::vector<Entry> single;
+        for (const QJsonValue &v : cells) {
+            Entry e = entryOf(v.toObject());
+            int row = 0, column = 0;
+            const bool text = e.type == QLatin1String("text");
+            const bool named = SheetText::parseCellName(e.cell, &row, &column);
+            const Pos pos{row, column};
+            if (named) {
+                clear.erase(pos);
+                values.erase(pos);
+            }
+            single.erase(std::remove_if(single.begin(), single.end(),
+                                        [&e](const Entry &s) { return s.cell == e.cell; }),
+                         single.end());
+            if (!named || e.type == QLatin1String("formula") || enteredAlone(e.text)) {
+                single.push_back(e);
+                continue;
+            }
+            if (text && e.text.isEmpty()) {
+                clear.insert(pos);
+                continue;
+            }
+            values.emplace(pos, std::move(e));
+        }
+        std::set<Pos> filled;
+        for (const auto &v : values)
+            filled.insert(v.first);
+        for (const SheetText::Block &b : SheetText::blocksOf(clear)) {
+            if (!goTo(b.name(), error) || !m_s.uno(".uno:ClearContents", "", kStep, error))
+                return false;
+        }
+        for (const SheetText::Block &b : SheetText::blocksOf(filled)) {
+            if (!goTo(SheetText::cellName(b.firstRow, b.firstColumn), error) ||
+                !m_s.setClipboard(kSylkType, blockText(b, values).toUtf8().toStdString(), error) ||
+                !m_s.uno(".uno:Paste", "", kStep, error))
+                return false;
+        }
+        for (const Entry &e : single) {
+            if (!enterOne(e, error))
                 return false;
         }
         return true;

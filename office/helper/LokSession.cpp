@@ -231,3 +231,20 @@ bool LokSession::paste(const std::string &mimeType, const std::string &data, std
     }
     return true;
 }
+
+bool LokSession::setClipboard(const std::string &mimeType, const std::string &data, std::string *error) {
+    if (!m_doc) {
+        *error = "нет открытого документа";
+        return false;
+    }
+    takeError();
+    const char *types[] = {mimeType.c_str()};
+    const size_t sizes[] = {data.size()};
+    const char *streams[] = {data.data()};
+    if (!m_doc->setClipboard(1, types, sizes, streams)) {
+        const std::string why = takeError();
+        *error = why.empty() ? std::string("буфер обмена не принял данные") : why;
+        return false;
+    }
+    return true;
+}

@@ -51,6 +51,8 @@ public:
     bool selectBody(std::string *error);
     // The selection in a clipboard format ("text/html", "text/plain;charset=utf-8").
     bool selection(const std::string &mimeType, std::string *data, std::string *error);
+    // Puts data of that clipboard format on the document's clipboard (for a ".uno:Paste" after).
+    bool setClipboard(const std::string &mimeType, const std::string &data, std::string *error);
     // Pastes data of that clipboard format over the selection.
     bool paste(const std::string &mimeType, const std::string &data, std::string *error);
 

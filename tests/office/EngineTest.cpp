@@ -439,6 +439,86 @@ TEST_F(Engine, ACellTakesNoTextOfMegabytes) {
     engine().close();
 }
 
+TEST_F(Engine, CellsEnteredByBlocksKeepTheirKinds) {
+    // Blocks of adjacent cells go in at once: texts that look like numbers, dates, truth values or
+    // formulas stay texts, numbers stay numbers, formulas compute, a cell named twice keeps its last
+    // value, an empty text clears, and texts that cannot go in a block still arrive whole.
+    using In = OfficeEngine::Input;
+    const auto text = [](const char *cell, const QString &value) {
+        return In{QString::fromLatin1(cell), In::Type::Text, value, 0};
+    };
+    const auto number = [](const char *cell, double value) {
+        return In{QString::fromLatin1(cell), In::Type::Number, {}, value};
+    };
+    struct Expected {
+        int row, column;
+        const char *type;
+        QString text;
+        double value;
+    };
+    const QVector<In> cells{
+        text("A10", QStringLiteral("1-2")),
+        text("B10", QStringLiteral("01.02")),
+        text("C10", QStringLiteral("007")),
+        text("D10", QStringLiteral("=A10")),
+        number("A11", 1.5),
+        {QStringLiteral("B11"), In::Type::Formula, "=A11*2", 0},
+        text("C11", QStringLiteral("ИСТИНА")),
+        text("D11", QStringLiteral("ООО \"Ромашка\"")),
+        text("A12", QStringLiteral("-5")),
+        text("B12", QStringLiteral("а\tб")),
+        text("C12", QStringLiteral("\"в кавычках\"")),
+        text("D12", QStringLiteral("15%")),
+        text("A13", QStringLiteral("лишнее")),
+        number("B13", -3),
+        text("C13", QStringLiteral("'1")),
+        text("D13", QStringLiteral("0,5; \"б\";в\"")),
+        text("A13", QString()),
+        text("A1", QString()),
+        number("B2", 1234567.25),
+        text("A14", QString(10000, QChar(0x0416))),
+    };
+    const QVector<Expected> expected{
+        {9, 0, "string", QStringLiteral("1-2"), 0},
+        {9, 1, "string", QStringLiteral("01.02"), 0},
+        {9, 2, "string", QStringLiteral("007"), 0},
+        {9, 3, "string", QStringLiteral("=A10"), 0},
+        {10, 0, "float", {}, 1.5},
+        {10, 1, "float", {}, 3},
+        {10, 2, "string", QStringLiteral("ИСТИНА"), 0},
+        {10, 3, "string", QStringLiteral("ООО \"Ромашка\""), 0},
+        {11, 0, "string", QStringLiteral("-5"), 0},
+        {11, 1, "string", QStringLiteral("а\tб"), 0},
+        {11, 2, "string", QStringLiteral("\"в кавычках\""), 0},
+        {11, 3, "string", QStringLiteral("15%"), 0},
+        {12, 0, "", {}, 0},
+        {12, 1, "float", {}, -3},
+        {12, 2, "string", QStringLiteral("'1"), 0},
+        {12, 3, "string", QStringLiteral("0,5; \"б\";в\""), 0},
+        {0, 0, "", {}, 0},
+        {1, 1, "float", {}, 1234567.25},
+        {13, 0, "string", QString(10000, QChar(0x0416)), 0},
+    };
+    const QString templ = m_folder.file(QStringLiteral("t.xls"));
+    writeSheetTemplate(engine(), m_folder.file(QStringLiteral("t.fods")), templ);
+    ASSERT_TRUE(engine().load(templ));
+    ASSERT_TRUE(engine().enter(cells)) << engine().error().toStdString();
+    const QString xls = m_folder.file(QStringLiteral("filled.xls"));
+    ASSERT_TRUE(engine().saveAs(xls, QStringLiteral("xls"))) << engine().error().toStdString();
+    engine().close();
+    const FlatSheet s = readFlatSheet(convert(xls, QStringLiteral("fods")));
+    for (const Expected &e : expected) {
+        const QString where = SheetText::cellName(e.row, e.column);
+        ASSERT_GT(s.size(), e.row) << where.toStdString();
+        const FlatCell c = e.column < s[e.row].size() ? s[e.row][e.column] : FlatCell{};
+        EXPECT_EQ(c.type, QLatin1String(e.type)) << where.toStdString() << " " << c.text.toStdString();
+        if (c.type == QLatin1String("float"))
+            EXPECT_DOUBLE_EQ(c.value, e.value) << where.toStdString();
+        else
+            EXPECT_EQ(c.text, e.text) << where.toStdString();
+    }
+}
+
 TEST_F(Engine, AValueThatLooksLikeAFieldIsNoFieldLeftUnfilled) {
     // Every field of a sheet gets a value that holds brackets, as a customer named "ООО [заказчик]".
     const QString sheetTemplate = m_folder.file(QStringLiteral("t.xls"));

@@ -43,6 +43,38 @@ TEST(SheetText, CellNamesBothWays) {
     EXPECT_EQ(SheetText::rangeName(4, 0, 8, 7), QStringLiteral("A5:H9"));
 }
 
+TEST(SheetText, BlocksCoverExactlyTheCellsGiven) {
+    using Cells = std::set<std::pair<int, int>>;
+    using B = SheetText::Block;
+    const struct {
+        const char *what;
+        Cells cells;
+        QVector<B> blocks;
+    } cases[] = {
+        {"nothing", {}, {}},
+        {"one cell", {{4, 1}}, {{4, 1, 4, 1}}},
+        {"a row run", {{0, 0}, {0, 1}, {0, 2}}, {{0, 0, 0, 2}}},
+        {"a gap splits a row", {{0, 0}, {0, 2}}, {{0, 0, 0, 0}, {0, 2, 0, 2}}},
+        {"equal runs of rows in a row join",
+         {{1, 0}, {1, 1}, {2, 0}, {2, 1}, {3, 0}, {3, 1}},
+         {{1, 0, 3, 1}}},
+        {"a wider row starts a block", {{1, 0}, {2, 0}, {2, 1}}, {{1, 0, 1, 0}, {2, 0, 2, 1}}},
+        {"a skipped row starts a block", {{1, 0}, {3, 0}}, {{1, 0, 1, 0}, {3, 0, 3, 0}}},
+        {"two columns of blocks", {{0, 0}, {0, 2}, {1, 0}, {1, 2}, {2, 2}}, {{0, 0, 1, 0}, {0, 2, 2, 2}}},
+    };
+    for (const auto &c : cases) {
+        const QVector<B> got = SheetText::blocksOf(c.cells);
+        EXPECT_EQ(got, c.blocks) << c.what;
+        Cells covered;
+        for (const B &b : got)
+            for (int r = b.firstRow; r <= b.lastRow; ++r)
+                for (int col = b.firstColumn; col <= b.lastColumn; ++col)
+                    EXPECT_TRUE(covered.insert({r, col}).second) << c.what << ": a cell in two blocks";
+        EXPECT_EQ(covered, c.cells) << c.what;
+    }
+    EXPECT_EQ(SheetText::blocksOf({{4, 0}, {4, 1}}).value(0).name(), QStringLiteral("A5:B5"));
+}
+
 TEST(SheetTemplate, Placeholders) {
     EXPECT_EQ(SheetTemplate::placeholders(QStringLiteral("Счёт № [edNumber] от [DateEdit]")),
               (QStringList{"edNumber", "DateEdit"}));
