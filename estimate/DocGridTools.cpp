@@ -99,8 +99,8 @@ bool RowDragMover::eventFilter(QObject *, QEvent *event) {
 }
 
 FitColumn::FitColumn(QTableView *view, int column, int minimum)
-    : QObject(view), m_view(view), m_column(column), m_minimum(minimum) {
-    view->viewport()->installEventFilter(this);
+    : QObject(view), m_view(view), m_viewport(view->viewport()), m_column(column), m_minimum(minimum) {
+    m_viewport->installEventFilter(this);
 }
 
 void FitColumn::fit() {
@@ -113,7 +113,7 @@ void FitColumn::fit() {
 }
 
 bool FitColumn::eventFilter(QObject *watched, QEvent *event) {
-    if (watched == m_view->viewport() && event->type() == QEvent::Resize)
+    if (event->type() == QEvent::Resize && watched == m_viewport)
         fit();
     return QObject::eventFilter(watched, event);
 }

@@ -17,7 +17,8 @@ class CanEditDelegate : public ShortTextDelegate {
     Q_OBJECT
 public:
     using Rule = std::function<bool(int gridRow, int col)>;
-    CanEditDelegate(Rule rule, QObject *parent = nullptr) : ShortTextDelegate(parent), m_rule(std::move(rule)) {}
+    CanEditDelegate(Rule rule, QObject *parent = nullptr)
+        : ShortTextDelegate(parent), m_rule(std::move(rule)) {}
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
                           const QModelIndex &index) const override;
 
@@ -75,6 +76,9 @@ protected:
 
 private:
     QTableView *m_view;
+    // Kept apart from the view: while the view is being destroyed its viewport still sends events, and
+    // the view can no longer be asked for it.
+    QWidget *m_viewport;
     int m_column;
     int m_minimum;
 };
