@@ -5,9 +5,11 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
-#include <QHash>
 #include <QLibrary>
 #include <QSaveFile>
+
+#include <map>
+#include <memory>
 
 namespace {
 
@@ -15,13 +17,14 @@ QByteArray sha256Hex(const QByteArray &bytes) {
     return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();
 }
 
-// Loaded plug-ins by path: never unloaded while the program runs.
+// Loaded plug-ins by path: never unloaded while the program runs (a QLibrary that goes leaves its
+// library loaded); the objects themselves go at exit.
 QLibrary *libraryFor(const QString &path) {
-    static QHash<QString, QLibrary *> loaded;
-    QLibrary *&lib = loaded[path];
+    static std::map<QString, std::unique_ptr<QLibrary>> loaded;
+    std::unique_ptr<QLibrary> &lib = loaded[path];
     if (!lib)
-        lib = new QLibrary(path);
-    return lib;
+        lib = std::make_unique<QLibrary>(path);
+    return lib.get();
 }
 
 } // namespace
