@@ -87,7 +87,7 @@ void DocumentStore::prepareDriver() {
 }
 
 QString DocumentStore::createStatement(const QString &table) {
-    // The spec of the row; InnoDB so that an insert cut off half-way leaves nothing, utf8mb4 for
+    // The columns of a stored file; InnoDB so that an insert cut off half-way leaves nothing, utf8mb4 for
     // Cyrillic names.
     return QStringLiteral("CREATE TABLE IF NOT EXISTS ") + table +
            QStringLiteral(
