@@ -2,6 +2,7 @@
 
 #include "CashBook.h"
 #include "CashModels.h"
+#include "office/FlatOds.h"
 #include "office/OfficeEngine.h"
 #include "storage/TextValues.h"
 
@@ -16,12 +17,12 @@ namespace CashReportOutput {
 
 namespace {
 
-const QString kOffice = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:office:1.0");
-const QString kStyle = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:style:1.0");
-const QString kTable = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:table:1.0");
-const QString kText = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:text:1.0");
-const QString kFo = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0");
-const QString kNumber = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:datastyle:1.0");
+using FlatOds::kFo;
+using FlatOds::kNumber;
+using FlatOds::kOffice;
+using FlatOds::kStyle;
+using FlatOds::kTable;
+using FlatOds::kText;
 
 void advance(const Progress &p, int value) {
     if (p)
@@ -34,17 +35,7 @@ public:
     explicit Sheet(QByteArray *out) : x(out) {}
 
     void begin(const QList<double> &widthsCm) {
-        x.writeStartDocument();
-        x.writeNamespace(kOffice, QStringLiteral("office"));
-        x.writeNamespace(kStyle, QStringLiteral("style"));
-        x.writeNamespace(kTable, QStringLiteral("table"));
-        x.writeNamespace(kText, QStringLiteral("text"));
-        x.writeNamespace(kFo, QStringLiteral("fo"));
-        x.writeNamespace(kNumber, QStringLiteral("number"));
-        x.writeStartElement(kOffice, QStringLiteral("document"));
-        x.writeAttribute(kOffice, QStringLiteral("version"), QStringLiteral("1.2"));
-        x.writeAttribute(kOffice, QStringLiteral("mimetype"),
-                         QStringLiteral("application/vnd.oasis.opendocument.spreadsheet"));
+        FlatOds::startSpreadsheet(x);
         x.writeStartElement(kOffice, QStringLiteral("automatic-styles"));
         pageLayout();
         numberStyle();

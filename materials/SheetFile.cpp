@@ -1,5 +1,6 @@
 #include "SheetFile.h"
 
+#include "office/FlatOds.h"
 #include "office/OfficeEngine.h"
 #include "office/TemplatePackage.h"
 #include "office/TemplateStructure.h"
@@ -48,12 +49,12 @@ struct Scratch {
     }
 };
 
-const QString kOffice = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:office:1.0");
-const QString kTable = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:table:1.0");
-const QString kText = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:text:1.0");
-const QString kStyle = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:style:1.0");
-const QString kFo = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:xsl-fo-compatible:1.0");
-const QString kSvg = QStringLiteral("urn:oasis:names:tc:opendocument:xmlns:svg-compatible:1.0");
+using FlatOds::kFo;
+using FlatOds::kOffice;
+using FlatOds::kStyle;
+using FlatOds::kSvg;
+using FlatOds::kTable;
+using FlatOds::kText;
 
 void textProperties(QXmlStreamWriter &x, const QString &font, bool bold) {
     x.writeEmptyElement(kStyle, QStringLiteral("text-properties"));
@@ -217,17 +218,7 @@ bool readCells(OfficeEngine &engine, const QString &path, const QString &scratch
 QByteArray flatOds(const Table &t) {
     QByteArray out;
     QXmlStreamWriter x(&out);
-    x.writeStartDocument();
-    x.writeNamespace(kOffice, QStringLiteral("office"));
-    x.writeNamespace(kTable, QStringLiteral("table"));
-    x.writeNamespace(kText, QStringLiteral("text"));
-    x.writeNamespace(kStyle, QStringLiteral("style"));
-    x.writeNamespace(kFo, QStringLiteral("fo"));
-    x.writeNamespace(kSvg, QStringLiteral("svg"));
-    x.writeStartElement(kOffice, QStringLiteral("document"));
-    x.writeAttribute(kOffice, QStringLiteral("version"), QStringLiteral("1.2"));
-    x.writeAttribute(kOffice, QStringLiteral("mimetype"),
-                     QStringLiteral("application/vnd.oasis.opendocument.spreadsheet"));
+    FlatOds::startSpreadsheet(x);
     styles(x, t);
     x.writeStartElement(kOffice, QStringLiteral("body"));
     x.writeStartElement(kOffice, QStringLiteral("spreadsheet"));
