@@ -22,53 +22,112 @@ void PackageRun::start() {
     if (m_running)
         return;
     m_running = true;
-    m_current = -1;
-    next();
+    m_states = QVector<State>(m_items.size(), State::Waiting);
+    m_percent = QVector<int>(m_items.size(), 0);
+    m_busy = QVector<bool>(m_office.lanes(), false);
+    m_next = 0;
+    m_announced = 0;
+    pump();
 }
 
 void PackageRun::cancel() {
     m_cancelled = true;
 }
 
-void PackageRun::next() {
-    ++m_current;
+namespace {
+
+bool isAct(PackageDoc doc) {
+    return doc == PackageDoc::Ks2 || doc == PackageDoc::Ks3 || doc == PackageDoc::Act;
+}
+
+} // namespace
+
+bool PackageRun::allBeforeDone(int index) const {
+    for (int i = 0; i < index; ++i)
+        if (m_states.at(i) != State::Done)
+            return false;
+    return true;
+}
+
+bool PackageRun::mayBegin(int index) const {
+    if (!isAct(m_items.at(index).doc))
+        return true;
+    // The acts name the package's contract: its number goes into the act data once it is made.
+    for (int i = 0; i < index; ++i)
+        if (m_items.at(i).doc == PackageDoc::Contract && m_states.at(i) != State::Done)
+            return false;
+    return true;
+}
+
+void PackageRun::pump() {
     const int count = int(m_items.size());
-    if (m_current >= count)
-        return finish();
-    PackageItem &item = m_items[m_current];
-    if (m_cancelled) {
-        for (int i = m_current; i < count; ++i)
-            m_items[i].skipped = true;
-        return finish();
+    while (m_running && m_next < count) {
+        if (m_cancelled) {
+            for (int i = m_next; i < count; ++i) {
+                m_items[i].skipped = true;
+                m_states[i] = State::Done;
+            }
+            m_next = count;
+            break;
+        }
+        const int lane = int(m_busy.indexOf(false));
+        if (lane < 0 || !mayBegin(m_next))
+            break;
+        const int index = m_next;
+        PackageItem item;
+        item.doc = m_items.at(index).doc;
+        const bool prepared = PackageJob::prepare(m_document, m_request, m_settings, &item);
+        // An act by volumes reads the acts kept before it: it waits until the documents before it are
+        // registered, and is read again then.
+        if (prepared && item.act.byVolumes && !allBeforeDone(index))
+            break;
+        ++m_next;
+        m_items[index] = item;
+        emit stageStarted(index, count, PackageDocs::progressText(item.doc));
+        if (!prepared) {
+            m_states[index] = State::Done;
+            m_percent[index] = 100;
+            continue;
+        }
+        begin(index, lane);
     }
-    emit stageStarted(m_current, count, PackageDocs::progressText(item.doc));
-    emit progressChanged(m_current * 100 / count);
-    // Each act is read after the one before it was registered: acts by volumes see the act it kept.
-    if (!PackageJob::prepare(m_document, m_request, m_settings, &item)) {
-        emit itemFinished(item);
-        return next();
-    }
+    reportProgress();
+    // Told in the package's order, whichever lane finished first.
+    while (m_announced < count && m_states.at(m_announced) == State::Done && m_next > m_announced)
+        emit itemFinished(m_items.at(m_announced++));
+    if (m_running && m_announced == count)
+        finish();
+}
+
+void PackageRun::begin(int index, int lane) {
+    m_states[index] = State::Working;
+    m_busy[lane] = true;
     // The engine's thread works on its own copy; the result comes back here.
-    auto job = std::make_shared<PackageItem>(item);
+    auto job = std::make_shared<PackageItem>(m_items.at(index));
     const QString dataFolder = m_document.dataFolder();
     auto *watcher = new QFutureWatcher<OfficeService::Result>(this);
-    const int index = m_current;
     connect(watcher, &QFutureWatcher<OfficeService::Result>::progressValueChanged, this,
-            [this, index, count](int percent) { emit progressChanged((index * 100 + percent) / count); });
-    connect(watcher, &QFutureWatcher<OfficeService::Result>::finished, this, [this, watcher, job, index] {
-        watcher->deleteLater();
-        rendered(index, *job);
-    });
+            [this, index](int percent) {
+                m_percent[index] = percent;
+                reportProgress();
+            });
+    connect(watcher, &QFutureWatcher<OfficeService::Result>::finished, this,
+            [this, watcher, job, index, lane] {
+                watcher->deleteLater();
+                rendered(index, lane, *job);
+            });
     watcher->setFuture(m_office.run(
         [job, dataFolder](OfficeEngine &engine, QString *error, const std::function<void(int)> &progress) {
             const bool ok = PackageJob::render(engine, dataFolder, job.get(), progress);
             if (!ok)
                 *error = job->error;
             return ok;
-        }));
+        },
+        lane));
 }
 
-void PackageRun::rendered(int index, const PackageItem &item) {
+void PackageRun::rendered(int index, int lane, const PackageItem &item) {
+    m_busy[lane] = false;
     m_items[index] = item;
     PackageItem &done = m_items[index];
     TModuleSQL *module = m_document.module();
@@ -77,8 +136,18 @@ void PackageRun::rendered(int index, const PackageItem &item) {
         if (m_request.ks2 || m_request.ks3 || m_request.act)
             PackageJob::referActsToContract(*module, &done);
     }
-    emit itemFinished(done);
-    next();
+    m_states[index] = State::Done;
+    m_percent[index] = 100;
+    pump();
+}
+
+void PackageRun::reportProgress() {
+    if (m_items.isEmpty())
+        return;
+    int sum = 0;
+    for (int p : m_percent)
+        sum += p;
+    emit progressChanged(sum / int(m_items.size()));
 }
 
 void PackageRun::finish() {

@@ -1,6 +1,7 @@
 #include "SheetTemplate.h"
 
 #include "office/OfficeEngine.h"
+#include "office/TemplateGrids.h"
 
 #include <QDir>
 #include <QRegularExpression>
@@ -279,6 +280,7 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
         if (ownBudget)
             engine.clearBudget();
     });
+    const QByteArray key = TemplateGrids::contentKey(templatePath);
     if (!TemplateFile::open(engine, templatePath, QStringLiteral("spreadsheet"), error))
         return false;
     auto engineFailed = [&]() {
@@ -287,9 +289,16 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
         return false;
     };
     report(5);
+    // The template's sheet as read the last time the same bytes were loaded; the key is taken again
+    // after the load, so that a file replaced meanwhile is read from the engine.
     Grid grid;
-    if (!engine.sheet(&grid))
-        return engineFailed();
+    const bool unchanged = !key.isEmpty() && TemplateGrids::contentKey(templatePath) == key;
+    if (!unchanged || !TemplateGrids::find(key, &grid)) {
+        if (!engine.sheet(&grid))
+            return engineFailed();
+        if (unchanged)
+            TemplateGrids::keep(key, grid);
+    }
     const QVector<int> drop = rowsToDrop(grid, data);
     if (!drop.isEmpty()) {
         for (int i = drop.size() - 1; i >= 0; --i) {

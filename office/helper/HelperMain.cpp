@@ -21,6 +21,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <iostream>
@@ -563,8 +564,13 @@ int main(int argc, char **argv) {
                {QStringLiteral("version"), QString::fromStdString(session.version())}});
 
     Helper helper(session, temp);
+    // VIRN_OFFICE_TRACE=FILE: each request's operation and time in milliseconds, one a line.
+    std::FILE *trace = nullptr;
+    if (const char *tracePath = getenv("VIRN_OFFICE_TRACE"))
+        trace = std::fopen(tracePath, "a");
     std::string line;
     while (std::getline(std::cin, line)) {
+        const auto began = std::chrono::steady_clock::now();
         QJsonParseError parseError;
         const QJsonDocument doc = QJsonDocument::fromJson(QByteArray::fromStdString(line), &parseError);
         QJsonObject answer;
@@ -577,6 +583,13 @@ int main(int argc, char **argv) {
             answer[QStringLiteral("id")] = doc.object().value(QStringLiteral("id"));
         }
         writeLine(answer);
+        if (trace) {
+            const double ms =
+                std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - began).count();
+            std::fprintf(trace, "%d %s %.1f\n", int(::getpid()),
+                         doc.object().value(QStringLiteral("op")).toString().toUtf8().constData(), ms);
+            std::fflush(trace);
+        }
     }
     // stdin closed: the program is done with the engine. Ending without the engine's own shutdown,
     // which can hang.
