@@ -24,6 +24,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <ctime>
 #include <iostream>
 #include <map>
 #include <set>
@@ -571,6 +572,7 @@ int main(int argc, char **argv) {
     std::string line;
     while (std::getline(std::cin, line)) {
         const auto began = std::chrono::steady_clock::now();
+        const std::clock_t cpuBegan = std::clock();
         QJsonParseError parseError;
         const QJsonDocument doc = QJsonDocument::fromJson(QByteArray::fromStdString(line), &parseError);
         QJsonObject answer;
@@ -586,8 +588,9 @@ int main(int argc, char **argv) {
         if (trace) {
             const double ms =
                 std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - began).count();
-            std::fprintf(trace, "%d %s %.1f\n", int(::getpid()),
-                         doc.object().value(QStringLiteral("op")).toString().toUtf8().constData(), ms);
+            std::fprintf(trace, "%d %s %.1f %.1f\n", int(::getpid()),
+                         doc.object().value(QStringLiteral("op")).toString().toUtf8().constData(), ms,
+                         1000.0 * double(std::clock() - cpuBegan) / CLOCKS_PER_SEC);
             std::fflush(trace);
         }
     }
