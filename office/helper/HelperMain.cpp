@@ -8,6 +8,7 @@
 // take: past it the engine's allocations fail and the helper ends, not the machine's memory).
 
 #include "LokSession.h"
+#include "office/EngineProfile.h"
 #include "office/SheetText.h"
 
 #include <QByteArray>
@@ -482,24 +483,33 @@ private:
     QString m_temp;
 };
 
-// A fresh profile gets the one setting the filling relies on: no question before pasting over
-// cells (the engine runs without anyone to answer it).
+// The profile gets the settings the filling relies on (EngineProfile), written whole under another
+// name and then renamed, so that the engine never reads half a file.
 void prepareProfile(const QString &profileDir) {
     const QString userDir = QDir(profileDir).filePath(QStringLiteral("user"));
     const QString file = QDir(userDir).filePath(QStringLiteral("registrymodifications.xcu"));
-    if (QFile::exists(file))
-        return;
     QDir().mkpath(userDir);
-    QFile f(file);
-    if (!f.open(QIODevice::WriteOnly))
+    QByteArray xcu;
+    QFile in(file);
+    if (in.open(QIODevice::ReadOnly)) {
+        constexpr qint64 kMostBytes = 16 * 1024 * 1024; // the engine's own file stays far below it
+        if (in.size() > kMostBytes)
+            return;
+        xcu = in.readAll();
+        in.close();
+    }
+    const QByteArray settled = EngineProfile::settled(xcu);
+    if (settled == xcu)
         return;
-    f.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-            "<oor:items xmlns:oor=\"http://openoffice.org/2001/registry\" "
-            "xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" "
-            "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">\n"
-            "<item oor:path=\"/org.openoffice.Office.Calc/Input\"><prop oor:name=\"ReplaceCellsWarning\" "
-            "oor:op=\"fuse\"><value>false</value></prop></item>\n"
-            "</oor:items>\n");
+    const QString temp = file + QStringLiteral(".virn");
+    QFile out(temp);
+    if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate) || out.write(settled) != settled.size()) {
+        out.close();
+        QFile::remove(temp);
+        return;
+    }
+    out.close();
+    ::rename(QFile::encodeName(temp).constData(), QFile::encodeName(file).constData());
 }
 
 } // namespace
