@@ -6,6 +6,8 @@
 // --temp DIR (scratch files of this helper), --engine-temp DIR (the engine's own temporary files,
 // which the program removes when the helper ends), --memory-mb N (the address space the helper may
 // take: past it the engine's allocations fail and the helper ends, not the machine's memory).
+// With VIRN_OFFICE_TRACE=FILE in its environment the helper appends a line per request to FILE: its
+// process id, the operation, the time it took and the processor time the engine spent on it (ms).
 
 #include "LokSession.h"
 #include "office/EngineProfile.h"
@@ -575,7 +577,7 @@ int main(int argc, char **argv) {
                {QStringLiteral("version"), QString::fromStdString(session.version())}});
 
     Helper helper(session, temp);
-    // VIRN_OFFICE_TRACE=FILE: each request's operation and time in milliseconds, one a line.
+    // VIRN_OFFICE_TRACE=FILE: where each request's time goes (see the top of this file).
     std::FILE *trace = nullptr;
     if (const char *tracePath = getenv("VIRN_OFFICE_TRACE"))
         trace = std::fopen(tracePath, "a");
