@@ -26,7 +26,7 @@ void PackageRun::start() {
     m_percent = QVector<int>(m_items.size(), 0);
     m_busy = QVector<bool>(m_office.lanes(), false);
     m_next = 0;
-    m_announced = 0;
+    m_settled = 0;
     pump();
 }
 
@@ -60,43 +60,70 @@ bool PackageRun::mayBegin(int index) const {
 }
 
 void PackageRun::pump() {
-    const int count = int(m_items.size());
-    while (m_running && m_next < count) {
-        if (m_cancelled) {
-            for (int i = m_next; i < count; ++i) {
-                m_items[i].skipped = true;
-                m_states[i] = State::Done;
-            }
-            m_next = count;
-            break;
-        }
-        const int lane = int(m_busy.indexOf(false));
-        if (lane < 0 || !mayBegin(m_next))
-            break;
-        const int index = m_next;
-        PackageItem item;
-        item.doc = m_items.at(index).doc;
-        const bool prepared = PackageJob::prepare(m_document, m_request, m_settings, &item);
-        // An act by volumes reads the acts kept before it: it waits until the documents before it are
-        // registered, and is read again then.
-        if (prepared && item.act.byVolumes && !allBeforeDone(index))
-            break;
-        ++m_next;
-        m_items[index] = item;
-        emit stageStarted(index, count, PackageDocs::progressText(item.doc));
-        if (!prepared) {
-            m_states[index] = State::Done;
-            m_percent[index] = 100;
-            continue;
-        }
-        begin(index, lane);
+    // Registering a document may let the next ones begin (the acts wait for the contract), and a document
+    // that cannot be prepared is done at once: round until nothing moves.
+    while (settle() || beginNext()) {
     }
     reportProgress();
-    // Told in the package's order, whichever lane finished first.
-    while (m_announced < count && m_states.at(m_announced) == State::Done && m_next > m_announced)
-        emit itemFinished(m_items.at(m_announced++));
-    if (m_running && m_announced == count)
+    if (m_running && m_settled == int(m_items.size()))
         finish();
+}
+
+bool PackageRun::settle() {
+    // In the package's order, whichever lane finished first: the register's rows come in the order a
+    // run of one document at a time gives them.
+    bool moved = false;
+    while (m_settled < m_items.size() && m_states.at(m_settled) != State::Waiting &&
+           m_states.at(m_settled) != State::Working) {
+        PackageItem &item = m_items[m_settled];
+        if (m_states.at(m_settled) == State::Rendered) {
+            TModuleSQL *module = m_document.module();
+            if (item.made && module) {
+                PackageJob::record(*module, &item);
+                if (m_request.ks2 || m_request.ks3 || m_request.act)
+                    PackageJob::referActsToContract(*module, &item);
+            }
+            m_states[m_settled] = State::Done;
+        }
+        emit itemFinished(m_items.at(m_settled++));
+        moved = true;
+    }
+    return moved;
+}
+
+bool PackageRun::beginNext() {
+    const int count = int(m_items.size());
+    if (!m_running || m_next >= count)
+        return false;
+    if (m_cancelled) {
+        for (int i = m_next; i < count; ++i) {
+            m_items[i].skipped = true;
+            m_states[i] = State::Done;
+        }
+        m_next = count;
+        return true;
+    }
+    const int lane = int(m_busy.indexOf(false));
+    if (lane < 0 || !mayBegin(m_next))
+        return false;
+    const int index = m_next;
+    PackageItem item;
+    item.doc = m_items.at(index).doc;
+    const bool prepared = PackageJob::prepare(m_document, m_request, m_settings, &item);
+    // An act by volumes reads the acts kept before it: it waits until the documents before it are
+    // registered, and is read again then.
+    if (prepared && item.act.byVolumes && !allBeforeDone(index))
+        return false;
+    ++m_next;
+    m_items[index] = item;
+    emit stageStarted(index, count, PackageDocs::progressText(item.doc));
+    if (prepared) {
+        begin(index, lane);
+    } else {
+        m_states[index] = State::Rendered; // nothing to write or register: told in its turn
+        m_percent[index] = 100;
+    }
+    return true;
 }
 
 void PackageRun::begin(int index, int lane) {
@@ -129,14 +156,7 @@ void PackageRun::begin(int index, int lane) {
 void PackageRun::rendered(int index, int lane, const PackageItem &item) {
     m_busy[lane] = false;
     m_items[index] = item;
-    PackageItem &done = m_items[index];
-    TModuleSQL *module = m_document.module();
-    if (done.made && module) {
-        PackageJob::record(*module, &done);
-        if (m_request.ks2 || m_request.ks3 || m_request.act)
-            PackageJob::referActsToContract(*module, &done);
-    }
-    m_states[index] = State::Done;
+    m_states[index] = State::Rendered;
     m_percent[index] = 100;
     pump();
 }

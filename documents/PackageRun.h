@@ -46,9 +46,13 @@ signals:
     void finished();
 
 private:
-    enum class State { Waiting, Working, Done };
-    // Begins the next documents while a lane is free and what they need is done.
+    // Working: on an engine's thread; Rendered: written (or failed), not yet registered; Done: registered.
+    enum class State { Waiting, Working, Rendered, Done };
+    // Registers what is written and begins the next documents while a lane is free and what they need
+    // is done; finishes the package when all are done.
     void pump();
+    bool settle();
+    bool beginNext();
     bool mayBegin(int index) const;
     bool allBeforeDone(int index) const;
     void begin(int index, int lane);
@@ -65,7 +69,7 @@ private:
     QVector<int> m_percent; // each document's own progress
     QVector<bool> m_busy;   // the office service's lanes at work
     int m_next = 0;         // the first document not begun
-    int m_announced = 0;    // the documents told by itemFinished
+    int m_settled = 0;      // the documents registered and told by itemFinished, in order
     bool m_running = false;
     bool m_cancelled = false;
 };

@@ -4,6 +4,7 @@
 #include "office/TemplateGrids.h"
 
 #include <QDir>
+#include <QMap>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QSet>
@@ -359,19 +360,22 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
                     k = list.fallback.value(k);
                 templateRow[i] = block.rowOf.value(k, block.firstRow);
             }
-            int copied = -1;
+            // Each template row is copied once and pasted over every run of new rows of its kind (the
+            // runs do not overlap, so the order they are pasted in does not matter).
+            QMap<int, QVector<QPair<int, int>>> runsOf; // template row -> runs of new rows (first, last)
             for (int i = 0; i < n;) {
                 int j = i;
                 while (j + 1 < n && templateRow[j + 1] == templateRow[i])
                     ++j;
-                if (copied != templateRow[i]) {
-                    if (!engine.copy(SheetText::rangeName(templateRow[i], 0, templateRow[i], lastCol)))
-                        return engineFailed();
-                    copied = templateRow[i];
-                }
-                if (!engine.paste(SheetText::rangeName(first + i, 0, first + j, lastCol)))
-                    return engineFailed();
+                runsOf[templateRow[i]].append({first + i, first + j});
                 i = j + 1;
+            }
+            for (auto run = runsOf.cbegin(); run != runsOf.cend(); ++run) {
+                if (!engine.copy(SheetText::rangeName(run.key(), 0, run.key(), lastCol)))
+                    return engineFailed();
+                for (const QPair<int, int> &rows : run.value())
+                    if (!engine.paste(SheetText::rangeName(rows.first, 0, rows.second, lastCol)))
+                        return engineFailed();
             }
             QVector<Input> rowInputs;
             for (int i = 0; i < n; ++i) {
