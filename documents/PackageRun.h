@@ -1,8 +1,11 @@
 #pragma once
-// The package being made: its documents one after another, each prepared and registered on this
-// (the document's) thread and written on the office engine's thread, so that the window stays
-// responsive and the engine stays warm for the whole package. One document that fails does not stop
-// the others; a cancel takes effect between two documents.
+// The package being made: its documents begun in their order, each prepared and registered on this
+// (the document's) thread and written on an office engine's thread, so that the window stays
+// responsive and the engines stay warm for the whole package. The documents are independent files, so
+// two are written at once when the office service has two lanes; an act waits for the package's
+// contract (it names the contract), and an act by volumes for every document before it (it reads the
+// acts kept before it). One document that fails does not stop the others; a cancel takes effect
+// between documents: those begun are finished, the others skipped.
 
 #include "PackageJob.h"
 
@@ -38,12 +41,23 @@ signals:
     void stageStarted(int index, int count, const QString &text);
     // The whole package's progress, 0..100.
     void progressChanged(int percent);
+    // Each document once it is written and registered (or failed), in the package's order.
     void itemFinished(const PackageItem &item);
     void finished();
 
 private:
-    void next();
-    void rendered(int index, const PackageItem &item);
+    // Working: on an engine's thread; Rendered: written (or failed), not yet registered; Done: registered.
+    enum class State { Waiting, Working, Rendered, Done };
+    // Registers what is written and begins the next documents while a lane is free and what they need
+    // is done; finishes the package when all are done.
+    void pump();
+    bool settle();
+    bool beginNext();
+    bool mayBegin(int index) const;
+    bool allBeforeDone(int index) const;
+    void begin(int index, int lane);
+    void rendered(int index, int lane, const PackageItem &item);
+    void reportProgress();
     void finish();
 
     const EstimateDocument &m_document;
@@ -51,7 +65,11 @@ private:
     PackageSettings m_settings;
     OfficeService &m_office;
     QVector<PackageItem> m_items;
-    int m_current = -1;
+    QVector<State> m_states;
+    QVector<int> m_percent; // each document's own progress
+    QVector<bool> m_busy;   // the office service's lanes at work
+    int m_next = 0;         // the first document not begun
+    int m_settled = 0;      // the documents registered and told by itemFinished, in order
     bool m_running = false;
     bool m_cancelled = false;
 };

@@ -48,7 +48,7 @@ QString OfficeEngine::missingEngineMessage() {
                           "libreoffice-calc\nОстальная работа с программой от этого не зависит.");
 }
 
-OfficeEngine::OfficeEngine(const QString &dataFolder) {
+OfficeEngine::OfficeEngine(const QString &dataFolder, int lane) {
     QString base = dataFolder.isEmpty()
                        ? QDir::temp().filePath(QStringLiteral("virn-office-%1").arg(getuid()))
                        : QDir(dataFolder).filePath(QStringLiteral("Temp/virn-office"));
@@ -57,22 +57,29 @@ OfficeEngine::OfficeEngine(const QString &dataFolder) {
     for (const QFileInfo &entry : QDir(base).entryInfoList(
              {QStringLiteral("work-*"), QStringLiteral("profile-*")}, QDir::Dirs | QDir::NoDotAndDotDot)) {
         bool ok = false;
-        const qint64 pid = entry.fileName().section(u'-', 1).toLongLong(&ok);
+        const qint64 pid = entry.fileName().section(u'-', 1, 1).toLongLong(&ok);
         if (ok && pid > 0 && ::kill(static_cast<pid_t>(pid), 0) != 0 && errno == ESRCH)
             QDir(entry.filePath()).removeRecursively();
     }
-    m_tempDir = QDir(base).filePath(QStringLiteral("work-%1").arg(QCoreApplication::applicationPid()));
-    // One profile is reused so that later starts are quick; a second program running on the same data
-    // folder gets a profile of its own for as long as it runs.
-    m_lock = std::make_unique<QLockFile>(QDir(base).filePath(QStringLiteral("profile.lock")));
+    // Each engine of the program has scratch folders of its own (several may run at once).
+    static std::atomic<int> engines{0};
+    const int serial = engines++;
+    const qint64 pid = QCoreApplication::applicationPid();
+    m_tempDir = QDir(base).filePath(serial == 0 ? QStringLiteral("work-%1").arg(pid)
+                                                : QStringLiteral("work-%1-%2").arg(pid).arg(serial));
+    // One profile a lane is reused so that later starts are quick; a second engine of the lane (another
+    // program running on the same data folder) gets a profile of its own for as long as it runs.
+    const QString shared = lane == 0 ? QStringLiteral("profile") : QStringLiteral("profile.%1").arg(lane);
+    m_lock = std::make_unique<QLockFile>(QDir(base).filePath(shared + QStringLiteral(".lock")));
     m_lock->setStaleLockTime(0);
     if (m_lock->tryLock(100)) {
-        m_profileDir = QDir(base).filePath(QStringLiteral("profile"));
+        m_profileDir = QDir(base).filePath(shared);
     } else {
         m_lock.reset();
         m_privateProfile = true;
         m_profileDir =
-            QDir(base).filePath(QStringLiteral("profile-%1").arg(QCoreApplication::applicationPid()));
+            QDir(base).filePath(serial == 0 ? QStringLiteral("profile-%1").arg(pid)
+                                            : QStringLiteral("profile-%1-%2").arg(pid).arg(serial));
     }
 }
 

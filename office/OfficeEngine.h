@@ -28,8 +28,9 @@ public:
     // What the user is told when LibreOffice is not installed.
     static QString missingEngineMessage();
 
-    // dataFolder: the engine's profile and scratch files live in its Temp (a private folder).
-    explicit OfficeEngine(const QString &dataFolder);
+    // dataFolder: the engine's profile and scratch files live in its Temp (a private folder). Engines
+    // working side by side take different lanes: each lane keeps a profile of its own between runs.
+    explicit OfficeEngine(const QString &dataFolder, int lane = 0);
     ~OfficeEngine();
     OfficeEngine(const OfficeEngine &) = delete;
     OfficeEngine &operator=(const OfficeEngine &) = delete;

@@ -2,10 +2,15 @@
 // The office engine of the running program: one engine, kept between documents, on a thread of its own
 // so that filling a template never freezes a window. Jobs run one after another on that thread; each
 // reports its progress and ends with a result the window picks up.
+//
+// Work made of independent documents (the document package) may use a second lane: a second engine on
+// a thread of its own, started at its first job and kept warm like the first, so that two documents
+// are made at once on a machine of two cores or more.
 
 #include <QFuture>
 #include <QObject>
 #include <QString>
+#include <QVector>
 #include <functional>
 
 class OfficeEngine;
@@ -25,10 +30,18 @@ public:
     explicit OfficeService(const QString &dataFolder, QObject *parent = nullptr);
     ~OfficeService() override;
 
-    // The future carries the job's progress (0..100) and its result.
-    QFuture<Result> run(Job job);
+    // The lanes jobs may be spread over: 2 on a machine of two cores or more, else 1.
+    int lanes() const;
+    // The future carries the job's progress (0..100) and its result. Jobs of one lane run in turn.
+    QFuture<Result> run(Job job, int lane = 0);
 
 private:
-    QThread *m_thread;
-    QObject *m_worker; // lives on m_thread, owns the engine
+    struct Lane {
+        QThread *thread = nullptr;
+        QObject *worker = nullptr; // lives on the thread, owns the engine
+    };
+    Lane &lane(int index);
+
+    QString m_dataFolder;
+    QVector<Lane> m_lanes;
 };

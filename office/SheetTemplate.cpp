@@ -1,8 +1,10 @@
 #include "SheetTemplate.h"
 
 #include "office/OfficeEngine.h"
+#include "office/TemplateGrids.h"
 
 #include <QDir>
+#include <QMap>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QSet>
@@ -279,6 +281,7 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
         if (ownBudget)
             engine.clearBudget();
     });
+    const QByteArray key = TemplateGrids::contentKey(templatePath);
     if (!TemplateFile::open(engine, templatePath, QStringLiteral("spreadsheet"), error))
         return false;
     auto engineFailed = [&]() {
@@ -287,9 +290,16 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
         return false;
     };
     report(5);
+    // The template's sheet as read the last time the same bytes were loaded; the key is taken again
+    // after the load, so that a file replaced meanwhile is read from the engine.
     Grid grid;
-    if (!engine.sheet(&grid))
-        return engineFailed();
+    const bool unchanged = !key.isEmpty() && TemplateGrids::contentKey(templatePath) == key;
+    if (!unchanged || !TemplateGrids::find(key, &grid)) {
+        if (!engine.sheet(&grid))
+            return engineFailed();
+        if (unchanged)
+            TemplateGrids::keep(key, grid);
+    }
     const QVector<int> drop = rowsToDrop(grid, data);
     if (!drop.isEmpty()) {
         for (int i = drop.size() - 1; i >= 0; --i) {
@@ -350,19 +360,22 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
                     k = list.fallback.value(k);
                 templateRow[i] = block.rowOf.value(k, block.firstRow);
             }
-            int copied = -1;
+            // Each template row is copied once and pasted over every run of new rows of its kind (the
+            // runs do not overlap, so the order they are pasted in does not matter).
+            QMap<int, QVector<QPair<int, int>>> runsOf; // template row -> runs of new rows (first, last)
             for (int i = 0; i < n;) {
                 int j = i;
                 while (j + 1 < n && templateRow[j + 1] == templateRow[i])
                     ++j;
-                if (copied != templateRow[i]) {
-                    if (!engine.copy(SheetText::rangeName(templateRow[i], 0, templateRow[i], lastCol)))
-                        return engineFailed();
-                    copied = templateRow[i];
-                }
-                if (!engine.paste(SheetText::rangeName(first + i, 0, first + j, lastCol)))
-                    return engineFailed();
+                runsOf[templateRow[i]].append({first + i, first + j});
                 i = j + 1;
+            }
+            for (auto run = runsOf.cbegin(); run != runsOf.cend(); ++run) {
+                if (!engine.copy(SheetText::rangeName(run.key(), 0, run.key(), lastCol)))
+                    return engineFailed();
+                for (const QPair<int, int> &rows : run.value())
+                    if (!engine.paste(SheetText::rangeName(rows.first, 0, rows.second, lastCol)))
+                        return engineFailed();
             }
             QVector<Input> rowInputs;
             for (int i = 0; i < n; ++i) {

@@ -6,8 +6,11 @@
 // --temp DIR (scratch files of this helper), --engine-temp DIR (the engine's own temporary files,
 // which the program removes when the helper ends), --memory-mb N (the address space the helper may
 // take: past it the engine's allocations fail and the helper ends, not the machine's memory).
+// With VIRN_OFFICE_TRACE=FILE in its environment the helper appends a line per request to FILE: its
+// process id, the operation, the time it took and the processor time the engine spent on it (ms).
 
 #include "LokSession.h"
+#include "office/EngineProfile.h"
 #include "office/SheetText.h"
 
 #include <QByteArray>
@@ -21,8 +24,10 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <ctime>
 #include <iostream>
 #include <map>
 #include <set>
@@ -480,24 +485,33 @@ private:
     QString m_temp;
 };
 
-// A fresh profile gets the one setting the filling relies on: no question before pasting over
-// cells (the engine runs without anyone to answer it).
+// The profile gets the settings the filling relies on (EngineProfile), written whole under another
+// name and then renamed, so that the engine never reads half a file.
 void prepareProfile(const QString &profileDir) {
     const QString userDir = QDir(profileDir).filePath(QStringLiteral("user"));
     const QString file = QDir(userDir).filePath(QStringLiteral("registrymodifications.xcu"));
-    if (QFile::exists(file))
-        return;
     QDir().mkpath(userDir);
-    QFile f(file);
-    if (!f.open(QIODevice::WriteOnly))
+    QByteArray xcu;
+    QFile in(file);
+    if (in.open(QIODevice::ReadOnly)) {
+        constexpr qint64 kMostBytes = 16 * 1024 * 1024; // the engine's own file stays far below it
+        if (in.size() > kMostBytes)
+            return;
+        xcu = in.readAll();
+        in.close();
+    }
+    const QByteArray settled = EngineProfile::settled(xcu);
+    if (settled == xcu)
         return;
-    f.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-            "<oor:items xmlns:oor=\"http://openoffice.org/2001/registry\" "
-            "xmlns:xs=\"http://www.w3.org/2001/XMLSchema\" "
-            "xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\">\n"
-            "<item oor:path=\"/org.openoffice.Office.Calc/Input\"><prop oor:name=\"ReplaceCellsWarning\" "
-            "oor:op=\"fuse\"><value>false</value></prop></item>\n"
-            "</oor:items>\n");
+    const QString temp = file + QStringLiteral(".virn");
+    QFile out(temp);
+    if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate) || out.write(settled) != settled.size()) {
+        out.close();
+        QFile::remove(temp);
+        return;
+    }
+    out.close();
+    ::rename(QFile::encodeName(temp).constData(), QFile::encodeName(file).constData());
 }
 
 } // namespace
@@ -563,8 +577,14 @@ int main(int argc, char **argv) {
                {QStringLiteral("version"), QString::fromStdString(session.version())}});
 
     Helper helper(session, temp);
+    // VIRN_OFFICE_TRACE=FILE: where each request's time goes (see the top of this file).
+    std::FILE *trace = nullptr;
+    if (const char *tracePath = getenv("VIRN_OFFICE_TRACE"))
+        trace = std::fopen(tracePath, "a");
     std::string line;
     while (std::getline(std::cin, line)) {
+        const auto began = std::chrono::steady_clock::now();
+        const std::clock_t cpuBegan = std::clock();
         QJsonParseError parseError;
         const QJsonDocument doc = QJsonDocument::fromJson(QByteArray::fromStdString(line), &parseError);
         QJsonObject answer;
@@ -577,6 +597,14 @@ int main(int argc, char **argv) {
             answer[QStringLiteral("id")] = doc.object().value(QStringLiteral("id"));
         }
         writeLine(answer);
+        if (trace) {
+            const double ms =
+                std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - began).count();
+            std::fprintf(trace, "%d %s %.1f %.1f\n", int(::getpid()),
+                         doc.object().value(QStringLiteral("op")).toString().toUtf8().constData(), ms,
+                         1000.0 * double(std::clock() - cpuBegan) / CLOCKS_PER_SEC);
+            std::fflush(trace);
+        }
     }
     // stdin closed: the program is done with the engine. Ending without the engine's own shutdown,
     // which can hang.

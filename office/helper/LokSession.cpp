@@ -65,13 +65,17 @@ std::string LokSession::takeError() {
 bool LokSession::load(const std::string &url, std::string *error) {
     close();
     takeError();
-    lok::Document *doc = m_office->documentLoad(url.c_str(), "Language=ru-RU");
+    // The language is the engine's, not the document's: set with the first document, it stays for the
+    // later ones. Set again at every load it makes the engine rebuild its tables of currencies and
+    // number formats, half of the time a small template takes to load.
+    lok::Document *doc = m_office->documentLoad(url.c_str(), m_languageSet ? "" : "Language=ru-RU");
     if (!doc) {
         std::string why = takeError();
         *error = why.empty() ? std::string("документ не открывается") : why;
         return false;
     }
     m_doc.reset(doc);
+    m_languageSet = true;
     switch (m_doc->getDocumentType()) {
     case LOK_DOCTYPE_TEXT:
         m_type = DocType::Text;

@@ -69,6 +69,7 @@ private:
     std::unique_ptr<lok::Document> m_doc;
     DocType m_type = DocType::None;
     std::string m_version;
+    bool m_languageSet = false;
 
     std::mutex m_mutex;
     std::condition_variable m_wake;

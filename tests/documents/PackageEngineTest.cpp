@@ -125,6 +125,34 @@ TEST_F(PackageFiles, MadeTwiceThenAsPdf) {
                                        QDir(VIRN_SCREENSHOT_DIR).filePath(pictures[i])});
 }
 
+TEST_F(PackageFiles, TheActsNameTheContractMadeInTheSamePackage) {
+    // Documents are made two at a time; the acts still begin only once the contract's number is in the
+    // act data, and are told in the package's order.
+    PackageRequest r = request(true);
+    r.contractNumber = QStringLiteral("Д-9");
+    QStringList finished;
+    PackageRun package(*doc, r, PackageSettings::read(&settings, store.get(), folder.path()),
+                       packageEngine());
+    QEventLoop loop;
+    QObject::connect(&package, &PackageRun::finished, &loop, &QEventLoop::quit);
+    QObject::connect(&package, &PackageRun::itemFinished, &package,
+                     [&](const PackageItem &item) { finished << PackageDocs::caption(item.doc); });
+    QTimer::singleShot(300000, &loop, &QEventLoop::quit);
+    package.start();
+    if (package.running())
+        loop.exec();
+    ASSERT_FALSE(package.running());
+    EXPECT_EQ(finished, (QStringList{"Договор", "Счёт", "Акт КС-2", "Акт КС-3", "Акт"}));
+    const QVector<PackageItem> items = package.items();
+    ASSERT_EQ(items.size(), 5);
+    for (const PackageItem &i : items)
+        EXPECT_TRUE(i.made) << i.error.toStdString();
+    for (int i : {2, 3}) { // the forms that name a contract
+        const QString text = pdfText(items[i].path).simplified();
+        EXPECT_TRUE(text.contains("договор № Д-9")) << i << text.left(600).toStdString();
+    }
+}
+
 TEST_F(PackageFiles, AFailingDocumentLeavesTheOthersMadeAndRegistered) {
     // The invoice's template is damaged: the engine cannot load it.
     QFile templ(OfficeTemplates::path(folder.path(), "Шаблон Счет на оплату.xls"));
