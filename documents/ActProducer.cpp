@@ -57,6 +57,8 @@ bool prepare(const EstimateDocument &document, const ViewTitles &titles, const A
     if (!ActFields::ensureRows(db, &why))
         return failWith(QStringLiteral("Не удалось записать данные акта в смету: %1").arg(why), error);
     EstimatePrint estimate = document.print();
+    for (auto it = r.actValues.cbegin(); it != r.actValues.cend(); ++it)
+        estimate.act.insert(it.key(), it.value());
     estimate.title = ActKinds::view(r.kind);
     if (!estimate.refusal.isEmpty())
         return failWith(estimate.refusal, error);

@@ -19,6 +19,7 @@
 #include "office/SheetTemplate.h"
 
 #include <QDate>
+#include <QMap>
 #include <QString>
 
 class EstimateDocument;
@@ -32,6 +33,9 @@ struct ActRequest {
     QDate endDate;  // КС-2, КС-3: the expected end of the work (the register's dataend)
     QString folder; // where the file goes (made when missing)
     QString format = QStringLiteral("xls"); // "xls" or "pdf"
+    // Act data that stands in for what the document keeps: a package names its own contract before
+    // that contract is made and written into the act data.
+    QMap<QString, QString> actValues;
 };
 
 // Everything the act needs after prepare: the filled sheet's data and what record writes.

@@ -29,6 +29,12 @@ QString notEntered(const QString &caption, TModuleSQL &module) {
                                                         : QStringLiteral("смета ещё не сохранена."));
 }
 
+// The act data fields that name the contract the acts belong to.
+QMap<QString, QString> contractActValues(const QString &number, const QDate &date) {
+    return {{QStringLiteral("EditNumDoc"), number},
+            {QStringLiteral("DateEditContract"), TextValues::shortDate(date)}};
+}
+
 } // namespace
 
 PackageSettings PackageSettings::read(const MainSettings *settings, const SettingsStore *store,
@@ -118,6 +124,9 @@ bool prepare(const EstimateDocument &document, const PackageRequest &request, co
         a.endDate = request.actsEnd;
     a.folder = request.folder;
     a.format = request.actsPdf ? QStringLiteral("pdf") : QStringLiteral("xls");
+    // The acts name the package's contract as the package gives it, so they need not wait for its file.
+    if (request.contract && !request.contractNumber.trimmed().isEmpty())
+        a.actValues = contractActValues(request.contractNumber.trimmed(), request.date);
     return ActProducer::prepare(document, settings.titles, a, &item->act, &item->error);
 }
 
@@ -191,9 +200,8 @@ void record(TModuleSQL &module, PackageItem *item) {
 void referActsToContract(TModuleSQL &module, PackageItem *contract) {
     if (contract->doc != PackageDoc::Contract || !contract->made)
         return;
-    const QMap<QString, QString> values{
-        {QStringLiteral("EditNumDoc"), contract->contract.number},
-        {QStringLiteral("DateEditContract"), TextValues::shortDate(contract->contract.date)}};
+    const QMap<QString, QString> values =
+        contractActValues(contract->contract.number, contract->contract.date);
     QSqlDatabase smeta = module.database(Db::Smeta);
     const QMap<QString, QString> stored = ActFields::read(smeta);
     bool differs = false;

@@ -34,14 +34,6 @@ void PackageRun::cancel() {
     m_cancelled = true;
 }
 
-namespace {
-
-bool isAct(PackageDoc doc) {
-    return doc == PackageDoc::Ks2 || doc == PackageDoc::Ks3 || doc == PackageDoc::Act;
-}
-
-} // namespace
-
 bool PackageRun::allBeforeDone(int index) const {
     for (int i = 0; i < index; ++i)
         if (m_states.at(i) != State::Done)
@@ -49,19 +41,9 @@ bool PackageRun::allBeforeDone(int index) const {
     return true;
 }
 
-bool PackageRun::mayBegin(int index) const {
-    if (!isAct(m_items.at(index).doc))
-        return true;
-    // The acts name the package's contract: its number goes into the act data once it is made.
-    for (int i = 0; i < index; ++i)
-        if (m_items.at(i).doc == PackageDoc::Contract && m_states.at(i) != State::Done)
-            return false;
-    return true;
-}
-
 void PackageRun::pump() {
-    // Registering a document may let the next ones begin (the acts wait for the contract), and a document
-    // that cannot be prepared is done at once: round until nothing moves.
+    // Registering a document may let the next ones begin (an act by volumes waits for those before it), and a
+    // document that cannot be prepared is done at once: round until nothing moves.
     while (settle() || beginNext()) {
     }
     reportProgress();
@@ -104,7 +86,7 @@ bool PackageRun::beginNext() {
         return true;
     }
     const int lane = int(m_busy.indexOf(false));
-    if (lane < 0 || !mayBegin(m_next))
+    if (lane < 0)
         return false;
     const int index = m_next;
     PackageItem item;

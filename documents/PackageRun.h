@@ -53,7 +53,6 @@ private:
     void pump();
     bool settle();
     bool beginNext();
-    bool mayBegin(int index) const;
     bool allBeforeDone(int index) const;
     void begin(int index, int lane);
     void rendered(int index, int lane, const PackageItem &item);
