@@ -43,16 +43,18 @@ int crewColumnOf(int estimateCol) {
 
 } // namespace
 
+QString CrewSheet::listOneRec(const Rate &rate) {
+    return rate.second.trimmed() == QLatin1String("resurs1") ? rate.first.trimmed() : QString();
+}
+
 CrewSheet::PriceLookup CrewSheet::priceListLookup(std::function<QSqlDatabase()> priceDb) {
     return [priceDb](const QList<Rate> &rates) {
         std::vector<std::optional<Decimal>> answers(static_cast<size_t>(rates.size()));
         // Only price list 1 carries crew prices.
         QHash<QString, QList<int>> wanted; // rec -> the rates asking for it
-        for (int i = 0; i < rates.size(); ++i) {
-            const QString rec = rates.at(i).first.trimmed();
-            if (rates.at(i).second.trimmed() == QLatin1String("resurs1") && !rec.isEmpty())
+        for (int i = 0; i < rates.size(); ++i)
+            if (const QString rec = listOneRec(rates.at(i)); !rec.isEmpty())
                 wanted[rec] << i;
-        }
         QSqlDatabase db = wanted.isEmpty() ? QSqlDatabase() : priceDb();
         if (!db.isOpen())
             return answers;

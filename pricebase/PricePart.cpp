@@ -6,6 +6,7 @@
 #include "RateInsertion.h"
 #include "RatePanel_frame.h"
 #include "Resources.h"
+#include "estimate/CrewSheet.h"
 #include "estimate/EditorPart.h"
 #include "estimate/EstimateDocument.h"
 #include "estimate/EstimateEditor.h"
@@ -72,6 +73,16 @@ void PricePart::attach(MainShell &shell) {
                 if (!m_inserting)
                     writeMaterials(RowDiff::ratesOf(changes));
             });
+    // The crew prices of the estimate's rates: from the rate grid's rows while they hold price list 1
+    // as read from its file (no statement per opened document), else from the file.
+    CrewSheet::PriceLookup fromFile = CrewSheet::priceListLookup([this] {
+        TModuleSQL *module = m_shell->module();
+        return module ? module->database(Db::Price) : QSqlDatabase();
+    });
+    m_doc->editor().crew()->setPriceLookup([this, fromFile](const QList<CrewSheet::Rate> &rates) {
+        std::vector<std::optional<Decimal>> prices;
+        return m_priceBase->crewPrices(rates, prices) ? prices : fromFile(rates);
+    });
     // The list read again (its rates may have changed): the resources and the needs are gathered again
     // when next asked.
     connect(m_priceBase, &PriceBase::listRead, this, [this] { m_needs->clear(); });

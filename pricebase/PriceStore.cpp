@@ -68,8 +68,7 @@ QString badPriceMessage(const QString &number, const QString &name, const QStrin
 }
 
 bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData &out, QString *error) {
-    out.rows.clear();
-    out.sections.clear();
+    out = PriceListData();
     if (!knownTable(table))
         return fail(error, QStringLiteral("Неизвестная таблица расценок «%1»").arg(table));
     const bool list1 = table == QLatin1String("price1");
@@ -106,6 +105,9 @@ bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData
     }
     if (!q.ok())
         return fail(error, q.error());
+    // Only price list 1 is looked up by record number (the crew prices of an estimate's rates).
+    if (list1)
+        out.byRec = RecIndex(out.rows);
     return true;
 }
 

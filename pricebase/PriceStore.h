@@ -13,6 +13,7 @@ class QSqlQuery;
 struct PriceListData {
     std::vector<RateRow> rows;
     SectionIndex sections;
+    RecIndex byRec; // price list 1 read from its file
 };
 
 namespace PriceStore {

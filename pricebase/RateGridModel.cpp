@@ -13,18 +13,30 @@ const QString kRowMime = QStringLiteral("application/x-virn-rate-row");
 
 RateGridModel::RateGridModel(QObject *parent) : QAbstractTableModel(parent) {}
 
-void RateGridModel::setRows(std::vector<RateRow> rows) {
+void RateGridModel::setRows(std::vector<RateRow> rows, RecIndex byRec) {
     beginResetModel();
     // The rows shown before (100,000 of them, two texts each) are freed on a worker thread: the user
     // does not wait for that.
     if (m_rows.size() > kFreeElsewhere)
         (void)QtConcurrent::run([old = std::move(m_rows)] {});
     m_rows = std::move(rows);
+    m_byRec = std::move(byRec);
     m_filtered = false;
     m_visible.clear();
     m_visible.shrink_to_fit();
     m_prefix.clear();
     endResetModel();
+}
+
+std::optional<int> RateGridModel::findRec(QByteArrayView rec) const {
+    if (m_byRec.isEmpty())
+        return std::nullopt;
+    return m_byRec.find(m_rows, rec);
+}
+
+void RateGridModel::edited() {
+    m_byRec = {};
+    emit listEdited();
 }
 
 int RateGridModel::sourceIndex(int gridRow) const {
@@ -69,7 +81,7 @@ void RateGridModel::setCell(int gridRow, int col, const QString &text) {
     row.set(col, text);
     const QModelIndex idx = index(toModelRow(gridRow), col);
     emit dataChanged(idx, idx);
-    emit listEdited();
+    edited();
 }
 
 bool RateGridModel::isChecked(int gridRow) const {
@@ -166,6 +178,7 @@ QString RateGridModel::nextRec() const {
 }
 
 void RateGridModel::fillMissingRecs() {
+    m_byRec = {};
     long long next = nextRec().toLongLong();
     for (RateRow &r : m_rows)
         if (r[PriceCol::Rec].trimmed().isEmpty() && !r.isBlank())
@@ -200,7 +213,7 @@ int RateGridModel::insertRowAt(int gridRow) {
         endResetModel();
     else
         endInsertRows();
-    emit listEdited();
+    edited();
     return toGridRow(m);
 }
 
@@ -235,7 +248,7 @@ void RateGridModel::removeGridRows(std::vector<int> gridRows) {
         m_visible = std::move(vis);
     }
     endResetModel();
-    emit listEdited();
+    edited();
 }
 
 void RateGridModel::moveGridRow(int from, int to) {
@@ -261,14 +274,14 @@ void RateGridModel::moveGridRow(int from, int to) {
         std::sort(m_visible.begin(), m_visible.end());
     }
     endMoveRows();
-    emit listEdited();
+    edited();
 }
 
 void RateGridModel::renumber() {
     renumberRates(m_rows);
     if (rowCount() > 0)
         emit dataChanged(index(0, PriceCol::Ras), index(rowCount() - 1, PriceCol::Ras));
-    emit listEdited();
+    edited();
 }
 
 int RateGridModel::rowCount(const QModelIndex &parent) const {

@@ -7,6 +7,7 @@
 
 #include <QAbstractTableModel>
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 class RateGridModel : public QAbstractTableModel {
@@ -14,9 +15,16 @@ class RateGridModel : public QAbstractTableModel {
 public:
     explicit RateGridModel(QObject *parent = nullptr);
 
-    // Replaces the whole list (one model reset); the filter is cleared.
-    void setRows(std::vector<RateRow> rows);
+    // Replaces the whole list (one model reset); the filter is cleared. `byRec` is the rows' index by
+    // record number when the list was read from its file.
+    void setRows(std::vector<RateRow> rows, RecIndex byRec = {});
     const std::vector<RateRow> &allRows() const { return m_rows; }
+    // The first row with record number `rec` (index into allRows()), answered only while the rows are
+    // the list as read (an edit drops the index): -1 when there is none, nullopt when the rows cannot
+    // answer.
+    std::optional<int> findRec(QByteArrayView rec) const;
+    // The rows no longer match their file (the file was changed behind them).
+    void dropRecIndex() { m_byRec = {}; }
 
     // Grid-indexed access to the visible rows.
     int gridRowCount() const { return 1 + std::max(1, visibleCount()); }
@@ -86,12 +94,15 @@ signals:
     void cellEdited(int gridRow, int col);
 
 private:
+    // Every change of the list goes through here.
+    void edited();
     bool matchesFilter(const RateRow &row) const;
     void rebuildVisible();
     int placeholderRow() const { return visibleCount() == 0 ? 0 : -1; }
 
     static constexpr size_t kFreeElsewhere = 10000; // rows worth freeing on a worker thread
     std::vector<RateRow> m_rows;
+    RecIndex m_byRec;
     std::vector<int> m_visible; // indices into m_rows while filtered
     bool m_filtered = false;
     QString m_prefix;
