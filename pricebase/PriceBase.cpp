@@ -205,7 +205,7 @@ bool PriceBase::crewPrices(const QList<CrewSheet::Rate> &rates,
                            std::vector<std::optional<Decimal>> &out) const {
     if (!m_model.findRec({}).has_value())
         return false;
-    const std::vector<RateRow> &rows = m_model.allRows();
+    const RateTable &rows = m_model.allRows();
     out.assign(static_cast<size_t>(rates.size()), std::nullopt);
     for (int i = 0; i < rates.size(); ++i) {
         const QString rec = CrewSheet::listOneRec(rates.at(i));
@@ -214,7 +214,7 @@ bool PriceBase::crewPrices(const QList<CrewSheet::Rate> &rates,
         const int row = *m_model.findRec(rec.toUtf8());
         if (row >= 0)
             out[static_cast<size_t>(i)] = TextValues::parsePositivePrice(
-                QString::fromUtf8(rows[static_cast<size_t>(row)].utf8(PriceCol::Link)));
+                QString::fromUtf8(rows.utf8(static_cast<size_t>(row), PriceCol::Link)));
     }
     return true;
 }

@@ -1,6 +1,5 @@
 #include "PriceRows.h"
 
-#include <QHashFunctions>
 #include <cstring>
 
 RateRow::RateRow(const Cells &cells) {
@@ -74,40 +73,6 @@ QString RateRow::bound(int col) const {
     return c.isNull() ? QStringLiteral("") : c;
 }
 
-RecIndex::RecIndex(const std::vector<RateRow> &rows) {
-    if (rows.empty() || rows.size() >= kFree)
-        return;
-    // At most two thirds full: a miss ends after a few slots.
-    size_t size = 16;
-    while (size < rows.size() + rows.size() / 2)
-        size *= 2;
-    m_slots.assign(size, kFree);
-    const size_t mask = size - 1;
-    for (size_t i = 0; i < rows.size(); ++i) {
-        const QByteArrayView rec = rows[i].utf8(PriceCol::Rec);
-        for (size_t s = qHash(rec) & mask;; s = (s + 1) & mask) {
-            if (m_slots[s] == kFree) {
-                m_slots[s] = static_cast<quint32>(i);
-                break;
-            }
-            if (rows[m_slots[s]].utf8(PriceCol::Rec) == rec)
-                break; // an earlier row of that number answers for it
-        }
-    }
-}
-
-int RecIndex::find(const std::vector<RateRow> &rows, QByteArrayView rec) const {
-    if (m_slots.empty())
-        return -1;
-    const size_t mask = m_slots.size() - 1;
-    for (size_t s = qHash(rec) & mask; m_slots[s] != kFree; s = (s + 1) & mask) {
-        const quint32 row = m_slots[s];
-        if (row < rows.size() && rows[row].utf8(PriceCol::Rec) == rec)
-            return static_cast<int>(row);
-    }
-    return -1;
-}
-
 PriceRowKind priceRowKind(QByteArrayView edras, QByteArrayView edizm) {
     if (!edras.contains('-'))
         return PriceRowKind::Section;
@@ -126,30 +91,6 @@ PriceRowKind priceRowKind(QStringView edras, QStringView edizm) {
         return PriceRowKind::Section;
     return edizm.size() == 2 && edizm.compare(u"пв", Qt::CaseInsensitive) == 0 ? PriceRowKind::Subsection
                                                                                : PriceRowKind::Rate;
-}
-
-void renumberRates(std::vector<RateRow> &rows) {
-    int s = 0, p = 0, n = 0;
-    for (RateRow &row : rows) {
-        if (row[PriceCol::Name].trimmed().isEmpty())
-            continue;
-        const QString unit = row[PriceCol::Unit].trimmed();
-        const QString price = row[PriceCol::Price].trimmed();
-        if (unit.isEmpty() && price.isEmpty()) {
-            ++s;
-            p = 0;
-            n = 0;
-            row.set(PriceCol::Ras, QString::number(s));
-        } else if (isSubsectionUnit(unit) && price.isEmpty()) {
-            ++p;
-            n = 0;
-            row.set(PriceCol::Ras, QStringLiteral("%1-%2").arg(s).arg(p));
-        } else {
-            ++n;
-            row.set(PriceCol::Ras, p != 0 ? QStringLiteral("%1-%2-%3").arg(s).arg(p).arg(n)
-                                          : QStringLiteral("%1-%2").arg(s).arg(n));
-        }
-    }
 }
 
 QString currencyColumn(int index) {

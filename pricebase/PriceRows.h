@@ -72,22 +72,6 @@ private:
     std::array<quint32, PriceCol::TextCount - 1> m_ends{};
 };
 
-// The first row of each record number (`rec`, as bytes) of a list, so that a rate is found by its number
-// without asking the file: built once by the read of a list. An open-addressed table of row indices
-// (4 bytes a slot, the numbers themselves stay in the rows).
-class RecIndex {
-public:
-    RecIndex() = default;
-    explicit RecIndex(const std::vector<RateRow> &rows);
-    bool isEmpty() const { return m_slots.empty(); }
-    // The first row (in list order) whose rec is exactly `rec`, or -1.
-    int find(const std::vector<RateRow> &rows, QByteArrayView rec) const;
-
-private:
-    static constexpr quint32 kFree = 0xFFFFFFFFu;
-    std::vector<quint32> m_slots; // a power of two of them, kFree or an index into the rows
-};
-
 enum class PriceRowKind { Section, Subsection, Rate };
 
 // Section title: no "-" in the number; subsection title: a "-" and the unit "пв" in any letter case;
@@ -103,10 +87,6 @@ inline PriceRowKind priceRowKind(const RateRow &row) {
 }
 // The subsection unit, compared after lower-casing (and trimming for renumbering).
 bool isSubsectionUnit(const QString &edizm);
-
-// PereschetNomeraRascenok: numbers sections S, subsections S-P and rates S-N or S-P-N in row order;
-// rows with an empty name keep their number.
-void renumberRates(std::vector<RateRow> &rows);
 
 // Currency index of EditValuta (0..4) -> price column of the local tables.
 QString currencyColumn(int index);

@@ -1,9 +1,9 @@
 #pragma once
-// The rate grid StringGridRas: the whole current price list as a vector of text rows, and a view of it
-// narrowed by section navigation. Row numbers follow the grid the user sees: row 0 is the header,
-// data from row 1 (Qt row r is grid row r + 1). An empty list or an empty filter shows one empty row.
+// The rate grid StringGridRas: the whole current price list as a table of text rows (RateTable), and a view
+// of it narrowed by section navigation. Row numbers follow the grid the user sees: row 0 is the header, data
+// from row 1 (Qt row r is grid row r + 1). An empty list or an empty filter shows one empty row.
 
-#include "PriceRows.h"
+#include "RateTable.h"
 
 #include <QAbstractTableModel>
 #include <algorithm>
@@ -17,8 +17,8 @@ public:
 
     // Replaces the whole list (one model reset); the filter is cleared. `byRec` is the rows' index by
     // record number when the list was read from its file.
-    void setRows(std::vector<RateRow> rows, RecIndex byRec = {});
-    const std::vector<RateRow> &allRows() const { return m_rows; }
+    void setRows(RateTable rows, RecIndex byRec = {});
+    const RateTable &allRows() const { return m_rows; }
     // The first row with record number `rec` (index into allRows()), answered only while the rows are
     // the list as read (an edit drops the index): -1 when there is none, nullopt when the rows cannot
     // answer.
@@ -96,12 +96,11 @@ signals:
 private:
     // Every change of the list goes through here.
     void edited();
-    bool matchesFilter(const RateRow &row) const;
+    bool matchesFilter(size_t row) const;
     void rebuildVisible();
     int placeholderRow() const { return visibleCount() == 0 ? 0 : -1; }
 
-    static constexpr size_t kFreeElsewhere = 10000; // rows worth freeing on a worker thread
-    std::vector<RateRow> m_rows;
+    RateTable m_rows;
     RecIndex m_byRec;
     std::vector<int> m_visible; // indices into m_rows while filtered
     bool m_filtered = false;
