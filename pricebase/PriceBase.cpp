@@ -81,7 +81,7 @@ void PriceBase::take(PriceListData &data, bool rebuild, LiveSearch *search) {
     if (rebuild)
         m_sections = std::move(data.sections);
     m_remoteFiltered = isRemote() && !rebuild;
-    m_model.setRows(std::move(data.rows), std::move(data.byRec));
+    m_model.setRows(std::move(data.rows), data.listOne, std::move(data.byRec));
     // FDQueryFindPrice always holds the whole current list; a filtered remote read leaves it alone.
     if (rebuild && m_liveSearch) {
         if (search)
@@ -203,7 +203,7 @@ bool PriceBase::updateCrewPrices(const QString &koefText, QString *error, int *s
 
 bool PriceBase::crewPrices(const QList<CrewSheet::Rate> &rates,
                            std::vector<std::optional<Decimal>> &out) const {
-    if (!m_model.findRec({}).has_value())
+    if (!m_model.answersByRec())
         return false;
     const RateTable &rows = m_model.allRows();
     out.assign(static_cast<size_t>(rates.size()), std::nullopt);
@@ -247,6 +247,10 @@ std::shared_ptr<PriceBase::Loaded> PriceBase::loadList(const QString &path, cons
             out->error = db.lastError().text();
         } else {
             out->ok = PriceStore::readList(db, table, currency, out->data, &out->error);
+            // Price list 1 is looked up by record number (the crew prices of an estimate's rates):
+            // its index is made here rather than at the first document opened.
+            if (out->ok && out->data.listOne)
+                out->data.byRec = RecIndex(out->data.rows);
             if (out->ok && withSearch) {
                 out->search.load(out->data.rows);
                 out->search.prepare(); // here rather than at the first keystroke

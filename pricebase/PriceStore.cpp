@@ -76,8 +76,11 @@ bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData
         // Room for the rows first (the largest id, found in the key without a scan, is the count of a
         // list written whole): laid out once, without the spare room of a growing vector.
         SqliteRows last(db, QStringLiteral("SELECT max(id) FROM ") + table);
-        if (last.next())
-            out.rows.reserve(static_cast<size_t>(qBound(0LL, last.utf8(0).toLongLong(), 10'000'000LL)));
+        if (last.next()) {
+            const auto rows = static_cast<size_t>(qBound(0LL, last.utf8(0).toLongLong(), 10'000'000LL));
+            out.rows.reserve(rows);
+            out.rows.reserveText(rows);
+        }
     }
     // A list holds 100,000 rows: read through the C interface, each text decoded once into its row.
     SqliteRows q(db, QStringLiteral("SELECT id, edras, nameras, edizm,") + currencyColumn(currency) +
@@ -107,9 +110,7 @@ bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData
     if (!q.ok())
         return fail(error, q.error());
     out.rows.squeeze();
-    // Only price list 1 is looked up by record number (the crew prices of an estimate's rates).
-    if (list1)
-        out.byRec = RecIndex(out.rows);
+    out.listOne = list1;
     return true;
 }
 

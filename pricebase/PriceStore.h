@@ -13,7 +13,8 @@ class QSqlQuery;
 struct PriceListData {
     RateTable rows;
     SectionIndex sections;
-    RecIndex byRec; // price list 1 read from its file
+    bool listOne = false; // price list 1 read from its file
+    RecIndex byRec;       // its index by record number, when made with the read
 };
 
 namespace PriceStore {

@@ -11,9 +11,10 @@ const QString kRowMime = QStringLiteral("application/x-virn-rate-row");
 
 RateGridModel::RateGridModel(QObject *parent) : QAbstractTableModel(parent) {}
 
-void RateGridModel::setRows(RateTable rows, RecIndex byRec) {
+void RateGridModel::setRows(RateTable rows, bool asRead, RecIndex byRec) {
     beginResetModel();
     m_rows = std::move(rows);
+    m_asRead = asRead;
     m_byRec = std::move(byRec);
     m_filtered = false;
     m_visible.clear();
@@ -23,13 +24,15 @@ void RateGridModel::setRows(RateTable rows, RecIndex byRec) {
 }
 
 std::optional<int> RateGridModel::findRec(QByteArrayView rec) const {
-    if (m_byRec.isEmpty())
+    if (!m_asRead)
         return std::nullopt;
+    if (m_byRec.isEmpty())
+        m_byRec = RecIndex(m_rows);
     return m_byRec.find(m_rows, rec);
 }
 
 void RateGridModel::edited() {
-    m_byRec = {};
+    dropRecIndex();
     emit listEdited();
 }
 
@@ -171,7 +174,7 @@ QString RateGridModel::nextRec() const {
 }
 
 void RateGridModel::fillMissingRecs() {
-    m_byRec = {};
+    dropRecIndex();
     long long next = nextRec().toLongLong();
     for (size_t i = 0; i < m_rows.size(); ++i)
         if (m_rows.cell(i, PriceCol::Rec).trimmed().isEmpty() && !m_rows.isBlank(i))

@@ -15,16 +15,20 @@ class RateGridModel : public QAbstractTableModel {
 public:
     explicit RateGridModel(QObject *parent = nullptr);
 
-    // Replaces the whole list (one model reset); the filter is cleared. `byRec` is the rows' index by
-    // record number when the list was read from its file.
-    void setRows(RateTable rows, RecIndex byRec = {});
+    // Replaces the whole list (one model reset); the filter is cleared. `asRead`: the rows are price
+    // list 1 as read from its file, so they may answer look-ups by record number; `byRec` is their
+    // index when the reader made it (else it is made at the first look-up).
+    void setRows(RateTable rows, bool asRead = false, RecIndex byRec = {});
     const RateTable &allRows() const { return m_rows; }
     // The first row with record number `rec` (index into allRows()), answered only while the rows are
-    // the list as read (an edit drops the index): -1 when there is none, nullopt when the rows cannot
-    // answer.
+    // the list as read (an edit ends that): -1 when there is none, nullopt when the rows cannot answer.
     std::optional<int> findRec(QByteArrayView rec) const;
+    bool answersByRec() const { return m_asRead; }
     // The rows no longer match their file (the file was changed behind them).
-    void dropRecIndex() { m_byRec = {}; }
+    void dropRecIndex() {
+        m_asRead = false;
+        m_byRec = {};
+    }
 
     // Grid-indexed access to the visible rows.
     int gridRowCount() const { return 1 + std::max(1, visibleCount()); }
@@ -101,7 +105,8 @@ private:
     int placeholderRow() const { return visibleCount() == 0 ? 0 : -1; }
 
     RateTable m_rows;
-    RecIndex m_byRec;
+    bool m_asRead = false;
+    mutable RecIndex m_byRec;
     std::vector<int> m_visible; // indices into m_rows while filtered
     bool m_filtered = false;
     QString m_prefix;

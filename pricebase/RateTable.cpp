@@ -1,6 +1,7 @@
 #include "RateTable.h"
 
 #include <QHashFunctions>
+#include <algorithm>
 #include <cstring>
 
 RateTable::RateTable(const std::vector<RateRow> &rows) {
@@ -14,6 +15,11 @@ void RateTable::clear() {
     m_edits.clear();
     m_rows.clear();
     m_checked.clear();
+}
+
+void RateTable::reserveText(size_t rows) {
+    constexpr qsizetype kRowBytes = 256; // a rate's cells take about half of that
+    m_text.reserve(static_cast<qsizetype>(std::min<size_t>(rows, kMaxText / kRowBytes)) * kRowBytes);
 }
 
 void RateTable::squeeze() {

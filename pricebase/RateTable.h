@@ -27,6 +27,9 @@ public:
     size_t size() const { return m_rows.size(); }
     bool empty() const { return m_rows.empty(); }
     void reserve(size_t rows) { m_rows.reserve(rows); }
+    // Room for the text of that many rows read: the pages of a generous guess are not taken until
+    // written, and squeeze() gives back the rest, where growing by steps would copy the text.
+    void reserveText(size_t rows);
     void clear();
     // Gives back the room kept for growth (a list just read).
     void squeeze();
