@@ -7,6 +7,7 @@
 #include "storage/Money.h"
 #include "storage/TextValues.h"
 
+#include <QScopeGuard>
 #include <QSet>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -376,6 +377,9 @@ void CrewSheet::flush() {
     if (!m_dirty)
         return;
     m_dirty = false;
+    // A whole document's rows are evaluated at once: the crew grid tells its views once.
+    m_crew->holdSignals();
+    auto release = qScopeGuard([this] { m_crew->releaseSignals(); });
     fetchPrices();
     for (int m = 0; m < static_cast<int>(m_rows.size()); ++m)
         if (m_rows[static_cast<size_t>(m)].dirty)
