@@ -33,12 +33,21 @@ bool RateTable::pack(QByteArray &text, const std::array<QByteArrayView, PriceCol
     qsizetype bytes = 0;
     for (const QByteArrayView &cell : cells)
         bytes += cell.size();
-    if (text.size() + bytes > kMaxText)
+    const qsizetype start = text.size();
+    if (start + bytes > kMaxText)
         return false;
-    row.begin = static_cast<quint32>(text.size()) | flag;
+    // One growth of the text per row (within the room reserved for a list read), then the cells copied.
+    text.resize(start + bytes);
+    char *out = text.data() + start;
+    row.begin = static_cast<quint32>(start) | flag;
+    quint32 end = static_cast<quint32>(start);
     for (int c = 0; c < PriceCol::TextCount; ++c) {
-        text.append(cells[static_cast<size_t>(c)]);
-        row.ends[static_cast<size_t>(c)] = static_cast<quint32>(text.size());
+        const QByteArrayView cell = cells[static_cast<size_t>(c)];
+        if (!cell.isEmpty())
+            std::memcpy(out, cell.data(), static_cast<size_t>(cell.size()));
+        out += cell.size();
+        end += static_cast<quint32>(cell.size());
+        row.ends[static_cast<size_t>(c)] = end;
     }
     return true;
 }
