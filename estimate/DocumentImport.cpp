@@ -29,7 +29,10 @@ public:
         : m_name(QStringLiteral("DocumentImport#%1").arg(g_connections.fetchAndAddRelaxed(1))) {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
         db.setDatabaseName(path);
-        db.open();
+        // The new working database is flushed to disk once, whole, before it replaces the old one:
+        // the steps that make it need no flush of their own.
+        if (db.open())
+            Schema::scratchConnection(db);
     }
     ~Connection() {
         {
