@@ -119,7 +119,8 @@ QString read(QSqlDatabase db, const QString &source, QStringList *warnings, bool
     if (!cells.isEmpty())
         warnings->append(DocumentCheck::cutWarning(cells));
 
-    why = OldFormat::rebuild(db, kSource, DocumentCheck::kMaxCellChars);
+    // The lengths were just checked: only a document with longer cells has them cut in the copy.
+    why = OldFormat::rebuild(db, kSource, cells.isEmpty() ? 0 : DocumentCheck::kMaxCellChars);
     if (!why.isEmpty())
         return budget.spent() ? UntrustedSqlite::failure(h, SQLITE_INTERRUPT, &budget) : why;
     return {};
