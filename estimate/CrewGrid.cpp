@@ -2,6 +2,7 @@
 
 #include <QBrush>
 #include <QColor>
+#include <algorithm>
 
 CrewGrid::CrewGrid(QObject *parent) : CrewGridRows(parent) {
     m_rows.push_back(emptyRow());
@@ -30,7 +31,26 @@ void CrewGrid::setCell(int gridRow, int col, const QString &text) {
     if (target == text)
         return;
     target = text;
-    emit dataChanged(index(m, col), index(m, col));
+    cellChanged(m, col);
+}
+
+void CrewGrid::cellChanged(int modelRow, int col, const QList<int> &roles) {
+    if (m_held == 0) {
+        emit dataChanged(index(modelRow, col), index(modelRow, col), roles);
+        return;
+    }
+    m_firstChanged = m_firstChanged < 0 ? modelRow : std::min(m_firstChanged, modelRow);
+    m_lastChanged = std::max(m_lastChanged, modelRow);
+}
+
+void CrewGrid::releaseSignals() {
+    if (m_held == 0 || --m_held > 0 || m_firstChanged < 0)
+        return;
+    const int last = std::min(m_lastChanged, rowCount() - 1);
+    const int first = m_firstChanged;
+    m_firstChanged = m_lastChanged = -1;
+    if (first <= last)
+        emit dataChanged(index(first, 0), index(last, CrewCol::Count - 1));
 }
 
 void CrewGrid::setAllRows(std::vector<QStringList> rows) {
@@ -113,8 +133,7 @@ void CrewGrid::setCellProblem(int gridRow, int col, const QString &reason) {
         problems.remove(col);
     else
         problems.insert(col, reason);
-    const QModelIndex idx = index(toModelRow(gridRow), col);
-    emit dataChanged(idx, idx, {Qt::BackgroundRole, Qt::ToolTipRole});
+    cellChanged(toModelRow(gridRow), col, {Qt::BackgroundRole, Qt::ToolTipRole});
 }
 
 QString CrewGrid::cellProblem(int gridRow, int col) const {

@@ -45,6 +45,11 @@ public:
 
     static QString headerText(int col);
 
+    // Many cells changed at once (every row of a document just read): between these, changes of cells
+    // are gathered and told as one dataChanged over the rows they touched, not one per cell.
+    void holdSignals() { ++m_held; }
+    void releaseSignals();
+
     // A cell whose value cannot be had is flagged with the reason (tooltip, red background).
     void setCellProblem(int gridRow, int col, const QString &reason);
     QString cellProblem(int gridRow, int col) const;
@@ -61,4 +66,8 @@ signals:
 
 private:
     CrewRow emptyRow() const override;
+    void cellChanged(int modelRow, int col, const QList<int> &roles = {});
+
+    int m_held = 0;
+    int m_firstChanged = -1, m_lastChanged = -1; // model rows changed while held
 };

@@ -7,6 +7,7 @@
 #include "storage/Money.h"
 #include "storage/TextValues.h"
 
+#include <QScopeGuard>
 #include <QSet>
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -43,16 +44,18 @@ int crewColumnOf(int estimateCol) {
 
 } // namespace
 
+QString CrewSheet::listOneRec(const Rate &rate) {
+    return rate.second.trimmed() == QLatin1String("resurs1") ? rate.first.trimmed() : QString();
+}
+
 CrewSheet::PriceLookup CrewSheet::priceListLookup(std::function<QSqlDatabase()> priceDb) {
     return [priceDb](const QList<Rate> &rates) {
         std::vector<std::optional<Decimal>> answers(static_cast<size_t>(rates.size()));
         // Only price list 1 carries crew prices.
         QHash<QString, QList<int>> wanted; // rec -> the rates asking for it
-        for (int i = 0; i < rates.size(); ++i) {
-            const QString rec = rates.at(i).first.trimmed();
-            if (rates.at(i).second.trimmed() == QLatin1String("resurs1") && !rec.isEmpty())
+        for (int i = 0; i < rates.size(); ++i)
+            if (const QString rec = listOneRec(rates.at(i)); !rec.isEmpty())
                 wanted[rec] << i;
-        }
         QSqlDatabase db = wanted.isEmpty() ? QSqlDatabase() : priceDb();
         if (!db.isOpen())
             return answers;
@@ -374,6 +377,9 @@ void CrewSheet::flush() {
     if (!m_dirty)
         return;
     m_dirty = false;
+    // A whole document's rows are evaluated at once: the crew grid tells its views once.
+    m_crew->holdSignals();
+    auto release = qScopeGuard([this] { m_crew->releaseSignals(); });
     fetchPrices();
     for (int m = 0; m < static_cast<int>(m_rows.size()); ++m)
         if (m_rows[static_cast<size_t>(m)].dirty)

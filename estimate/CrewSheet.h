@@ -37,8 +37,11 @@ public:
     // read): one answer per rate, in order, nullopt for a rate that brought none.
     using PriceLookup = std::function<std::vector<std::optional<Decimal>>(const QList<Rate> &rates)>;
     // Reads `link` of price list 1 (rates whose NamePrice is "resurs1") through the given connection,
-    // a few hundred rates per statement.
+    // a few hundred rates per statement; the first row of a record number answers for it.
     static PriceLookup priceListLookup(std::function<QSqlDatabase()> priceDb);
+    // The record number a rate is looked up by in price list 1, trimmed; empty for a rate of another
+    // list (only price list 1 carries crew prices) or without one.
+    static QString listOneRec(const Rate &rate);
 
     CrewSheet(EstimateGrid *grid, CrewGrid *crew, QObject *parent = nullptr);
 

@@ -29,7 +29,10 @@ public:
         : m_name(QStringLiteral("DocumentImport#%1").arg(g_connections.fetchAndAddRelaxed(1))) {
         QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
         db.setDatabaseName(path);
-        db.open();
+        // The new working database is flushed to disk once, whole, before it replaces the old one:
+        // the steps that make it need no flush of their own.
+        if (db.open())
+            Schema::scratchConnection(db);
     }
     ~Connection() {
         {
@@ -116,7 +119,8 @@ QString read(QSqlDatabase db, const QString &source, QStringList *warnings, bool
     if (!cells.isEmpty())
         warnings->append(DocumentCheck::cutWarning(cells));
 
-    why = OldFormat::rebuild(db, kSource, DocumentCheck::kMaxCellChars);
+    // The lengths were just checked: only a document with longer cells has them cut in the copy.
+    why = OldFormat::rebuild(db, kSource, cells.isEmpty() ? 0 : DocumentCheck::kMaxCellChars);
     if (!why.isEmpty())
         return budget.spent() ? UntrustedSqlite::failure(h, SQLITE_INTERRUPT, &budget) : why;
     return {};

@@ -66,8 +66,8 @@ QString rebuild(QSqlDatabase db, const QString &schema, int maxCellChars) {
             if (it == from.end())
                 continue;
             names << sqlIdentifier(c.name);
-            if (c.rowKey) {
-                keyed = true;
+            if (c.rowKey || maxCellChars <= 0) {
+                keyed = keyed || c.rowKey;
                 values << sqlIdentifier(it->name);
             } else {
                 values << QStringLiteral("CASE WHEN length(%1) > %2 THEN substr(%1, 1, %2) ELSE %1 END")

@@ -20,8 +20,9 @@ namespace OldFormat {
 // Copies the rows of the document attached as `schema` on `db` (a working database just made at
 // today's version, all tables empty) into db's tables, in one transaction: for each table of today's
 // layout that the document has, the columns both have, in record order; cells longer than
-// `maxCellChars` are cut to it. A document without coefficient lines gets the default lines. Empty
-// string on success, else the reason in Russian.
+// `maxCellChars` are cut to it (0: the cells are copied as they are, none being longer, as a check of
+// the lengths found). A document without coefficient lines gets the default lines. Empty string on
+// success, else the reason in Russian.
 QString rebuild(QSqlDatabase db, const QString &schema, int maxCellChars);
 
 // Today's columns of a table of the working database, in order (as its upgrade steps leave it).

@@ -206,7 +206,8 @@ void MaterialsPart::attachToRate(const MatRow &row) {
     if (!module)
         return;
     PriceBase &base = *m_price->priceBase();
-    const RateRow *rate = m_price->ratePanel()->currentRate();
+    const std::optional<RateRow> current = m_price->ratePanel()->currentRate();
+    const RateRow *rate = current ? &*current : nullptr;
     const QString refused =
         MatInsertion::attachToRate(module->database(Db::Price), base.resourcesTable(), base.showsRates(),
                                    rate, row, currencyColumn(base.currency()));

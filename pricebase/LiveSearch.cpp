@@ -2,18 +2,27 @@
 
 #include <algorithm>
 
-void LiveSearch::load(const std::vector<RateRow> &rows) {
+void LiveSearch::load(const RateTable &rows) {
+    m_text = rows.text(false);
+    m_edits = rows.text(true);
     m_names.clear();
+    m_names.shrink_to_fit();
     m_names.reserve(rows.size());
-    for (const RateRow &r : rows) {
-        const auto span = r.nameSpan();
-        m_names.push_back({r.text(), span.first, span.second});
+    for (size_t i = 0; i < rows.size(); ++i) {
+        const RateTable::Span s = rows.span(i, PriceCol::Name);
+        m_names.push_back({s.from, s.to | (s.edited ? kEdited : 0)});
     }
     m_prepared = false;
 }
 
+QByteArrayView LiveSearch::utf8(const Name &n) const {
+    const QByteArray &text = (n.to & kEdited) ? m_edits : m_text;
+    const quint32 to = n.to & ~kEdited;
+    return QByteArrayView(text.constData() + n.from, to - n.from);
+}
+
 QString LiveSearch::name(int i) const {
-    return QString::fromUtf8(m_names[static_cast<size_t>(i)].utf8());
+    return QString::fromUtf8(utf8(m_names[static_cast<size_t>(i)]));
 }
 
 namespace {
@@ -63,9 +72,12 @@ template <typename F> void foldUtf8(QByteArrayView text, F &&f) {
 
 void LiveSearch::loadNames(const std::vector<QString> &names) {
     m_names.clear();
+    m_edits.clear();
+    m_text.clear();
     for (const QString &n : names) {
-        const QByteArray text = n.toUtf8();
-        m_names.push_back({text, 0, static_cast<quint32>(text.size())});
+        const quint32 from = static_cast<quint32>(m_text.size());
+        m_text += n.toUtf8();
+        m_names.push_back({from, static_cast<quint32>(m_text.size())});
     }
     m_prepared = false;
 }
@@ -77,7 +89,7 @@ void LiveSearch::prepare() const {
     // A letter takes at least one byte of UTF-8: the folded names fit in as many bytes.
     qsizetype total = 0;
     for (const Name &n : m_names)
-        total += n.end - n.begin + 1;
+        total += utf8(n).size() + 1;
     QByteArray folded(total, Qt::Uninitialized);
     m_starts.clear();
     m_starts.reserve(m_names.size());
@@ -85,7 +97,7 @@ void LiveSearch::prepare() const {
     char *out = folded.data();
     for (const Name &n : m_names) {
         m_starts.push_back(static_cast<int>(out - folded.constData()));
-        foldUtf8(n.utf8(), [&](uchar b) {
+        foldUtf8(utf8(n), [&](uchar b) {
             ++m_frequency[b];
             *out++ = char(b);
         });
@@ -99,6 +111,8 @@ void LiveSearch::prepare() const {
 void LiveSearch::clear() {
     m_prepared = false;
     m_names.clear();
+    m_text.clear();
+    m_edits.clear();
     m_folded.clear();
     m_starts.clear();
     m_frequency.clear();

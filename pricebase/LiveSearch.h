@@ -6,7 +6,7 @@
 // one byte and a match through it is checked against the name itself), so a keystroke is one scan of half the
 // memory the names take.
 
-#include "PriceRows.h"
+#include "RateTable.h"
 
 #include <QAbstractListModel>
 #include <QByteArray>
@@ -17,7 +17,7 @@ class LiveSearch {
 public:
     // Takes the names of every row of the list (section and subsection titles included). They are
     // lower-cased for searching by prepare(), or by the first search.
-    void load(const std::vector<RateRow> &rows);
+    void load(const RateTable &rows);
     void loadNames(const std::vector<QString> &names);
     void prepare() const;
     void clear();
@@ -32,14 +32,15 @@ public:
 private:
     bool matches(int i, const QString &needle) const;
 
-    // A name as the list had it when it was read: the UTF-8 text of its row (shared with the row) and
-    // where the name lies in it.
+    // A name as the list had it when it was read: where it lies in the list's texts (shared with the
+    // list, not copied; a row taken from another list is kept in a text of its own).
     struct Name {
-        QByteArray text;
-        quint32 begin = 0;
-        quint32 end = 0;
-        QByteArrayView utf8() const { return QByteArrayView(text).sliced(begin, end - begin); }
+        quint32 from = 0;
+        quint32 to = 0; // the top bit: the name lies in the list's text of edits
     };
+    QByteArrayView utf8(const Name &n) const;
+    static constexpr quint32 kEdited = 0x80000000u;
+    QByteArray m_text, m_edits;
     std::vector<Name> m_names;
     // Made by prepare():
     mutable bool m_prepared = false;

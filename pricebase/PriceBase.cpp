@@ -1,6 +1,7 @@
 #include "PriceBase.h"
 
 #include "storage/ModuleSQL.h"
+#include "storage/TextValues.h"
 
 #include <QSqlError>
 #include <QUuid>
@@ -80,7 +81,7 @@ void PriceBase::take(PriceListData &data, bool rebuild, LiveSearch *search) {
     if (rebuild)
         m_sections = std::move(data.sections);
     m_remoteFiltered = isRemote() && !rebuild;
-    m_model.setRows(std::move(data.rows));
+    m_model.setRows(std::move(data.rows), data.listOne, std::move(data.byRec));
     // FDQueryFindPrice always holds the whole current list; a filtered remote read leaves it alone.
     if (rebuild && m_liveSearch) {
         if (search)
@@ -195,7 +196,27 @@ bool PriceBase::write(QString *error) {
 }
 
 bool PriceBase::updateCrewPrices(const QString &koefText, QString *error, int *statements) {
+    // The file's crew prices change behind the rows until the list is read again.
+    m_model.dropRecIndex();
     return PriceStore::updateCrewPrices(priceDb(error), m_currency, koefText, error, statements);
+}
+
+bool PriceBase::crewPrices(const QList<CrewSheet::Rate> &rates,
+                           std::vector<std::optional<Decimal>> &out) const {
+    if (!m_model.answersByRec())
+        return false;
+    const RateTable &rows = m_model.allRows();
+    out.assign(static_cast<size_t>(rates.size()), std::nullopt);
+    for (int i = 0; i < rates.size(); ++i) {
+        const QString rec = CrewSheet::listOneRec(rates.at(i));
+        if (rec.isEmpty())
+            continue;
+        const int row = *m_model.findRec(rec.toUtf8());
+        if (row >= 0)
+            out[static_cast<size_t>(i)] = TextValues::parsePositivePrice(
+                QString::fromUtf8(rows.utf8(static_cast<size_t>(row), PriceCol::Link)));
+    }
+    return true;
 }
 
 bool PriceBase::findRate(const QString &name, RateRow &out, QString *error) {
@@ -226,6 +247,10 @@ std::shared_ptr<PriceBase::Loaded> PriceBase::loadList(const QString &path, cons
             out->error = db.lastError().text();
         } else {
             out->ok = PriceStore::readList(db, table, currency, out->data, &out->error);
+            // Price list 1 is looked up by record number (the crew prices of an estimate's rates):
+            // its index is made here rather than at the first document opened.
+            if (out->ok && out->data.listOne)
+                out->data.byRec = RecIndex(out->data.rows);
             if (out->ok && withSearch) {
                 out->search.load(out->data.rows);
                 out->search.prepare(); // here rather than at the first keystroke

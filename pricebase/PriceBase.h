@@ -7,6 +7,7 @@
 #include "PriceStore.h"
 #include "RateGridModel.h"
 #include "RemotePriceList.h"
+#include "estimate/CrewSheet.h"
 
 #include <QFutureWatcher>
 #include <QObject>
@@ -70,6 +71,10 @@ public:
     bool write(QString *error = nullptr);
     // UpdateSqlPriceBrig with the crew coefficient text.
     bool updateCrewPrices(const QString &koefText, QString *error = nullptr, int *statements = nullptr);
+    // The crew prices of an estimate's rates from price list 1 as the grid holds it, without asking
+    // the file (CrewSheet::PriceLookup): false when the grid does not hold price list 1 as read from
+    // its file (another list, a read still running, an edit not written), and the file must answer.
+    bool crewPrices(const QList<CrewSheet::Rate> &rates, std::vector<std::optional<Decimal>> &out) const;
     // The rate of that name in the current list (the look-up of a live-search choice).
     bool findRate(const QString &name, RateRow &out, QString *error = nullptr);
 

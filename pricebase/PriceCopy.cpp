@@ -75,9 +75,9 @@ bool copy(QSqlDatabase price, RemotePriceList *remote, List from, List to, int c
         return false;
     // The copy holds the rates and their record numbers; crew coefficients and prices stay with the
     // list they were set for.
-    for (RateRow &row : data.rows) {
-        row.set(PriceCol::Koef, QString());
-        row.set(PriceCol::Link, QString());
+    for (size_t i = 0; i < data.rows.size(); ++i) {
+        data.rows.set(i, PriceCol::Koef, QString());
+        data.rows.set(i, PriceCol::Link, QString());
     }
     Transaction t(price);
     if (!t.active())
@@ -97,8 +97,8 @@ bool copy(QSqlDatabase price, RemotePriceList *remote, List from, List to, int c
     QSqlQuery(price).exec(QStringLiteral("VACUUM;"));
     if (outcome) {
         outcome->rates = 0;
-        for (const RateRow &row : data.rows)
-            outcome->rates += row.isBlank() ? 0 : 1;
+        for (size_t i = 0; i < data.rows.size(); ++i)
+            outcome->rates += data.rows.isBlank(i) ? 0 : 1;
         outcome->resources = resources;
     }
     return true;

@@ -6,6 +6,7 @@
 #include "RateInsertion.h"
 #include "RatePanel_frame.h"
 #include "Resources.h"
+#include "estimate/CrewSheet.h"
 #include "estimate/EditorPart.h"
 #include "estimate/EstimateDocument.h"
 #include "estimate/EstimateEditor.h"
@@ -22,6 +23,7 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMenu>
+#include <QPointer>
 #include <QTableView>
 
 PricePart::PricePart(QObject *parent) : ShellPart(parent), m_needs(std::make_unique<MaterialNeeds>()) {}
@@ -72,6 +74,21 @@ void PricePart::attach(MainShell &shell) {
                 if (!m_inserting)
                     writeMaterials(RowDiff::ratesOf(changes));
             });
+    // The crew prices of the estimate's rates: from the rate grid's rows while they hold price list 1
+    // as read from its file (no statement per opened document), else from the file.
+    // Neither the part nor the shell is reached once the price base is gone (the program closing).
+    QPointer<PriceBase> base = m_priceBase;
+    MainShell *window = &shell;
+    CrewSheet::PriceLookup fromFile = CrewSheet::priceListLookup([base, window] {
+        TModuleSQL *module = base ? window->module() : nullptr;
+        return module ? module->database(Db::Price) : QSqlDatabase();
+    });
+    m_doc->editor().crew()->setPriceLookup([base, fromFile](const QList<CrewSheet::Rate> &rates) {
+        std::vector<std::optional<Decimal>> prices;
+        if (base && base->crewPrices(rates, prices))
+            return prices;
+        return fromFile(rates);
+    });
     // The list read again (its rates may have changed): the resources and the needs are gathered again
     // when next asked.
     connect(m_priceBase, &PriceBase::listRead, this, [this] { m_needs->clear(); });

@@ -93,30 +93,6 @@ PriceRowKind priceRowKind(QStringView edras, QStringView edizm) {
                                                                                : PriceRowKind::Rate;
 }
 
-void renumberRates(std::vector<RateRow> &rows) {
-    int s = 0, p = 0, n = 0;
-    for (RateRow &row : rows) {
-        if (row[PriceCol::Name].trimmed().isEmpty())
-            continue;
-        const QString unit = row[PriceCol::Unit].trimmed();
-        const QString price = row[PriceCol::Price].trimmed();
-        if (unit.isEmpty() && price.isEmpty()) {
-            ++s;
-            p = 0;
-            n = 0;
-            row.set(PriceCol::Ras, QString::number(s));
-        } else if (isSubsectionUnit(unit) && price.isEmpty()) {
-            ++p;
-            n = 0;
-            row.set(PriceCol::Ras, QStringLiteral("%1-%2").arg(s).arg(p));
-        } else {
-            ++n;
-            row.set(PriceCol::Ras, p != 0 ? QStringLiteral("%1-%2-%3").arg(s).arg(p).arg(n)
-                                          : QStringLiteral("%1-%2").arg(s).arg(n));
-        }
-    }
-}
-
 QString currencyColumn(int index) {
     static const QStringList columns = {"rub", "dol", "grn", "br", "tenge"};
     return index >= 0 && index < columns.size() ? columns.at(index) : columns.first();

@@ -88,10 +88,6 @@ inline PriceRowKind priceRowKind(const RateRow &row) {
 // The subsection unit, compared after lower-casing (and trimming for renumbering).
 bool isSubsectionUnit(const QString &edizm);
 
-// PereschetNomeraRascenok: numbers sections S, subsections S-P and rates S-N or S-P-N in row order;
-// rows with an empty name keep their number.
-void renumberRates(std::vector<RateRow> &rows);
-
 // Currency index of EditValuta (0..4) -> price column of the local tables.
 QString currencyColumn(int index);
 QStringList currencyCaptions();

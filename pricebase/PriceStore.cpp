@@ -57,7 +57,7 @@ void readRows(QSqlQuery &q, bool withKoef, PriceListData &out) {
         }
         if (kind == PriceRowKind::Section)
             c[PriceCol::Unit].clear();
-        out.rows.emplace_back(c);
+        out.rows.push_back(RateRow(c));
         addToSectionIndex(out.sections, out.rows.back());
     }
 }
@@ -68,8 +68,7 @@ QString badPriceMessage(const QString &number, const QString &name, const QStrin
 }
 
 bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData &out, QString *error) {
-    out.rows.clear();
-    out.sections.clear();
+    out = PriceListData();
     if (!knownTable(table))
         return fail(error, QStringLiteral("Неизвестная таблица расценок «%1»").arg(table));
     const bool list1 = table == QLatin1String("price1");
@@ -77,8 +76,11 @@ bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData
         // Room for the rows first (the largest id, found in the key without a scan, is the count of a
         // list written whole): laid out once, without the spare room of a growing vector.
         SqliteRows last(db, QStringLiteral("SELECT max(id) FROM ") + table);
-        if (last.next())
-            out.rows.reserve(static_cast<size_t>(qBound(0LL, last.utf8(0).toLongLong(), 10'000'000LL)));
+        if (last.next()) {
+            const auto rows = static_cast<size_t>(qBound(0LL, last.utf8(0).toLongLong(), 10'000'000LL));
+            out.rows.reserve(rows);
+            out.rows.reserveText(rows);
+        }
     }
     // A list holds 100,000 rows: read through the C interface, each text decoded once into its row.
     SqliteRows q(db, QStringLiteral("SELECT id, edras, nameras, edizm,") + currencyColumn(currency) +
@@ -100,17 +102,19 @@ bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData
             cells[PriceCol::Price] = cells[PriceCol::Link] = QByteArrayView();
         if (kind == PriceRowKind::Section)
             cells[PriceCol::Unit] = QByteArrayView();
-        out.rows.push_back(RateRow::fromUtf8(cells));
+        if (!out.rows.append(cells))
+            return fail(error, QStringLiteral("Список «%1» слишком велик, чтобы его прочитать.").arg(table));
         if (kind != PriceRowKind::Rate)
             addToSectionIndex(out.sections, out.rows.back());
     }
     if (!q.ok())
         return fail(error, q.error());
+    out.rows.squeeze();
+    out.listOne = list1;
     return true;
 }
 
-bool writeList(QSqlDatabase db, const QString &table, int currency, const std::vector<RateRow> &rows,
-               QString *error) {
+bool writeList(QSqlDatabase db, const QString &table, int currency, const RateTable &rows, QString *error) {
     if (!knownTable(table))
         return fail(error, QStringLiteral("Неизвестная таблица расценок «%1»").arg(table));
     const bool list1 = table == QLatin1String("price1");
@@ -129,18 +133,18 @@ bool writeList(QSqlDatabase db, const QString &table, int currency, const std::v
                                          : QStringLiteral(") values (?,?,?,?,?)")));
         if (!insert.ok())
             return fail(error, insert.error());
-        for (const RateRow &row : rows) {
+        for (size_t i = 0; i < rows.size(); ++i) {
             // A row left empty in edit mode carries nothing worth keeping.
-            if (row.isBlank())
+            if (rows.isBlank(i))
                 continue;
-            insert.bindUtf8(0, row.utf8(PriceCol::Ras));
-            insert.bindUtf8(1, row.utf8(PriceCol::Name));
-            insert.bindUtf8(2, row.utf8(PriceCol::Unit));
-            insert.bindUtf8(3, row.utf8(PriceCol::Price));
-            insert.bindUtf8(4, row.utf8(PriceCol::Rec));
+            insert.bindUtf8(0, rows.utf8(i, PriceCol::Ras));
+            insert.bindUtf8(1, rows.utf8(i, PriceCol::Name));
+            insert.bindUtf8(2, rows.utf8(i, PriceCol::Unit));
+            insert.bindUtf8(3, rows.utf8(i, PriceCol::Price));
+            insert.bindUtf8(4, rows.utf8(i, PriceCol::Rec));
             if (list1) {
-                insert.bindUtf8(5, row.utf8(PriceCol::Koef));
-                insert.bindUtf8(6, row.utf8(PriceCol::Link));
+                insert.bindUtf8(5, rows.utf8(i, PriceCol::Koef));
+                insert.bindUtf8(6, rows.utf8(i, PriceCol::Link));
             }
             if (!insert.run())
                 return fail(error, insert.error());

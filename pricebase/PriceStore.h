@@ -2,7 +2,7 @@
 // The local price lists of price.db: reading a list into rate rows with its section index, writing
 // the rate grid back, the crew price of price list 1, and the look-up of a rate by name.
 
-#include "PriceRows.h"
+#include "RateTable.h"
 
 #include <QSqlDatabase>
 #include <QString>
@@ -11,8 +11,10 @@
 class QSqlQuery;
 
 struct PriceListData {
-    std::vector<RateRow> rows;
+    RateTable rows;
     SectionIndex sections;
+    bool listOne = false; // price list 1 read from its file
+    RecIndex byRec;       // its index by record number, when made with the read
 };
 
 namespace PriceStore {
@@ -26,7 +28,7 @@ bool readList(QSqlDatabase db, const QString &table, int currency, PriceListData
 // anything (edras, nameras, edizm, the current currency's price, rec, and for price1 koef and link),
 // then "VACUUM;". The other currency columns are empty afterwards: a list is kept in one currency at a
 // time.
-bool writeList(QSqlDatabase db, const QString &table, int currency, const std::vector<RateRow> &rows,
+bool writeList(QSqlDatabase db, const QString &table, int currency, const RateTable &rows,
                QString *error = nullptr);
 
 // UpdateSqlPriceBrig: for every rate of price1 with a price in the current currency, an empty koef

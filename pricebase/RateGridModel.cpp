@@ -1,7 +1,5 @@
 #include "RateGridModel.h"
 
-#include <QtConcurrent>
-
 #include <QFont>
 #include <QIODevice>
 #include <QMimeData>
@@ -13,18 +11,29 @@ const QString kRowMime = QStringLiteral("application/x-virn-rate-row");
 
 RateGridModel::RateGridModel(QObject *parent) : QAbstractTableModel(parent) {}
 
-void RateGridModel::setRows(std::vector<RateRow> rows) {
+void RateGridModel::setRows(RateTable rows, bool asRead, RecIndex byRec) {
     beginResetModel();
-    // The rows shown before (100,000 of them, two texts each) are freed on a worker thread: the user
-    // does not wait for that.
-    if (m_rows.size() > kFreeElsewhere)
-        (void)QtConcurrent::run([old = std::move(m_rows)] {});
     m_rows = std::move(rows);
+    m_asRead = asRead;
+    m_byRec = std::move(byRec);
     m_filtered = false;
     m_visible.clear();
     m_visible.shrink_to_fit();
     m_prefix.clear();
     endResetModel();
+}
+
+std::optional<int> RateGridModel::findRec(QByteArrayView rec) const {
+    if (!m_asRead)
+        return std::nullopt;
+    if (m_byRec.isEmpty())
+        m_byRec = RecIndex(m_rows);
+    return m_byRec.find(m_rows, rec);
+}
+
+void RateGridModel::edited() {
+    dropRecIndex();
+    emit listEdited();
 }
 
 int RateGridModel::sourceIndex(int gridRow) const {
@@ -49,7 +58,7 @@ QString RateGridModel::cell(int gridRow, int col) const {
     const int i = sourceIndex(gridRow);
     if (i < 0 || col < 0 || col >= PriceCol::TextCount)
         return {};
-    return m_rows[static_cast<size_t>(i)][col];
+    return m_rows.cell(static_cast<size_t>(i), col);
 }
 
 void RateGridModel::setCell(int gridRow, int col, const QString &text) {
@@ -63,31 +72,30 @@ void RateGridModel::setCell(int gridRow, int col, const QString &text) {
         gridRow = insertRowAt(1);
         i = sourceIndex(gridRow);
     }
-    RateRow &row = m_rows[static_cast<size_t>(i)];
-    if (row[col] == text)
+    if (m_rows.cell(static_cast<size_t>(i), col) == text)
         return;
-    row.set(col, text);
+    m_rows.set(static_cast<size_t>(i), col, text);
     const QModelIndex idx = index(toModelRow(gridRow), col);
     emit dataChanged(idx, idx);
-    emit listEdited();
+    edited();
 }
 
 bool RateGridModel::isChecked(int gridRow) const {
     const int i = sourceIndex(gridRow);
-    return i >= 0 && m_rows[static_cast<size_t>(i)].checked;
+    return i >= 0 && m_rows.checked(static_cast<size_t>(i));
 }
 
 void RateGridModel::setChecked(int gridRow, bool on) {
     const int i = sourceIndex(gridRow);
-    if (i < 0 || m_rows[static_cast<size_t>(i)].checked == on)
+    if (i < 0 || m_rows.checked(static_cast<size_t>(i)) == on)
         return;
-    m_rows[static_cast<size_t>(i)].checked = on;
+    m_rows.setChecked(static_cast<size_t>(i), on);
     const QModelIndex idx = index(toModelRow(gridRow), PriceCol::Check);
     emit dataChanged(idx, idx, {Qt::CheckStateRole});
 }
 
-bool RateGridModel::matchesFilter(const RateRow &row) const {
-    const QString &number = row[PriceCol::Ras];
+bool RateGridModel::matchesFilter(size_t row) const {
+    const QString number = m_rows.cell(row, PriceCol::Ras);
     if (!number.startsWith(m_prefix))
         return false;
     if (number.size() == m_prefix.size())
@@ -98,7 +106,7 @@ bool RateGridModel::matchesFilter(const RateRow &row) const {
 void RateGridModel::rebuildVisible() {
     m_visible.clear();
     for (size_t i = 0; i < m_rows.size(); ++i)
-        if (matchesFilter(m_rows[i]))
+        if (matchesFilter(i))
             m_visible.push_back(static_cast<int>(i));
 }
 
@@ -132,14 +140,14 @@ int RateGridModel::findName(const QString &name, int fromGridRow) const {
 std::vector<int> RateGridModel::checkedIndices() const {
     std::vector<int> out;
     for (size_t i = 0; i < m_rows.size(); ++i)
-        if (m_rows[i].checked)
+        if (m_rows.checked(i))
             out.push_back(static_cast<int>(i));
     return out;
 }
 
 void RateGridModel::clearChecks() {
-    for (RateRow &r : m_rows)
-        r.checked = false;
+    for (size_t i = 0; i < m_rows.size(); ++i)
+        m_rows.setChecked(i, false);
     if (rowCount() > 0)
         emit dataChanged(index(0, PriceCol::Check), index(rowCount() - 1, PriceCol::Check),
                          {Qt::CheckStateRole});
@@ -156,9 +164,9 @@ void RateGridModel::setEditMode(bool on) {
 
 QString RateGridModel::nextRec() const {
     long long top = 0;
-    for (const RateRow &r : m_rows) {
+    for (size_t i = 0; i < m_rows.size(); ++i) {
         bool ok = false;
-        const long long v = r[PriceCol::Rec].trimmed().toLongLong(&ok);
+        const long long v = m_rows.cell(i, PriceCol::Rec).trimmed().toLongLong(&ok);
         if (ok && v > top)
             top = v;
     }
@@ -166,10 +174,11 @@ QString RateGridModel::nextRec() const {
 }
 
 void RateGridModel::fillMissingRecs() {
+    dropRecIndex();
     long long next = nextRec().toLongLong();
-    for (RateRow &r : m_rows)
-        if (r[PriceCol::Rec].trimmed().isEmpty() && !r.isBlank())
-            r.set(PriceCol::Rec, QString::number(next++));
+    for (size_t i = 0; i < m_rows.size(); ++i)
+        if (m_rows.cell(i, PriceCol::Rec).trimmed().isEmpty() && !m_rows.isBlank(i))
+            m_rows.set(i, PriceCol::Rec, QString::number(next++));
 }
 
 int RateGridModel::insertRowAt(int gridRow) {
@@ -189,7 +198,7 @@ int RateGridModel::insertRowAt(int gridRow) {
         beginResetModel();
     else
         beginInsertRows({}, m, m);
-    m_rows.insert(m_rows.begin() + static_cast<std::ptrdiff_t>(pos), std::move(row));
+    m_rows.insert(pos, row);
     if (m_filtered) {
         for (int &v : m_visible)
             if (v >= static_cast<int>(pos))
@@ -200,7 +209,7 @@ int RateGridModel::insertRowAt(int gridRow) {
         endResetModel();
     else
         endInsertRows();
-    emit listEdited();
+    edited();
     return toGridRow(m);
 }
 
@@ -217,16 +226,12 @@ void RateGridModel::removeGridRows(std::vector<int> gridRows) {
     std::vector<char> drop(m_rows.size(), 0);
     for (int i : sources)
         drop[static_cast<size_t>(i)] = 1;
-    std::vector<RateRow> kept;
     std::vector<int> newIndex(m_rows.size(), -1);
-    kept.reserve(m_rows.size() - sources.size());
-    for (size_t i = 0; i < m_rows.size(); ++i) {
-        if (drop[i])
-            continue;
-        newIndex[i] = static_cast<int>(kept.size());
-        kept.push_back(std::move(m_rows[i]));
-    }
-    m_rows = std::move(kept);
+    int kept = 0;
+    for (size_t i = 0; i < m_rows.size(); ++i)
+        if (!drop[i])
+            newIndex[i] = kept++;
+    m_rows.remove(drop);
     if (m_filtered) {
         std::vector<int> vis;
         for (int v : m_visible)
@@ -235,7 +240,7 @@ void RateGridModel::removeGridRows(std::vector<int> gridRows) {
         m_visible = std::move(vis);
     }
     endResetModel();
-    emit listEdited();
+    edited();
 }
 
 void RateGridModel::moveGridRow(int from, int to) {
@@ -245,9 +250,7 @@ void RateGridModel::moveGridRow(int from, int to) {
     const int mf = toModelRow(from), mt = toModelRow(to);
     if (!beginMoveRows({}, mf, mf, {}, mt > mf ? mt + 1 : mt))
         return;
-    RateRow moving = std::move(m_rows[static_cast<size_t>(a)]);
-    m_rows.erase(m_rows.begin() + a);
-    m_rows.insert(m_rows.begin() + b, std::move(moving));
+    m_rows.move(static_cast<size_t>(a), static_cast<size_t>(b));
     // Visible source indices between a and b shift by one; the moved row takes b.
     if (m_filtered) {
         for (int &v : m_visible) {
@@ -261,14 +264,14 @@ void RateGridModel::moveGridRow(int from, int to) {
         std::sort(m_visible.begin(), m_visible.end());
     }
     endMoveRows();
-    emit listEdited();
+    edited();
 }
 
 void RateGridModel::renumber() {
     renumberRates(m_rows);
     if (rowCount() > 0)
         emit dataChanged(index(0, PriceCol::Ras), index(rowCount() - 1, PriceCol::Ras));
-    emit listEdited();
+    edited();
 }
 
 int RateGridModel::rowCount(const QModelIndex &parent) const {
@@ -302,7 +305,9 @@ QVariant RateGridModel::data(const QModelIndex &index, int role) const {
         const int i = sourceIndex(gridRow);
         if (i < 0 || col != PriceCol::Name)
             return {};
-        if (priceRowKind(m_rows[static_cast<size_t>(i)]) == PriceRowKind::Rate)
+        const size_t row = static_cast<size_t>(i);
+        if (priceRowKind(m_rows.utf8(row, PriceCol::Ras), m_rows.utf8(row, PriceCol::Unit)) ==
+            PriceRowKind::Rate)
             return {};
         QFont f;
         f.setBold(true);

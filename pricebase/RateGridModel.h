@@ -1,12 +1,13 @@
 #pragma once
-// The rate grid StringGridRas: the whole current price list as a vector of text rows, and a view of it
-// narrowed by section navigation. Row numbers follow the grid the user sees: row 0 is the header,
-// data from row 1 (Qt row r is grid row r + 1). An empty list or an empty filter shows one empty row.
+// The rate grid StringGridRas: the whole current price list as a table of text rows (RateTable), and a view
+// of it narrowed by section navigation. Row numbers follow the grid the user sees: row 0 is the header, data
+// from row 1 (Qt row r is grid row r + 1). An empty list or an empty filter shows one empty row.
 
-#include "PriceRows.h"
+#include "RateTable.h"
 
 #include <QAbstractTableModel>
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 class RateGridModel : public QAbstractTableModel {
@@ -14,9 +15,20 @@ class RateGridModel : public QAbstractTableModel {
 public:
     explicit RateGridModel(QObject *parent = nullptr);
 
-    // Replaces the whole list (one model reset); the filter is cleared.
-    void setRows(std::vector<RateRow> rows);
-    const std::vector<RateRow> &allRows() const { return m_rows; }
+    // Replaces the whole list (one model reset); the filter is cleared. `asRead`: the rows are price
+    // list 1 as read from its file, so they may answer look-ups by record number; `byRec` is their
+    // index when the reader made it (else it is made at the first look-up).
+    void setRows(RateTable rows, bool asRead = false, RecIndex byRec = {});
+    const RateTable &allRows() const { return m_rows; }
+    // The first row with record number `rec` (index into allRows()), answered only while the rows are
+    // the list as read (an edit ends that): -1 when there is none, nullopt when the rows cannot answer.
+    std::optional<int> findRec(QByteArrayView rec) const;
+    bool answersByRec() const { return m_asRead; }
+    // The rows no longer match their file (the file was changed behind them).
+    void dropRecIndex() {
+        m_asRead = false;
+        m_byRec = {};
+    }
 
     // Grid-indexed access to the visible rows.
     int gridRowCount() const { return 1 + std::max(1, visibleCount()); }
@@ -86,12 +98,15 @@ signals:
     void cellEdited(int gridRow, int col);
 
 private:
-    bool matchesFilter(const RateRow &row) const;
+    // Every change of the list goes through here.
+    void edited();
+    bool matchesFilter(size_t row) const;
     void rebuildVisible();
     int placeholderRow() const { return visibleCount() == 0 ? 0 : -1; }
 
-    static constexpr size_t kFreeElsewhere = 10000; // rows worth freeing on a worker thread
-    std::vector<RateRow> m_rows;
+    RateTable m_rows;
+    bool m_asRead = false;
+    mutable RecIndex m_byRec;
     std::vector<int> m_visible; // indices into m_rows while filtered
     bool m_filtered = false;
     QString m_prefix;

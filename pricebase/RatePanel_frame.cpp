@@ -381,12 +381,14 @@ void TRatePanel::setMaterialsAvailable(bool on) {
     PageControlRas->setTabEnabled(static_cast<int>(PriceTab::Material), on);
 }
 
-const RateRow *TRatePanel::currentRate() const {
+std::optional<RateRow> TRatePanel::currentRate() const {
     const QModelIndex current = StringGridRas->currentIndex();
     if (!current.isValid())
-        return nullptr;
+        return std::nullopt;
     const int i = m_base.model().sourceIndex(RateGridModel::toGridRow(current.row()));
-    return i < 0 ? nullptr : &m_base.model().allRows()[static_cast<size_t>(i)];
+    if (i < 0)
+        return std::nullopt;
+    return m_base.model().allRows()[static_cast<size_t>(i)];
 }
 
 void TRatePanel::spdRasBrigClick(bool on) {

@@ -5,6 +5,7 @@
 
 #include <QWidget>
 #include <functional>
+#include <optional>
 
 class RateRow;
 
@@ -81,7 +82,7 @@ public:
     QWidget *materialsPage() const { return m_materialsPage; }
     void setMaterialsAvailable(bool on);
     // The current rate grid row as a rate (null for the empty placeholder row or no row).
-    const RateRow *currentRate() const;
+    std::optional<RateRow> currentRate() const;
 
 signals:
     // StringGridRasDblClickCell: a double-click on grid row r (1 = first data row).

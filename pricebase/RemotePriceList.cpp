@@ -156,7 +156,7 @@ bool RemotePriceList::readList(const QString &likePattern, PriceListData &out, Q
     return true;
 }
 
-bool RemotePriceList::writeList(const std::vector<RateRow> &rows, QString *error) {
+bool RemotePriceList::writeList(const RateTable &rows, QString *error) {
     if (!isConnected())
         return fail(error, QStringLiteral("Нет подключения к серверу."));
     const int columns[] = {PriceCol::Ras, PriceCol::Name, PriceCol::Unit, PriceCol::Price,

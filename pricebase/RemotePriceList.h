@@ -47,7 +47,7 @@ public:
     // Drops, recreates and fills the table from the grid rows (one transaction for the inserts). Rows
     // are checked first: a value longer than the server's column stops the write before anything is
     // dropped.
-    bool writeList(const std::vector<RateRow> &rows, QString *error = nullptr);
+    bool writeList(const RateTable &rows, QString *error = nullptr);
     bool findRateByName(const QString &name, RateRow &out, QString *error = nullptr);
 
     // "CREATE TABLE IF NOT EXISTS" of the remote layout.

@@ -48,8 +48,8 @@ void ResourcesPart::ToolResursClick() {
     PriceCopy::List list;
     if (!currentList(&list))
         return;
-    const RateRow *rate = m_price->ratePanel()->currentRate();
-    const QString refusal = ResourceStore::refusal(true, rate);
+    const std::optional<RateRow> rate = m_price->ratePanel()->currentRate();
+    const QString refusal = ResourceStore::refusal(true, rate ? &*rate : nullptr);
     // A section or subsection title, or no rate at all, has no resources to show.
     const QString rec = refusal.isEmpty() ? (*rate)[PriceCol::Rec] : QString();
     TRatePanel *panel = m_price->ratePanel();
@@ -124,8 +124,9 @@ void ResourcesPart::offerServerFill() {
     if (!base.isRemote() || !m_shell->module())
         return;
     // The list just read holds every rate of the server's table.
-    for (const RateRow &row : base.model().allRows())
-        if (!row.isBlank())
+    const RateTable &rows = base.model().allRows();
+    for (size_t i = 0; i < rows.size(); ++i)
+        if (!rows.isBlank(i))
             return;
     TCreateRasVirn dialog(m_shell->window());
     if (dialog.exec() != QDialog::Accepted)

@@ -1,5 +1,6 @@
 // The crew sheet: the mirror of the estimate, global and per-row coefficients, the rates' crew prices.
 
+#include "estimate/CrewGrid.h"
 #include "estimate/CrewSheet.h"
 #include "test_editor_fixture.h"
 
@@ -100,6 +101,41 @@ TEST_F(CrewTest, CrewPriceBroughtByTheRateWins) {
     type(r, Sum, "3000");
     EXPECT_EQ(crewCell(r, CrewCol::Sum), "1500,00");
     EXPECT_EQ(rub(editor->crew()->crewTotal()), "3500,00");
+}
+
+// A pass over many rows tells the views once, over the rows it changed; a cell changed alone is told
+// alone. Either way the views learn of every change.
+TEST(CrewGridSignals, HeldChangesAreToldOnceOverTheirRows) {
+    CrewGrid grid;
+    grid.setGridRowCount(10);
+    std::vector<std::pair<QModelIndex, QModelIndex>> told;
+    QObject::connect(&grid, &QAbstractItemModel::dataChanged,
+                     [&](const QModelIndex &a, const QModelIndex &b) {
+                         told.push_back({a, b});
+                     });
+    grid.holdSignals();
+    grid.setCell(7, CrewCol::Sum, "10");
+    grid.setCell(3, CrewCol::Price, "5");
+    grid.setCellProblem(5, CrewCol::Koef, "не число");
+    grid.holdSignals(); // nested: told at the outer release
+    grid.setCell(4, CrewCol::Sum, "1");
+    grid.releaseSignals();
+    EXPECT_TRUE(told.empty());
+    grid.releaseSignals();
+    ASSERT_EQ(told.size(), 1u);
+    EXPECT_EQ(told[0].first, grid.index(2, 0));
+    EXPECT_EQ(told[0].second, grid.index(6, CrewCol::Count - 1));
+    EXPECT_EQ(grid.cell(7, CrewCol::Sum), "10");
+    EXPECT_EQ(grid.cellProblem(5, CrewCol::Koef), "не число");
+
+    told.clear();
+    grid.holdSignals();
+    grid.releaseSignals(); // nothing changed: nothing told
+    EXPECT_TRUE(told.empty());
+    grid.setCell(2, CrewCol::Sum, "3");
+    ASSERT_EQ(told.size(), 1u);
+    EXPECT_EQ(told[0].first, grid.index(1, CrewCol::Sum));
+    EXPECT_EQ(told[0].second, grid.index(1, CrewCol::Sum));
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "pricebase/RateGridModel.h"
 
 #include <QMimeData>
+#include <functional>
 #include <gtest/gtest.h>
 
 namespace {
@@ -28,7 +29,7 @@ TEST(PriceRows, KindsFollowNumberAndUnit) {
 
 TEST(PriceRows, RenumberingGivesSectionSubsectionAndRateNumbers) {
     // section, rate, rate, subsection, rate, section, rate; an unnamed row keeps its number.
-    std::vector<RateRow> rows = {
+    RateTable rows = std::vector<RateRow>{
         rate("9", "Отделка", "", ""),          rate("", "Грунтовка", "м2", "50"),
         rate("x", "Шпатлёвка", "м2", "1 200"), rate("", "Потолки", " ПВ ", ""),
         rate("", "Покраска", "м2", "150-200"), rate("7", "Полы", " ", " "),
@@ -212,6 +213,91 @@ TEST(LiveSearch, NamesOfALongListAndReloading) {
     LiveSearchModel model(s);
     EXPECT_EQ(model.search("друг"), 1);
     EXPECT_EQ(model.nameAt(0), QStringLiteral("Другая"));
+}
+
+// The compact table gives back every cell as it was put in, whether the row came from a read (one text)
+// or was added, edited, moved or removed afterwards (the text of edits); live search keeps the names as
+// they were loaded while the grid goes on; the index by record number finds the first row of a number.
+TEST(RateTable, CellsSurviveEditsAndLiveSearchKeepsTheNamesItWasGiven) {
+    const std::vector<RateRow> source = sampleList();
+    RateTable t;
+    for (const RateRow &r : source) {
+        std::array<QByteArrayView, PriceCol::TextCount> cells;
+        for (int c = 0; c < PriceCol::TextCount; ++c)
+            cells[static_cast<size_t>(c)] = r.utf8(c);
+        ASSERT_TRUE(t.append(cells));
+    }
+    ASSERT_EQ(t.size(), source.size());
+    for (size_t i = 0; i < source.size(); ++i)
+        EXPECT_EQ(t[i].cells(), source[i].cells()) << i;
+    const RateTable copied = source; // rows added one by one
+    for (size_t i = 0; i < source.size(); ++i)
+        EXPECT_EQ(copied[i].cells(), source[i].cells()) << i;
+
+    LiveSearch search;
+    search.load(t);
+    const std::vector<int> before = search.find("монтаж");
+    ASSERT_FALSE(before.empty());
+
+    // Each edit is checked against the same change on plain rows.
+    std::vector<RateRow> plain = source;
+    struct Step {
+        const char *what;
+        std::function<void()> onTable, onPlain;
+    };
+    const std::vector<Step> steps = {
+        {"a name typed", [&] { t.set(0, PriceCol::Name, "Разборка"); },
+         [&] { plain[0].set(PriceCol::Name, "Разборка"); }},
+        {"an edited row edited again", [&] { t.set(0, PriceCol::Price, "5"); },
+         [&] { plain[0].set(PriceCol::Price, "5"); }},
+        {"a cell emptied", [&] { t.set(2, PriceCol::Koef, ""); }, [&] { plain[2].set(PriceCol::Koef, ""); }},
+        {"a row inserted", [&] { t.insert(1, rate("1-0", "Вставка", "шт", "7", "99")); },
+         [&] { plain.insert(plain.begin() + 1, rate("1-0", "Вставка", "шт", "7", "99")); }},
+        {"a row moved down", [&] { t.move(0, 3); },
+         [&] {
+             const RateRow r = plain[0];
+             plain.erase(plain.begin());
+             plain.insert(plain.begin() + 3, r);
+         }},
+        {"rows removed",
+         [&] {
+             std::vector<char> drop(t.size(), 0);
+             drop[1] = drop[4] = 1;
+             t.remove(drop);
+         },
+         [&] {
+             plain.erase(plain.begin() + 4);
+             plain.erase(plain.begin() + 1);
+         }},
+        {"a row ticked", [&] { t.setChecked(2, true); }, [&] { plain[2].checked = true; }},
+    };
+    for (const Step &step : steps) {
+        step.onTable();
+        step.onPlain();
+        ASSERT_EQ(t.size(), plain.size()) << step.what;
+        for (size_t i = 0; i < plain.size(); ++i) {
+            EXPECT_EQ(t[i].cells(), plain[i].cells()) << step.what << " row " << i;
+            EXPECT_EQ(t.checked(i), plain[i].checked) << step.what << " row " << i;
+            EXPECT_EQ(t.isBlank(i), plain[i].isBlank()) << step.what << " row " << i;
+        }
+    }
+    // The names live search was given stay as they were read.
+    EXPECT_EQ(search.find("монтаж"), before);
+    EXPECT_TRUE(search.find("разборка").empty());
+    search.load(t);
+    EXPECT_EQ(search.find("разборка").size(), 1u);
+    EXPECT_EQ(search.name(search.find("разборка").front()), QStringLiteral("Разборка"));
+
+    // The first row of a number answers; a number that is not there finds nothing.
+    RateTable withTwins =
+        std::vector<RateRow>{rate("1", "А", "", "", "5"), rate("1-1", "Б", "м2", "1", "7"),
+                             rate("1-2", "В", "м2", "2", "7"), rate("1-3", "Г", "м2", "3", " 7")};
+    const RecIndex index(withTwins);
+    EXPECT_EQ(index.find(withTwins, "7"), 1);
+    EXPECT_EQ(index.find(withTwins, " 7"), 3);
+    EXPECT_EQ(index.find(withTwins, "5"), 0);
+    EXPECT_EQ(index.find(withTwins, "8"), -1);
+    EXPECT_EQ(RecIndex().find(withTwins, "7"), -1);
 }
 
 } // namespace

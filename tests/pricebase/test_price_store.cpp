@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QSqlQuery>
+#include <functional>
 #include <gtest/gtest.h>
 
 namespace {
@@ -210,6 +211,73 @@ TEST(PriceBase, LiveSearchHoldsTheWholeListWhileTheGridIsFiltered) {
     EXPECT_EQ(f.scalar(f.price(), "SELECT group_concat(edras || ':' || nameras, ';') FROM price1"),
               "1:Демонтаж;1-1:Удаление краски;2:Отделка;2-1:Грунтовка");
     EXPECT_EQ(base.liveSearch().size(), 4);
+}
+
+// The crew prices of an estimate's rates come from the rows in memory while they are price list 1 as
+// read: the same answers as the file gives (first row of a number, titles, other lists, blanks, spaces,
+// prices that are no positive number), and none at all once the rows and the file may differ.
+TEST(PriceBase, CrewPricesFromTheRowsAnswerAsTheFileDoes) {
+    PriceFixture f;
+    f.addRates("price1", {{"1", "Демонтаж", "", "", "7"},
+                          {"1-1", "Снятие обоев", "м2", "80", "1"},
+                          {"1-2", "Удаление краски", "м2", "90", "2"},
+                          {"1-3", "Двойник", "м2", "95", "2"},
+                          {"1-4", "Без цены бригады", "м2", "100", "3"},
+                          {"1-5", "Плохая цена", "м2", "100", "4"},
+                          {"1-6", "Имя", "м2", "100", "5"},
+                          {"1-7", "Ноль", "м2", "100", "6"}});
+    for (const char *sql :
+         {"UPDATE price1 SET link='56' WHERE id=2", "UPDATE price1 SET link='63' WHERE id=3",
+          "UPDATE price1 SET link='99' WHERE id=4", "UPDATE price1 SET link='abc' WHERE id=6",
+          "UPDATE price1 SET link='0' WHERE id=8"})
+        ASSERT_TRUE(QSqlQuery(f.price()).exec(sql)) << sql;
+    const QList<CrewSheet::Rate> rates = {{"1", "resurs1"}, {" 2 ", "resurs1"}, {"2", "resurs2"},
+                                          {"3", "resurs1"}, {"4", "resurs1"},   {"6", "resurs1"},
+                                          {"7", "resurs1"}, {"8", "resurs1"},   {"", "resurs1"},
+                                          {"1", ""},        {"5", " resurs1 "}};
+    const std::vector<std::optional<Decimal>> fromFile =
+        CrewSheet::priceListLookup([&f] { return f.price(); })(rates);
+    ASSERT_EQ(fromFile.size(), static_cast<size_t>(rates.size()));
+    ASSERT_TRUE(fromFile[0] && fromFile[1]);
+    EXPECT_EQ(fromFile[1]->text(), QStringLiteral("63")); // the first row of number 2
+
+    PriceBase base(f.module.get());
+    std::vector<std::optional<Decimal>> inMemory;
+    EXPECT_FALSE(base.crewPrices(rates, inMemory)); // nothing read yet
+    base.readInBackground();
+    base.waitForRead();
+    ASSERT_TRUE(base.crewPrices(rates, inMemory));
+    ASSERT_EQ(inMemory.size(), fromFile.size());
+    for (size_t i = 0; i < fromFile.size(); ++i) {
+        EXPECT_EQ(inMemory[i].has_value(), fromFile[i].has_value()) << i;
+        if (inMemory[i] && fromFile[i]) {
+            EXPECT_EQ(inMemory[i]->text(), fromFile[i]->text()) << i;
+        }
+    }
+
+    // Rows that may differ from the file do not answer.
+    struct Case {
+        const char *what;
+        std::function<void()> change;
+    };
+    const std::vector<Case> cases = {
+        {"a cell typed", [&] { base.model().setCell(3, PriceCol::Link, "1"); }},
+        {"a row inserted", [&] { base.model().insertRowAt(2); }},
+        {"rows renumbered", [&] { base.model().renumber(); }},
+        {"crew prices written", [&] { base.updateCrewPrices("0,5"); }},
+        {"price list 2",
+         [&] {
+             base.setTab(PriceTab::Price2);
+             ASSERT_TRUE(base.read());
+         }},
+    };
+    for (const Case &c : cases) {
+        base.setTab(PriceTab::MyPrice);
+        ASSERT_TRUE(base.read());
+        ASSERT_TRUE(base.crewPrices(rates, inMemory)) << c.what;
+        c.change();
+        EXPECT_FALSE(base.crewPrices(rates, inMemory)) << c.what;
+    }
 }
 
 } // namespace
