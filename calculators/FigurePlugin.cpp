@@ -1,8 +1,8 @@
 #include "FigurePlugin.h"
 
 #include "calculators/SquareShapesHash.h"
+#include "storage/Sha256.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QLibrary>
@@ -14,7 +14,7 @@
 namespace {
 
 QByteArray sha256Hex(const QByteArray &bytes) {
-    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex();
+    return Sha256::hash(bytes).toHex();
 }
 
 // Loaded plug-ins by path: never unloaded while the program runs (a QLibrary that goes leaves its
@@ -53,7 +53,7 @@ FigurePlugin::State FigurePlugin::state() const {
         return State::Missing;
     if (file.size() > kMaxBytes || !file.open(QIODevice::ReadOnly))
         return State::Foreign;
-    QCryptographicHash hash(QCryptographicHash::Sha256);
+    Sha256 hash;
     if (!hash.addData(&file))
         return State::Foreign;
     return hash.result().toHex() == builtSha256() ? State::Ours : State::Foreign;

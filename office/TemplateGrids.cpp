@@ -1,6 +1,7 @@
 #include "TemplateGrids.h"
 
-#include <QCryptographicHash>
+#include "storage/Sha256.h"
+
 #include <QFile>
 #include <QMutex>
 #include <QMutexLocker>
@@ -31,7 +32,7 @@ QByteArray contentKey(const QString &path) {
     QFile f(path);
     if (!f.open(QIODevice::ReadOnly))
         return {};
-    QCryptographicHash hash(QCryptographicHash::Sha256);
+    Sha256 hash;
     if (!hash.addData(&f))
         return {};
     return hash.result();

@@ -1,8 +1,8 @@
 #include "ContentChecksum.h"
 
+#include "Sha256.h"
 #include "TextValues.h"
 
-#include <QCryptographicHash>
 #include <QtEndian>
 #include <cstring>
 #include <sqlite3.h>
@@ -16,7 +16,7 @@ namespace {
 // The sum is that of the same bytes given one by one.
 class Feed {
 public:
-    explicit Feed(QCryptographicHash &h) : m_hash(h) {}
+    explicit Feed(Sha256 &h) : m_hash(h) {}
     ~Feed() { flush(); }
     void flush() {
         if (m_used > 0)
@@ -46,7 +46,7 @@ public:
 
 private:
     static constexpr qsizetype kBlock = 64 * 1024;
-    QCryptographicHash &m_hash;
+    Sha256 &m_hash;
     std::vector<char> m_buffer = std::vector<char>(kBlock);
     qsizetype m_used = 0;
 };
@@ -62,7 +62,7 @@ QByteArray ofTable(sqlite3 *db, const QString &schema, const QString &table, QSt
         *error = QString::fromUtf8(sqlite3_errmsg(db));
         return {};
     }
-    QCryptographicHash h(QCryptographicHash::Sha256);
+    Sha256 h;
     Feed feed(h);
     const int columns = sqlite3_column_count(st);
     for (int i = 0; i < columns; ++i) {
