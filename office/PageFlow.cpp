@@ -261,14 +261,15 @@ bool plan(const Plan &p, QVector<int> *breaks, QSet<int> *moved, bool *complete)
     for (int q = 0; q + 1 < p.shownPages; ++q) {
         if (firstOf[q] < 0 || firstOf[q + 1] < 0 || rows.previous(firstOf[q + 1]) != lastOf[q])
             return true;
-        const int row = rows.breakFor(firstOf[q], firstOf[q + 1]);
-        if (row >= 0) {
+        // A break shortens the page it was put on, which may then end with what must not end it.
+        for (int row; (row = rows.breakFor(firstOf[q], start < 0 ? firstOf[q + 1] : start)) >= 0;) {
             if (!put(row))
                 return false;
             page = q + 1;
             start = row;
-            break;
         }
+        if (start >= 0)
+            break;
     }
     if (start < 0)
         start = startOf(page);
@@ -302,12 +303,9 @@ bool plan(const Plan &p, QVector<int> *breaks, QSet<int> *moved, bool *complete)
         }
         if (next < 0)
             break; // the last page
-        const int row = rows.breakFor(start, next);
-        if (row >= 0) {
+        for (int row; (row = rows.breakFor(start, next)) >= 0; next = row)
             if (!put(row))
                 return false;
-            next = row;
-        }
         ++page;
         start = next;
     }

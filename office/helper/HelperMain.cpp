@@ -488,9 +488,9 @@ private:
     // The first pages are exported first: a sheet of fewer pages is then whole, and while its pages
     // break a rule a break goes in and it is exported again. A longer sheet gets its breaks planned
     // from the pages shown (a page the plan cannot decide is exported alone), then it is exported
-    // whole and checked the same way. A sheet that keeps the rules gets no break. Each break goes
-    // below the one before, a row is moved once at most, and exports stop after `exports` of them or
-    // once another whole export would pass kRecheckMs of them: the work ends.
+    // whole and checked the same way. A sheet that keeps the rules gets no break. A row is moved once
+    // at most, and exports stop after `exports` of them or once another whole export would pass
+    // kRecheckMs of them: the work ends.
     bool keepTogether(const QJsonObject &req, QJsonObject *answer, std::string *error) {
         const QString path = req.value(QStringLiteral("path")).toString();
         const int maxExports = qMax(1, req.value(QStringLiteral("exports")).toInt(1));
