@@ -287,8 +287,8 @@ KeptRows keptRows(const Grid &grid, const Layout &layout, const SheetData &data)
     return kept;
 }
 
-// The exports one document may take to keep its pages together: one, and one more for each page
-// break put in, the most of them caught in a long document.
+// The whole exports one document may take while its pages are kept together: the first, and one after
+// each break put in while the pages are checked export by export.
 constexpr int kMaxExports = 6;
 
 int timeBudgetMs(qint64 rows) {
