@@ -7,14 +7,13 @@
 // which the program removes when the helper ends), --memory-mb N (the address space the helper may
 // take: past it the engine's allocations fail and the helper ends, not the machine's memory).
 
+#include "HelperText.h"
 #include "LokSession.h"
-#include "PdfPages.h"
-#include "office/PageFlow.h"
+#include "PageKeeping.h"
 #include "office/SheetText.h"
 
 #include <QByteArray>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -26,7 +25,6 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
-#include <functional>
 #include <iostream>
 #include <map>
 #include <set>
@@ -52,15 +50,6 @@ void writeLine(const QJsonObject &o) {
         p += n;
         left -= n;
     }
-}
-
-std::string toUrl(const QString &path) {
-    return QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()).toString(QUrl::FullyEncoded).toStdString();
-}
-
-QByteArray stringArg(const char *name, const QString &value) {
-    QJsonObject v{{QStringLiteral("type"), QStringLiteral("string")}, {QStringLiteral("value"), value}};
-    return QJsonDocument(QJsonObject{{QLatin1String(name), v}}).toJson(QJsonDocument::Compact);
 }
 
 // Calc reads a typed text the way it reads the keyboard: "1,5", "01.02.2025", "12:30", "15%",
@@ -145,7 +134,7 @@ public:
         } else if (op == QLatin1String("insertImage")) {
             ok = insertImage(req, &error);
         } else if (op == QLatin1String("keepTogether")) {
-            ok = keepTogether(req, &answer, &error);
+            ok = PageKeeping::run(m_s, m_temp, req, &answer, &error);
         } else {
             error = "неизвестная операция: " + op.toStdString();
         }
@@ -481,165 +470,6 @@ private:
                        stringArg("FileName", QString::fromStdString(toUrl(path))).toStdString(), kStep,
                        error);
     }
-
-    // Saves the sheet as PDF at `path` with its pages kept together (PageFlow); the request gives the
-    // text of the sheet as "sheet" read it ("rows"), the rows that must not end a page ("headings",
-    // from 1) and the first row of the closing block ("closing", from 1; 0: none).
-    // The first pages are exported first: a sheet of fewer pages is then whole, and while its pages
-    // break a rule a break goes in and it is exported again. A longer sheet gets its breaks planned
-    // from the pages shown (a page the plan cannot decide is exported alone), then it is exported
-    // whole and checked the same way. A sheet that keeps the rules gets no break. A row is moved once
-    // at most, and exports stop after `exports` of them or once another whole export would pass
-    // kRecheckMs of them: the work ends.
-    bool keepTogether(const QJsonObject &req, QJsonObject *answer, std::string *error) {
-        const QString path = req.value(QStringLiteral("path")).toString();
-        const int maxExports = qMax(1, req.value(QStringLiteral("exports")).toInt(1));
-        PageFlow::Rules rules;
-        for (const QJsonValue &v : req.value(QStringLiteral("headings")).toArray())
-            rules.headings.insert(v.toInt() - 1);
-        rules.closingFirst = req.value(QStringLiteral("closing")).toInt() - 1;
-        SheetText::Grid grid;
-        for (const QJsonValue &row : req.value(QStringLiteral("rows")).toArray()) {
-            QStringList cells;
-            for (const QJsonValue &c : row.toArray())
-                cells << c.toString();
-            grid.append(cells);
-        }
-        QSet<int> moved;
-        QVector<int> breaks;
-        PageFlow::Pages pages;
-        int exports = 0, partial = 0;
-        qint64 wholeMs = 0, lastMs = 0; // the whole exports, the last of them
-        QElapsedTimer clock;
-        qint64 readMs = 0;
-        auto exportPdf = [&](const QString &to, const QString &range) {
-            QFile::remove(to);
-            const std::string options =
-                range.isEmpty() ? std::string()
-                                : stringArg("PageRange", range).toStdString(); // {"PageRange":{…}}
-            if (!m_s.saveAs(toUrl(to), "pdf", options, error))
-                return false;
-            QElapsedTimer read;
-            read.start();
-            const bool ok = PdfPages::read(to, &pages, error);
-            readMs += read.elapsed();
-            return ok;
-        };
-        auto insertBreak = [&](int row) {
-            return goTo(SheetText::cellName(row, 0), error) &&
-                   m_s.uno(".uno:InsertRowBreak", "", kStep, error);
-        };
-        clock.start();
-        if (!exportPdf(path, QStringLiteral("1-%1").arg(kFirstPages)))
-            return false;
-        ++exports;
-        if (pages.size() < kFirstPages) {
-            lastMs = wholeMs = clock.elapsed();
-        } else {
-            const QString one = QDir(m_temp).filePath(QStringLiteral("page-%1.pdf").arg(::getpid()));
-            PageFlow::Plan plan{grid,
-                                rules,
-                                rowHeights(static_cast<int>(grid.size())),
-                                PageFlow::rowPages(grid, pages),
-                                static_cast<int>(pages.size()),
-                                insertBreak,
-                                [&](int page, int from) {
-                                    if (!exportPdf(one, QString::number(page + 1)))
-                                        return -2;
-                                    ++partial;
-                                    const SheetText::Grid rest = grid.mid(from, kPageRowsAtMost);
-                                    const QVector<int> found = PageFlow::rowPages(rest, pages);
-                                    for (int i = 0; i < found.size(); ++i)
-                                        if (found.at(i) == 0)
-                                            return from + i;
-                                    return -1;
-                                }};
-            bool complete = false;
-            QElapsedTimer planClock;
-            planClock.start();
-            const bool planned = PageFlow::plan(plan, &breaks, &moved, &complete);
-            (*answer)[QStringLiteral("planMs")] = planClock.elapsed();
-            (*answer)[QStringLiteral("planned")] = complete;
-            QFile::remove(one);
-            if (!planned)
-                return false;
-            clock.restart();
-            if (!exportPdf(path, QString()))
-                return false;
-            lastMs = clock.elapsed();
-            wholeMs += lastMs;
-            ++exports;
-        }
-        // Every whole export is checked against the rules.
-        for (;;) {
-            const int row = PageFlow::nextBreak(grid, PageFlow::rowPages(grid, pages), rules, moved);
-            if (row < 0 || exports >= maxExports || wholeMs + lastMs > kRecheckMs)
-                break;
-            if (!insertBreak(row))
-                return false;
-            moved.insert(row);
-            breaks << row;
-            clock.restart();
-            if (!exportPdf(path, QString()))
-                return false;
-            lastMs = clock.elapsed();
-            wholeMs += lastMs;
-            ++exports;
-        }
-        QJsonArray added;
-        for (int r : breaks)
-            added.append(r + 1);
-        (*answer)[QStringLiteral("pages")] = static_cast<int>(pages.size());
-        (*answer)[QStringLiteral("breaks")] = added;
-        (*answer)[QStringLiteral("exports")] = exports;
-        (*answer)[QStringLiteral("pageExports")] = partial;
-        (*answer)[QStringLiteral("wholeMs")] = wholeMs;
-        (*answer)[QStringLiteral("readMs")] = readMs;
-        return true;
-    }
-
-    // The height of each row of the sheet in twips, as the engine keeps it; a hidden row counts 0.
-    // The engine gives them as runs: "256:4 293:6" is 256 for rows 0..4, 293 for rows 5..6.
-    QVector<int> rowHeights(int count) {
-        QVector<int> heights;
-        const QJsonObject rows =
-            QJsonDocument::fromJson(
-                QByteArray::fromStdString(m_s.commandValues(
-                    ".uno:SheetGeometryData?columns=false&rows=true&sizes=true&hidden=true")))
-                .object()
-                .value(QStringLiteral("rows"))
-                .toObject();
-        auto runs = [&rows, count](const char *name,
-                                   const std::function<void(int value, int from, int to)> &each) {
-            int from = 0;
-            for (const QString &run :
-                 rows.value(QLatin1String(name)).toString().split(u' ', Qt::SkipEmptyParts)) {
-                const int colon = run.indexOf(u':');
-                const int value = run.left(colon).toInt();
-                const int to = qMin(run.mid(colon + 1).toInt(), count - 1);
-                each(value, from, to);
-                from = to + 1;
-                if (from >= count)
-                    break;
-            }
-        };
-        runs("sizes", [&heights](int value, int from, int to) {
-            if (to >= heights.size())
-                heights.resize(to + 1);
-            for (int r = from; r <= to; ++r)
-                heights[r] = value;
-        });
-        runs("hidden", [&heights](int value, int from, int to) {
-            for (int r = from; r <= to && r < heights.size(); ++r)
-                if (value)
-                    heights[r] = 0;
-        });
-        return heights;
-    }
-
-    static constexpr int kFirstPages = 12;      // the pages exported first
-    static constexpr int kPageRowsAtMost = 400; // rows looked for on one page exported alone
-    static constexpr qint64 kRecheckMs = 4000;  // whole exports after which a sheet is left as it is
 
     LokSession &m_s;
     QString m_temp;
