@@ -80,7 +80,7 @@ public:
     // Saves the sheet as PDF at path with its pages kept together (PageFlow). grid: the sheet's text as
     // sheet() gives it; rows from 1 that must not end a page; the first row of the closing block (0:
     // none); at most maxExports exports. *breaks (when given) receives the rows a page break was put
-    // above.
+    // above. With VIRN_PAGES_TRACE set, what it took (exports, breaks, times) goes to standard error.
     bool keepTogether(const QString &path, const SheetText::Grid &grid, const QVector<int> &headings,
                       int closingRow, int maxExports, QVector<int> *breaks = nullptr);
 
