@@ -208,7 +208,7 @@ int nextBreak(const SheetText::Grid &grid, const QVector<int> &rowPages, const R
     return -1;
 }
 
-bool plan(const Plan &p, QVector<int> *breaks, QSet<int> *moved, bool *complete) {
+bool plan(const Plan &p, QVector<int> *breaks, QSet<int> *moved, bool *complete, QVector<int> *firsts) {
     *complete = false;
     const Rows rows(p.grid, p.rules, *moved);
     auto height = [&](int r) -> qint64 { return r < p.heights.size() ? p.heights.at(r) : 0; };
@@ -275,8 +275,15 @@ bool plan(const Plan &p, QVector<int> *breaks, QSet<int> *moved, bool *complete)
         start = startOf(page);
     if (start < 0)
         return true;
+    QVector<int> planned = firstOf.mid(0, page); // the first printed row of each page
+    auto firstPrinted = [&rows](int from) {
+        while (from <= rows.last() && !rows.printed(from))
+            ++from;
+        return from;
+    };
     // The pages after, from the heights of their rows.
     while (start <= rows.last()) {
+        planned << firstPrinted(start);
         qint64 used = height(start);
         int next = -1;
         for (int r = start + 1; r <= rows.last() && next < 0; ++r) {
@@ -310,6 +317,8 @@ bool plan(const Plan &p, QVector<int> *breaks, QSet<int> *moved, bool *complete)
         start = next;
     }
     *complete = true;
+    if (firsts)
+        *firsts = planned;
     return true;
 }
 

@@ -65,9 +65,10 @@ struct Plan {
     std::function<int(int page, int from)> firstRowOf;
 };
 
-// The breaks put in (rows from 0, top to bottom), each also given to addBreak at once. *complete is
-// false when a page could not be decided and the rest of the sheet was left unplanned. False only when
-// the engine failed.
-bool plan(const Plan &p, QVector<int> *breaks, QSet<int> *moved, bool *complete);
+// The breaks put in (rows from 0), each also given to addBreak at once. *complete is false when a page
+// could not be decided and the rest of the sheet was left unplanned; when it is true, *firsts (when
+// given) holds the first printed row of every page as planned. False only when the engine failed.
+bool plan(const Plan &p, QVector<int> *breaks, QSet<int> *moved, bool *complete,
+          QVector<int> *firsts = nullptr);
 
 } // namespace PageFlow

@@ -10,7 +10,7 @@
 
 namespace PdfPages {
 
-bool read(const QString &path, PageFlow::Pages *pages, std::string *error) {
+bool read(const QString &path, PageFlow::Pages *pages, std::string *error, const QSet<int> *only) {
     pages->clear();
     std::unique_ptr<poppler::document> doc(
         poppler::document::load_from_file(QFile::encodeName(path).toStdString()));
@@ -19,6 +19,10 @@ bool read(const QString &path, PageFlow::Pages *pages, std::string *error) {
         return false;
     }
     for (int i = 0; i < doc->pages(); ++i) {
+        if (only && !only->contains(i)) {
+            pages->append(QString());
+            continue;
+        }
         std::unique_ptr<poppler::page> page(doc->create_page(i));
         if (!page) {
             *error = "страница PDF не читается";

@@ -4,10 +4,13 @@
 
 #include "office/PageFlow.h"
 
+#include <QSet>
+
 #include <string>
 
 namespace PdfPages {
 
-bool read(const QString &path, PageFlow::Pages *pages, std::string *error);
+// Every page, or only the pages listed in `only` (from 0; the others are left empty).
+bool read(const QString &path, PageFlow::Pages *pages, std::string *error, const QSet<int> *only = nullptr);
 
 } // namespace PdfPages
