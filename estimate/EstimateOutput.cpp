@@ -71,6 +71,7 @@ SheetRow namedRow(const QString &kind, const QString &name, const SheetValue &su
 SheetList estimateRows(const EstimatePrint &p, bool runningNumbers) {
     SheetList list;
     list.kinds = {rowWork, rowSection, rowSubsection, rowSectionTotal, rowSubsectionTotal};
+    list.headingKinds = {rowSection, rowSubsection}; // a section's title never ends a printed page
     list.fallback = {{rowSubsection, rowSection},
                      {rowSubsectionTotal, rowSectionTotal},
                      {rowSection, rowWork},
@@ -245,6 +246,9 @@ SheetData sheetData(const EstimatePrint &p, const Sheet &sheet, const ViewTitles
         d.lists << estimateRows(p, sheet.form == Form::Ks2);
         d.lists << closingLines(p, sheet.form);
     }
+    // The grand totals, the amount in words and the signatures print on one page.
+    d.keepTogether = true;
+    d.closingList = 1;
     return d;
 }
 

@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 #include <QLockFile>
 #include <QProcess>
+#include <cstdio>
 
 #include <cerrno>
 #include <csignal>
@@ -299,6 +300,35 @@ bool OfficeEngine::saveAs(const QString &path, const QString &format) {
                     {QStringLiteral("path"), QFileInfo(path).absoluteFilePath()},
                     {QStringLiteral("format"), format}},
                    kSaveLimitMs);
+}
+
+bool OfficeEngine::keepTogether(const QString &path, const SheetText::Grid &grid,
+                                const QVector<int> &headings, int closingRow, int maxExports,
+                                QVector<int> *breaks) {
+    QJsonArray rows;
+    for (int r : headings)
+        rows.append(r);
+    QJsonArray text;
+    for (const QStringList &cells : grid)
+        text.append(QJsonArray::fromStringList(cells));
+    QJsonObject answer;
+    if (!request({{QStringLiteral("op"), QStringLiteral("keepTogether")},
+                  {QStringLiteral("path"), QFileInfo(path).absoluteFilePath()},
+                  {QStringLiteral("rows"), text},
+                  {QStringLiteral("headings"), rows},
+                  {QStringLiteral("closing"), closingRow},
+                  {QStringLiteral("exports"), maxExports}},
+                 kSaveLimitMs * qMax(1, maxExports), &answer))
+        return false;
+    if (qEnvironmentVariableIsSet("VIRN_PAGES_TRACE"))
+        fprintf(stderr, "keepTogether: %s\n",
+                QJsonDocument(answer).toJson(QJsonDocument::Compact).constData());
+    if (breaks) {
+        breaks->clear();
+        for (const QJsonValue &v : answer.value(QStringLiteral("breaks")).toArray())
+            breaks->append(v.toInt());
+    }
+    return true;
 }
 
 bool OfficeEngine::bodyHtml(QString *html) {

@@ -78,6 +78,13 @@ public:
     // A picture file (PNG, …) with its top left corner at the cell ("B5"), in the size its file gives.
     bool insertImage(const QString &cell, const QString &path);
 
+    // Saves the sheet as PDF at path with its pages kept together (PageFlow). grid: the sheet's text as
+    // sheet() gives it; rows from 1 that must not end a page; the first row of the closing block (0:
+    // none); at most maxExports exports. *breaks (when given) receives the rows a page break was put
+    // above. With VIRN_PAGES_TRACE set, what it took (exports, breaks, times) goes to standard error.
+    bool keepTogether(const QString &path, const SheetText::Grid &grid, const QVector<int> &headings,
+                      int closingRow, int maxExports, QVector<int> *breaks = nullptr);
+
     struct Input {
         enum class Type { Text, Number, Formula };
         QString cell; // "B5"

@@ -4,7 +4,9 @@
 #include "office/TemplateGrids.h"
 
 #include <QDir>
+#include <QFile>
 #include <QMap>
+#include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QSet>
@@ -112,18 +114,21 @@ bool cellInput(const QString &cell, const QString &text, const SheetData &data,
     return true;
 }
 
+// How far a template row moved once the blocks above it were filled (rows gained or lost).
+int shiftAbove(const Layout &layout, const SheetData &data, int row) {
+    int shift = 0;
+    for (const Block &b : layout.blocks)
+        if (b.lastRow < row)
+            shift += data.lists.at(b.list).rows.size() - (b.lastRow - b.firstRow + 1);
+    return shift;
+}
+
 // The rows that received values get the height their contents need (the heights stored in a template
 // fit its placeholders). Named rows and blocks are given as in the template; their rows moved by the
 // rows each block above them gained or lost.
 bool fitFilledRows(OfficeEngine &engine, const Layout &layout, const SheetData &data,
                    const QVector<int> &namedRows) {
-    auto shiftAbove = [&](int row) {
-        int shift = 0;
-        for (const Block &b : layout.blocks)
-            if (b.lastRow < row)
-                shift += data.lists.at(b.list).rows.size() - (b.lastRow - b.firstRow + 1);
-        return shift;
-    };
+    auto shiftAbove = [&](int row) { return SheetTemplate::shiftAbove(layout, data, row); };
     QVector<int> rows;
     for (int r : namedRows)
         rows << r + shiftAbove(r);
@@ -256,6 +261,37 @@ QStringList unfilled(const Grid &filled, const SheetData &data, const QSet<QStri
     }
     return left;
 }
+
+KeptRows keptRows(const Grid &grid, const Layout &layout, const SheetData &data) {
+    KeptRows kept;
+    if (layout.blocks.isEmpty())
+        return kept;
+    const int top = layout.blocks.first().firstRow;
+    for (int r = top - 1; r >= 0 && r >= top - 3; --r) {
+        const QStringList &cells = grid.value(r);
+        const bool empty =
+            std::all_of(cells.cbegin(), cells.cend(), [](const QString &c) { return c.trimmed().isEmpty(); });
+        const bool fields = std::any_of(cells.cbegin(), cells.cend(),
+                                        [](const QString &c) { return !placeholders(c).isEmpty(); });
+        if (empty || fields)
+            break;
+        kept.headings.prepend(r);
+    }
+    for (const Block &b : layout.blocks) {
+        const SheetList &list = data.lists.at(b.list);
+        const int first = b.firstRow + shiftAbove(layout, data, b.firstRow);
+        for (int i = 0; i < list.rows.size(); ++i)
+            if (list.headingKinds.contains(list.rows.at(i).kind))
+                kept.headings << first + i;
+        if (b.list == data.closingList && kept.closingFirst < 0)
+            kept.closingFirst = first;
+    }
+    return kept;
+}
+
+// The whole exports one document may take while its pages are kept together: the first, and one after
+// each break put in while the pages are checked export by export.
+constexpr int kMaxExports = 6;
 
 int timeBudgetMs(qint64 rows) {
     constexpr int kBaseMs = 120000;
@@ -416,7 +452,30 @@ bool fill(OfficeEngine &engine, const QString &templatePath, const SheetData &da
     if (!engine.sheet(&filled))
         return engineFailed();
     const QStringList left = unfilled(filled, data, written);
-    if (!TemplateFile::finish(engine, templatePath, left, outputs, error))
+    // The PDF is made once here, its pages kept together, and every PDF output is a copy of it.
+    QString pdf;
+    auto dropPdf = qScopeGuard([&pdf] {
+        if (!pdf.isEmpty())
+            QFile::remove(pdf);
+    });
+    const bool printed = std::any_of(outputs.cbegin(), outputs.cend(), [](const TemplateFile::Output &o) {
+        return (o.format.isEmpty() ? TemplateFile::formatFor(o.path) : o.format) == QLatin1String("pdf");
+    });
+    if (data.keepTogether && printed && left.isEmpty()) {
+        const KeptRows kept = keptRows(grid, layout, data);
+        QVector<int> headings; // rows from 1
+        for (int r : kept.headings)
+            headings << r + 1;
+        pdf =
+            QDir(engine.engineTempDir())
+                .filePath(QStringLiteral("pages-%1.pdf").arg(QRandomGenerator::global()->generate(), 0, 16));
+        if (!engine.keepTogether(pdf, filled, headings, kept.closingFirst + 1, kMaxExports)) {
+            *error = QStringLiteral("Не удалось разложить документ по страницам: %1").arg(engine.error());
+            engine.close();
+            return false;
+        }
+    }
+    if (!TemplateFile::finish(engine, templatePath, left, outputs, error, pdf))
         return false;
     report(100);
     return true;

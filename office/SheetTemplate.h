@@ -47,6 +47,7 @@ struct SheetRow {
 struct SheetList {
     QStringList kinds;                // the kinds this list's template rows may have
     QHash<QString, QString> fallback; // kind -> kind used when the template has no row of it
+    QStringList headingKinds;         // kinds of rows that title the rows under them (a section)
     QVector<SheetRow> rows;
 };
 
@@ -60,6 +61,11 @@ struct SheetData {
     // with its top left corner there, in the size its file gives; with an empty file name the cell is
     // only emptied (a picture left out). A template without the cell gets no picture.
     QHash<QString, QString> images;
+    // A PDF among the outputs is laid out by the engine with what belongs together kept on a page:
+    // no page ends with the table's head or a row of a heading kind, and the closing block (from the
+    // first row of the list `closingList` down to the last row) is not split (PageFlow).
+    bool keepTogether = false;
+    int closingList = -1;
 };
 
 namespace SheetTemplate {
@@ -92,6 +98,15 @@ Layout analyse(const SheetText::Grid &grid, const SheetData &data);
 // value, not a field of the template, whatever it looks like ("ООО [заказчик]"): `written` gives those
 // texts (only the ones with a bracket matter).
 QStringList unfilled(const SheetText::Grid &filled, const SheetData &data, const QSet<QString> &written = {});
+
+// Rows (from 0) of the filled sheet that must not end a printed page, and the first row of the closing
+// block (-1: none): the table's head (the rows right above the first block, up to the empty row over
+// them, three at most), the rows of heading kinds, the first row of data.closingList.
+struct KeptRows {
+    QVector<int> headings;
+    int closingFirst = -1;
+};
+KeptRows keptRows(const SheetText::Grid &grid, const Layout &layout, const SheetData &data);
 
 using Progress = std::function<void(int percent)>;
 

@@ -74,7 +74,7 @@ QString formatFor(const QString &path) {
     return known.contains(ext) ? ext : QString();
 }
 
-bool save(OfficeEngine &engine, const QVector<Output> &outputs, QString *error) {
+bool save(OfficeEngine &engine, const QVector<Output> &outputs, QString *error, const QString &madePdf) {
     for (const Output &out : outputs) {
         const QString format = out.format.isEmpty() ? formatFor(out.path) : out.format;
         const QString shown = QDir::toNativeSeparators(out.path);
@@ -93,7 +93,14 @@ bool save(OfficeEngine &engine, const QVector<Output> &outputs, QString *error) 
                                               .arg(target.completeBaseName())
                                               .arg(QRandomGenerator::global()->generate(), 0, 16)
                                               .arg(target.suffix()));
-        if (!engine.saveAs(temp, format)) {
+        if (format == QLatin1String("pdf") && !madePdf.isEmpty()) {
+            if (!QFile::copy(madePdf, temp)) {
+                QFile::remove(temp);
+                *error =
+                    QStringLiteral("Не удалось сохранить %1: нет места или нет прав на папку.").arg(shown);
+                return false;
+            }
+        } else if (!engine.saveAs(temp, format)) {
             QFile::remove(temp);
             *error = QStringLiteral("Не удалось сохранить %1.\n%2").arg(shown, engine.error());
             return false;
@@ -138,14 +145,14 @@ bool open(OfficeEngine &engine, const QString &path, const QString &type, QStrin
 }
 
 bool finish(OfficeEngine &engine, const QString &templatePath, const QStringList &left,
-            const QVector<Output> &outputs, QString *error) {
+            const QVector<Output> &outputs, QString *error, const QString &madePdf) {
     bool ok = true;
     if (!left.isEmpty()) {
         *error = QStringLiteral("После заполнения шаблона %1 в нём остались незаполненные поля: %2")
                      .arg(QDir::toNativeSeparators(templatePath), left.join(QStringLiteral(", ")));
         ok = false;
     } else {
-        ok = save(engine, outputs, error);
+        ok = save(engine, outputs, error, madePdf);
     }
     engine.close();
     return ok;

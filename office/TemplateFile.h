@@ -36,12 +36,13 @@ struct Output {
 };
 
 // Saves the document open in the engine into every output. False with a Russian message on the first
-// failure (outputs written before it stay).
-bool save(OfficeEngine &engine, const QVector<Output> &outputs, QString *error);
+// failure (outputs written before it stay). madePdf: a PDF the engine already made of the document as
+// it is; the PDF outputs are copies of it.
+bool save(OfficeEngine &engine, const QVector<Output> &outputs, QString *error, const QString &madePdf = {});
 
 // Ends a filling: refuses when placeholders with data are still `left`, else saves every output.
 // The engine's document is closed either way. False with a Russian message naming the template.
 bool finish(OfficeEngine &engine, const QString &templatePath, const QStringList &left,
-            const QVector<Output> &outputs, QString *error);
+            const QVector<Output> &outputs, QString *error, const QString &madePdf = {});
 
 } // namespace TemplateFile

@@ -9,7 +9,9 @@
 // With VIRN_OFFICE_TRACE=FILE in its environment the helper appends a line per request to FILE: its
 // process id, the operation, the time it took and the processor time the engine spent on it (ms).
 
+#include "HelperText.h"
 #include "LokSession.h"
+#include "PageKeeping.h"
 #include "office/EngineProfile.h"
 #include "office/SheetText.h"
 
@@ -53,15 +55,6 @@ void writeLine(const QJsonObject &o) {
         p += n;
         left -= n;
     }
-}
-
-std::string toUrl(const QString &path) {
-    return QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()).toString(QUrl::FullyEncoded).toStdString();
-}
-
-QByteArray stringArg(const char *name, const QString &value) {
-    QJsonObject v{{QStringLiteral("type"), QStringLiteral("string")}, {QStringLiteral("value"), value}};
-    return QJsonDocument(QJsonObject{{QLatin1String(name), v}}).toJson(QJsonDocument::Compact);
 }
 
 // Calc reads a typed text the way it reads the keyboard: "1,5", "01.02.2025", "12:30", "15%",
@@ -145,6 +138,8 @@ public:
             ok = enterCells(req.value(QStringLiteral("cells")).toArray(), &error);
         } else if (op == QLatin1String("insertImage")) {
             ok = insertImage(req, &error);
+        } else if (op == QLatin1String("keepTogether")) {
+            ok = PageKeeping::run(m_s, m_temp, req, &answer, &error);
         } else {
             error = "неизвестная операция: " + op.toStdString();
         }

@@ -180,6 +180,15 @@ bool LokSession::saveAs(const std::string &url, const std::string &format, const
     return true;
 }
 
+std::string LokSession::commandValues(const std::string &command) {
+    if (!m_doc)
+        return {};
+    char *values = m_doc->getCommandValues(command.c_str());
+    std::string text = values ? values : "";
+    std::free(values);
+    return text;
+}
+
 std::string LokSession::cellAddress() {
     std::lock_guard<std::mutex> lock(m_mutex);
     return m_cellAddress;

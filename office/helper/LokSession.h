@@ -42,6 +42,9 @@ public:
     bool saveAs(const std::string &url, const std::string &format, const std::string &filterOptions,
                 std::string *error);
 
+    // The engine's answer to a query such as ".uno:SheetGeometryData?…" (JSON); empty when it has none.
+    std::string commandValues(const std::string &command);
+
     // The address Calc last reported for the cell cursor ("B5" or "A3:C7").
     std::string cellAddress();
 

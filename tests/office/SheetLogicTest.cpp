@@ -119,6 +119,47 @@ TEST(SheetTemplate, AnalyseFindsBlocksAndNamedItems) {
     EXPECT_EQ(layout.width, 3);
 }
 
+TEST(SheetTemplate, RowsKeptTogetherOnPrintedPages) {
+    // The list: a work, a section's title, two works; three closing lines.
+    SheetData data = estimateLikeData();
+    data.lists[0].headingKinds = {QStringLiteral("раздел")};
+    for (const char *kind : {"строки", "раздел", "строки", "строки"})
+        data.lists[0].rows << SheetRow{QString::fromUtf8(kind), {}};
+    data.lists[1].rows = {SheetRow{QStringLiteral("итоги"), {}}, SheetRow{QStringLiteral("итоги"), {}},
+                          SheetRow{QStringLiteral("итоги"), {}}};
+    data.closingList = 1;
+    struct Case {
+        const char *name;
+        SheetText::Grid grid;
+        QVector<int> headings;
+        int closingFirst;
+    };
+    const QStringList work{"[строки.№]", "[строки.наименование]", "[строки.сумма]"};
+    const QStringList total{"", "[итоги.наименование]", "[итоги.сумма]"};
+    const Case cases[] = {
+        {"a head of one row under an empty row",
+         {{"[заголовок]", "", ""}, {}, {"№", "Наименование", "Сумма"}, work, total, {"Подпись", "", ""}},
+         {2, 4},
+         7},
+        {"a head of three rows at most, a title row above it",
+         {{"СМЕТА", "", ""},
+          {"№", "Наименование", "Стоимость"},
+          {"", "", "всего"},
+          {"1", "2", "3"},
+          work,
+          total},
+         {1, 2, 3, 5},
+         8},
+        {"a row with a field is no head", {{"Объект: [объект]", "", ""}, work, total}, {2}, 5},
+    };
+    for (const Case &c : cases) {
+        const SheetTemplate::KeptRows kept =
+            SheetTemplate::keptRows(c.grid, SheetTemplate::analyse(c.grid, data), data);
+        EXPECT_EQ(kept.headings, c.headings) << c.name;
+        EXPECT_EQ(kept.closingFirst, c.closingFirst) << c.name;
+    }
+}
+
 TEST(SheetTemplate, UnfilledCountsOnlyPlaceholdersWithDataAndRowPlaceholders) {
     const SheetText::Grid filled{
         {"[заголовок]", "", "[номер]"},
