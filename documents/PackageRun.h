@@ -2,8 +2,8 @@
 // The package being made: its documents begun in their order, each prepared and registered on this
 // (the document's) thread and written on an office engine's thread, so that the window stays
 // responsive and the engines stay warm for the whole package. The documents are independent files, so
-// two are written at once when the office service has two lanes; an act waits for the package's
-// contract (it names the contract), and an act by volumes for every document before it (it reads the
+// as many are written at once as the office service has lanes; the acts name the package's contract
+// as the package gives it, and an act by volumes waits for every document before it (it reads the
 // acts kept before it). One document that fails does not stop the others; a cancel takes effect
 // between documents: those begun are finished, the others skipped.
 

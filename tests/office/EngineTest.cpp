@@ -7,6 +7,7 @@
 
 #include "office/InWord.h"
 #include "office/OfficeEngine.h"
+#include "office/OfficeService.h"
 #include "office/OfficeTemplates.h"
 #include "office/SheetTemplate.h"
 #include "office/TemplateFile.h"
@@ -17,6 +18,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QFuture>
 #include <QThread>
 #include <gtest/gtest.h>
 
@@ -565,6 +567,42 @@ TEST_F(Engine, ATemplateThatDoesNotLoadInItsTimeIsNamedAndTheHelperReplaced) {
         << error.toStdString();
     EXPECT_NE(engine().processId(), pid);
     engine().close();
+}
+
+} // namespace
+
+namespace {
+
+// The engines of a package's spare lanes are stopped once they have rested, so their memory is not held
+// for the program's life, and started again by their next job; the first lane's engine stays warm.
+TEST(OfficeServiceLanes, ASpareLaneRestsAndTheFirstStaysWarm) {
+    ensureApplication();
+    TestFolder folder;
+    OfficeService service(folder.path());
+    service.setSpareRestMs(300);
+    ASSERT_GE(service.lanes(), 2) << "a package makes at least two documents at once";
+    auto startsOn = [&service](int lane) {
+        auto starts = std::make_shared<int>(-1);
+        QFuture<OfficeService::Result> done = service.run(
+            [starts](OfficeEngine &e, QString *error, const std::function<void(int)> &) {
+                if (!e.start()) {
+                    *error = e.error();
+                    return false;
+                }
+                *starts = e.starts();
+                return true;
+            },
+            lane);
+        done.waitForFinished();
+        EXPECT_TRUE(done.result().ok) << done.result().error.toStdString();
+        return *starts;
+    };
+    EXPECT_EQ(startsOn(0), 1);
+    EXPECT_EQ(startsOn(1), 1);
+    EXPECT_EQ(startsOn(1), 1) << "a job within the rest finds the engine warm";
+    QThread::msleep(1500);
+    EXPECT_EQ(startsOn(0), 1) << "the first lane never rests";
+    EXPECT_EQ(startsOn(1), 2) << "the spare lane's engine was stopped after its rest";
 }
 
 } // namespace
