@@ -247,7 +247,7 @@ void BM_Open_Estimate5000(benchmark::State &state) {
 BENCHMARK(BM_Open_Estimate5000)
     ->Arg(BenchData::kListRows)
     ->Arg(250)
-    ->Iterations(5)
+    ->Iterations(20)
     ->Unit(benchmark::kMillisecond);
 
 // ----- a quantity edit
