@@ -18,6 +18,10 @@ namespace {
 
 constexpr int kStartLimitMs = 90000; // a fresh profile takes a few seconds; slow disks more
 constexpr int kDefaultLimitMs = 30000;
+// The longest reply the helper may send: a sheet of 100,000 rows or a contract with its pictures is a
+// few tens of MB; a longer line means a document the program cannot hold, and reading on would take
+// the machine's memory.
+constexpr qsizetype kMaxReplyBytes = 256 * 1024 * 1024;
 constexpr int kSaveLimitMs = 120000;
 // A start and a load take about 0.5 GB of address space; a document of 100 000 rows about 1.5 GB.
 constexpr int kDefaultMemoryMb = 3072;
@@ -211,12 +215,20 @@ bool OfficeEngine::readLine(int timeoutMs, QByteArray *line) {
         timeoutMs = qMin(timeoutMs, m_limitMs);
     QElapsedTimer clock;
     clock.start();
+    qsizetype searched = 0; // the end of a line is looked for in what came since, not the whole reply again
     for (;;) {
-        const qsizetype eol = m_buffer.indexOf('\n');
+        const qsizetype eol = m_buffer.indexOf('\n', searched);
         if (eol >= 0) {
             *line = m_buffer.left(eol);
             m_buffer.remove(0, eol + 1);
             return true;
+        }
+        searched = m_buffer.size();
+        if (m_buffer.size() > kMaxReplyBytes) {
+            kill();
+            return fail(QStringLiteral("Ответ офисного модуля длиннее %1 МБ: документ слишком велик, работа "
+                                       "остановлена.")
+                            .arg(kMaxReplyBytes / (1024 * 1024)));
         }
         const qint64 left = timeoutMs - clock.elapsed();
         if (m_proc->state() != QProcess::Running && m_proc->bytesAvailable() == 0) {

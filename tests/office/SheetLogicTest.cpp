@@ -253,3 +253,53 @@ TEST(OfficeEngine, TidiesScratchFoldersOfProgramsThatEnded) {
 }
 
 } // namespace
+
+namespace {
+
+// A helper whose reply never ends (a document far too large, or a helper gone wrong) is stopped once the
+// reply passes the limit, with a Russian reason, instead of taking the machine's memory until the time
+// limit; a long reply within the limit is read whole.
+TEST(OfficeEngine, AReplyPastTheLimitStopsTheHelper) {
+    struct Case {
+        const char *what;
+        const char *reply; // shell command printing the reply to the first request
+        bool ok;
+    };
+    const Case cases[] = {
+        {"a long reply within the limit",
+         R"(printf '{"id":1,"ok":true,"html":"'; head -c 30000000 /dev/zero | tr '\0' x; printf '"}\n')", true},
+        {"a reply that never ends", "head -c 400000000 /dev/zero | tr '\\0' x", false},
+    };
+    for (const Case &c : cases) {
+        TestFolder folder;
+        const QString install = folder.file(QStringLiteral("lo"));
+        ASSERT_TRUE(QDir().mkpath(install));
+        QFile lib(install + QStringLiteral("/libsofficeapp.so"));
+        ASSERT_TRUE(lib.open(QIODevice::WriteOnly));
+        lib.close();
+        const QString helper = folder.file(QStringLiteral("helper.sh"));
+        QFile script(helper);
+        ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+        script.write(QByteArray("#!/bin/sh\nprintf '{\"event\":\"ready\"}\\n'\nread request\n") + c.reply +
+                     "\nsleep 60\n");
+        script.close();
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        qputenv("VIRN_LIBREOFFICE_DIR", install.toUtf8());
+        qputenv("VIRN_OFFICE_HELPER", helper.toUtf8());
+        {
+            OfficeEngine engine(folder.path());
+            QString html;
+            EXPECT_EQ(engine.bodyHtml(&html), c.ok) << c.what << ": " << engine.error().toStdString();
+            if (c.ok) {
+                EXPECT_EQ(html.size(), 30000000) << c.what;
+            } else {
+                EXPECT_TRUE(engine.error().contains(QStringLiteral("слишком велик"))) << c.what;
+                EXPECT_FALSE(engine.running()) << c.what;
+            }
+        }
+        qunsetenv("VIRN_OFFICE_HELPER");
+        qunsetenv("VIRN_LIBREOFFICE_DIR");
+    }
+}
+
+} // namespace
